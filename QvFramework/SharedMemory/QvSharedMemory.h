@@ -1,0 +1,130 @@
+#ifndef QVFRAMEWORK_SHARED_MEMORY_QV_SHARED_MEMORY_H
+#define QVFRAMEWORK_SHARED_MEMORY_QV_SHARED_MEMORY_H
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <type_traits>
+
+#include "QvFramework/Foundation/QvDbgOutput.h"
+#include "QvFramework/Foundation/QvString.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+#include "QvFramework/SharedMemory/QvSharedSyncObject.h"
+
+/**
+ * N records of type T in a named shared-memory object, with the cross-process lock of the same name.
+ *
+ * The first holder since the system started creates the object and fills the records with zeros; later holders find
+ * them as they were left. The object is never removed. A holder that could not map its object stays unmapped for its
+ * whole life and says so on the debug output. Take the lock (a QvSyncGuard on this object) around every access.
+ */
+template <class T, unsigned N>
+class QvSharedMemory : public QvSharedSyncObject {
+    static_assert(std::is_trivially_copyable_v<T>, "records are copied between processes byte by byte");
+
+public:
+    explicit QvSharedMemory(const char* name);
+    ~QvSharedMemory() override;
+
+    /** The first record, or null when the segment is not mapped. */
+    T* getData() const { return isMapped() ? segment()->records : nullptr; }
+
+private:
+    struct Segment {
+        unsigned int dataSize;  // bytes of the records
+        T records[N];
+    };
+
+    static constexpr mode_t MODE = 0664;
+
+    static void report(int line, const char* text) {
+        QvDbgOutput::DbgPrintStdErr("QvFramework/SharedMemory/QvSharedMemory", "QvSharedMemory", line, "%s", text);
+    }
+
+    bool isMapped() const { return mpAddress != MAP_FAILED; }
+    Segment* segment() const { return static_cast<Segment*>(mpAddress); }
+
+    bool open(const char* objectName);
+    bool resize();
+    bool isWholeSegment();
+    void map();
+
+    int mFd;
+    void* mpAddress;
+    bool mIsCreator;
+};
+
+template <class T, unsigned N>
+QvSharedMemory<T, N>::QvSharedMemory(const char* name)
+    : QvSharedSyncObject(name), mFd(-1), mpAddress(MAP_FAILED), mIsCreator(false) {
+    // Held to the end: of two processes that start together, one finishes creating before the other opens.
+    QvSyncGuard<QvSharedSyncObject> guard(*this);
+    if (open((QvString("/") + name).c_str())) map();
+}
+
+template <class T, unsigned N>
+QvSharedMemory<T, N>::~QvSharedMemory() {
+    if (isMapped()) munmap(mpAddress, sizeof(Segment));
+    mpAddress = MAP_FAILED;
+    if (mFd != -1) close(mFd);
+    mFd = -1;
+}
+
+template <class T, unsigned N>
+bool QvSharedMemory<T, N>::open(const char* objectName) {
+    mFd = shm_open(objectName, O_RDWR | O_CREAT | O_EXCL, MODE);
+    mIsCreator = mFd != -1;
+    if (mIsCreator) return true;
+    if (errno != EEXIST) {
+        report(__LINE__, "shm_open error\n");
+        return false;
+    }
+    mFd = shm_open(objectName, O_RDWR | O_CREAT, MODE);
+    struct stat status {};
+    // Empty while the lock is held: its creator died before it had sized it, and this holder takes its place.
+    mIsCreator = mFd != -1 && fstat(mFd, &status) == 0 && status.st_size == 0;
+    return true;
+}
+
+template <class T, unsigned N>
+bool QvSharedMemory<T, N>::resize() {
+    if (fchmod(mFd, MODE) != 0 && errno != EPERM) return false;  // whatever the umask made of it
+    int result = -1;
+    do {
+        result = ftruncate(mFd, sizeof(Segment));
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+/** Whether every byte of the segment is there, with memory behind it: what is not reserved now could be missing at the
+ *  first access. Later holders ask too, since a creator may have died between sizing and reserving. */
+template <class T, unsigned N>
+bool QvSharedMemory<T, N>::isWholeSegment() {
+    struct stat status {};
+    if (fstat(mFd, &status) != 0 || status.st_size < static_cast<off_t>(sizeof(Segment))) return false;
+    int result = EINTR;
+    while (result == EINTR)
+        result = posix_fallocate(mFd, 0, sizeof(Segment));
+    if (result != 0) report(__LINE__, "ftruncate error\n");
+    return result == 0;
+}
+
+template <class T, unsigned N>
+void QvSharedMemory<T, N>::map() {
+    if (mIsCreator && !resize()) report(__LINE__, "ftruncate error\n");
+    if (isWholeSegment()) mpAddress = mmap(nullptr, sizeof(Segment), PROT_READ | PROT_WRITE, MAP_SHARED, mFd, 0);
+    if (!isMapped()) {
+        report(__LINE__, "mmap error\n");
+        return;
+    }
+    segment()->dataSize = sizeof(T) * N;
+    if (!mIsCreator) return;
+    QvSyncGuard<QvSharedSyncObject> guard(*this);
+    std::memset(static_cast<void*>(segment()->records), 0, segment()->dataSize);
+}
+
+#endif

@@ -1,0 +1,235 @@
+#include "GpsHal/GpsHal.h"
+
+#include <pthread.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+#include "GpsHal/GpsHalFramer.h"
+#include "GpsHal/GpsHalSerialLink.h"
+#include "QvFramework/Foundation/QvDbgOutput.h"
+#include "QvFramework/Foundation/QvEvent.h"
+#include "QvFramework/Foundation/QvHelpers.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+
+namespace {
+
+constexpr char kSource[] = "platform/GpsHal/GpsHal";
+constexpr char kThreadName[] = "GpsHalReceive";
+constexpr int kLogLevel = 1;
+constexpr unsigned kReceivedData = 0;
+constexpr unsigned kCommandSpeed = 0;
+constexpr unsigned kReadTimeoutMs = 250;  // also lets a stop through to a link whose read no close ends
+constexpr unsigned kReopenMs = 500;
+
+struct Speed {
+    unsigned value;
+    std::string_view baud;
+};
+constexpr Speed kSpeeds[] = {{0, "9600"}, {2, "38400"}, {4, "115200"}};
+
+/** What outlives every instance. Never destroyed: threads may use it after the static destructors. */
+struct Process {
+    QvSync sync;
+    unsigned shares QV_GUARDED_BY(sync) = 0;
+    std::shared_ptr<GpsHal> hal QV_GUARDED_BY(sync);
+    std::shared_ptr<GpsHalLink> link QV_GUARDED_BY(sync);
+
+    static Process& instance() {
+        static Process* const process = new Process();
+        return *process;
+    }
+};
+
+std::shared_ptr<GpsHalLink> linkFromEnvironment() {
+    const char* const device = std::getenv("GPSHAL_DEVICE");
+    const char* const baud = std::getenv("GPSHAL_BAUD");
+    if (device == nullptr || *device == '\0') return nullptr;
+    if (baud == nullptr) return std::make_shared<GpsHalSerialLink>(device);
+    const auto* const speed =
+        std::find_if(std::begin(kSpeeds), std::end(kSpeeds), [baud](const Speed& row) { return row.baud == baud; });
+    if (speed != std::end(kSpeeds)) return std::make_shared<GpsHalSerialLink>(device, speed->value);
+    QvDbgOutput::DbgPrint(kSource, "start", __LINE__, kLogLevel, "GPSHAL_BAUD is %s, not 9600, 38400 or 115200\n",
+                          baud);
+    return nullptr;
+}
+
+std::shared_ptr<GpsHalLink> linkToUse() {
+    Process& process = Process::instance();
+    QvSyncGuard guard(process.sync);
+    return process.link != nullptr ? process.link : linkFromEnvironment();
+}
+
+/** All signals but those of a thread's own faults, which its process may want to report. */
+sigset_t signalsOfOtherThreads() {
+    sigset_t signals;
+    sigfillset(&signals);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
+        sigdelset(&signals, fault);
+    }
+    return signals;
+}
+
+}  // namespace
+
+/** Reception from a start to its stop: the link, the receive thread and what it has read. */
+class GpsHal::Reception {
+public:
+    Reception(std::shared_ptr<GpsHal> hal, std::shared_ptr<GpsHalLink> link)
+        : mHal(std::move(hal)), mLink(std::move(link)) {}
+
+    /** Starts the thread, which keeps the reception, and with it the instance, alive. */
+    static bool begin(const std::shared_ptr<Reception>& reception);
+    void end();
+
+private:
+    static void* runThread(void* reception);
+    void run();
+    void reopen();
+    void report(int line, const char* what) const {
+        QvDbgOutput::DbgPrint(kSource, "run", line, kLogLevel, "%s %s\n", mLink->name(), what);
+    }
+
+    const std::shared_ptr<GpsHal> mHal;
+    const std::shared_ptr<GpsHalLink> mLink;
+    pthread_t mThread{};
+    std::atomic<bool> mIsEnding{false};
+    QvEvent mEnding;
+    GpsHalFramer mFramer;
+};
+
+bool GpsHal::Reception::begin(const std::shared_ptr<Reception>& reception) {
+    auto* const threadsOwn = new std::shared_ptr<Reception>(reception);
+    const sigset_t blocked = signalsOfOtherThreads();
+    sigset_t callers;
+    pthread_sigmask(SIG_SETMASK, &blocked, &callers);
+    const int result = pthread_create(&reception->mThread, nullptr, &Reception::runThread, threadsOwn);
+    pthread_sigmask(SIG_SETMASK, &callers, nullptr);
+    if (result == 0) return true;
+    delete threadsOwn;
+    errno = result;
+    return false;
+}
+
+void GpsHal::Reception::end() {
+    mIsEnding = true;
+    mEnding.SetEvent();
+    mLink->close();
+    if (pthread_equal(mThread, pthread_self()) != 0) {
+        pthread_detach(mThread);
+        return;
+    }
+    pthread_join(mThread, nullptr);
+    mLink->close();  // the thread may just have been opening it again
+}
+
+void* GpsHal::Reception::runThread(void* reception) {
+    const std::unique_ptr<std::shared_ptr<Reception>> threadsOwn(static_cast<std::shared_ptr<Reception>*>(reception));
+    (*threadsOwn)->run();
+    return nullptr;
+}
+
+void GpsHal::Reception::run() {
+    pthread_setname_np(pthread_self(), kThreadName);
+    const auto deliver = [this](unsigned char* chunk, unsigned length) {
+        if (!mIsEnding) mHal->notifyObservers(kReceivedData, chunk, length);
+    };
+    unsigned char buffer[4096];
+    while (!mIsEnding) {
+        const int length = mLink->read(buffer, sizeof(buffer), kReadTimeoutMs);
+        if (length > 0) mFramer.feed(buffer, static_cast<unsigned>(length), deliver);
+        if (length >= 0 || mIsEnding) continue;
+        mLink->close();
+        mFramer.finish(deliver);
+        reopen();
+    }
+}
+
+/** Returns when the lost link is open again, or reception ends. */
+void GpsHal::Reception::reopen() {
+    report(__LINE__, "is lost");
+    while (mEnding.WaitEvent(kReopenMs) == QvEvent::TIMED_OUT) {
+        if (!mLink->open()) continue;
+        report(__LINE__, "is back");
+        return;
+    }
+}
+
+GpsHal* GpsHal::GetInstance() {
+    Process& process = Process::instance();
+    QvSyncGuard guard(process.sync);
+    if (process.shares++ == 0) process.hal.reset(new GpsHal());
+    return process.hal.get();
+}
+
+void GpsHal::DelInstance() {
+    Process& process = Process::instance();
+    std::shared_ptr<GpsHal> last;
+    {
+        QvSyncGuard guard(process.sync);
+        if (process.shares == 0 || --process.shares != 0) return;
+        last.swap(process.hal);
+    }
+    last->stop();
+}
+
+void GpsHal::setLink(std::unique_ptr<GpsHalLink> link) {
+    std::shared_ptr<GpsHalLink> other(std::move(link));
+    Process& process = Process::instance();
+    QvSyncGuard guard(process.sync);
+    process.link.swap(other);
+}
+
+GpsHal::GpsHal() : mIsStarted(false) {}
+
+GpsHal::~GpsHal() = default;
+
+bool GpsHal::start() {
+    QvSyncGuard guard(mSync);
+    if (mReception != nullptr) return true;
+    const std::shared_ptr<GpsHalLink> link = linkToUse();
+    if (link == nullptr) return false;
+    const auto reception = std::make_shared<Reception>(shared_from_this(), link);
+    {
+        QvSyncGuard sendGuard(mSendSync);
+        mSendLink = link;
+    }
+    if (link->open() && Reception::begin(reception)) {
+        mReception = reception;
+        return true;
+    }
+    QvDbgOutput::DbgPrint(kSource, "start", __LINE__, kLogLevel, "cannot use %s: %s\n", link->name(),
+                          qv_get_last_err_string());
+    link->close();
+    QvSyncGuard sendGuard(mSendSync);
+    mSendLink.reset();
+    return false;
+}
+
+bool GpsHal::stop() {
+    QvSyncGuard guard(mSync);
+    if (mReception == nullptr) return false;
+    mReception->end();
+    mReception.reset();
+    QvSyncGuard sendGuard(mSendSync);
+    mSendLink.reset();
+    return true;
+}
+
+bool GpsHal::sendData(const void* data, unsigned length) {
+    QvSyncGuard guard(mSendSync);
+    return mSendLink != nullptr && mSendLink->write(data, length);
+}
+
+bool GpsHal::sendCommand(unsigned code, unsigned& value) {
+    const bool isSpeed =
+        std::any_of(std::begin(kSpeeds), std::end(kSpeeds), [value](const Speed& row) { return row.value == value; });
+    if (code != kCommandSpeed || !isSpeed) return false;
+    QvSyncGuard guard(mSendSync);
+    return mSendLink != nullptr && mSendLink->setSpeed(value);
+}

@@ -1,0 +1,102 @@
+#ifndef GPSHAL_GPS_HAL_FRAMER_H
+#define GPSHAL_GPS_HAL_FRAMER_H
+
+#include "QvFramework/Foundation/QvUncopyable.h"
+
+/**
+ * Cuts the receiver's byte stream into chunks and drops what lies between them.
+ *
+ * A chunk is one NMEA sentence, from `$` through its line feed, or one UBX frame (B5 62, class, id, length of the
+ * payload as two bytes with the low one first, payload, checksum) whose Fletcher checksum holds. A sentence is at most
+ * 1024 bytes of printable ASCII and carriage returns; another `$` starts it over. A payload is at most 8192 bytes.
+ *
+ * Nothing intact is lost behind damage: what cannot be the start of a chunk gives up its first byte only, and the rest
+ * is looked at again. How the stream is split into calls makes no difference to chunks and counts. Nothing is
+ * allocated, and the time is proportional to the number of bytes, whatever they are. One thread at a time.
+ */
+class GpsHalFramer : private QvUncopyable {
+public:
+    /**
+     * Takes the next bytes of the stream and calls `sink(unsigned char* chunk, unsigned length)` for every chunk that
+     * they complete, in the order of the stream. The chunk's bytes are valid, and the callee's to change, during the
+     * call. The sink must not call the framer.
+     */
+    template <class Sink>
+    void feed(const void* data, unsigned length, Sink&& sink);
+
+    /**
+     * The stream has ended: gives up the unfinished chunk, calls `sink` for what is intact inside it (sentences that a
+     * broken frame's length had claimed), and is ready for another stream.
+     */
+    template <class Sink>
+    void finish(Sink&& sink);
+
+    /** Drops the bytes of an unfinished chunk, to be ready for another stream. */
+    void reset();
+
+    /** Chunks found since construction. */
+    unsigned long chunks() const { return mChunks; }
+    /** Bytes dropped since construction. Those of an unfinished chunk do not count yet. */
+    unsigned long droppedBytes() const { return mDroppedBytes; }
+
+private:
+    static constexpr unsigned kMaxSentence = 1024;
+    static constexpr unsigned kMaxPayload = 8192;
+    static constexpr unsigned kFrameOverhead = 8;
+    static constexpr unsigned kCapacity = 2 * (kMaxPayload + kFrameOverhead);
+
+    struct Chunk {
+        unsigned char* data;
+        unsigned length;  // 0: no chunk
+    };
+    /** What the bytes at mBegin are. */
+    struct Verdict {
+        enum Kind { kChunk, kNoise, kUnfinished } kind;
+        unsigned length;
+    };
+
+    unsigned append(const unsigned char* data, unsigned length);
+    void compact();
+    Chunk next(bool isEnd);
+    Verdict judge();
+    Verdict judgeNoise() const;
+    Verdict judgeSentence();
+    Verdict judgeFrame();
+    bool checksumHolds(unsigned begin, unsigned end);
+
+    unsigned char mBuffer[kCapacity];
+    unsigned mBegin = 0;  // first byte that is not yet decided
+    unsigned mEnd = 0;
+    unsigned mSeen = 0;  // bytes from mBegin on that are known to go on an unfinished sentence
+
+    // Running sums of the buffer's bytes, and of these sums, before each position. The checksum of any range is a
+    // difference of them, so that bytes claimed by many broken frames are still added up once only.
+    unsigned char mSums[kCapacity + 1];
+    unsigned char mSumsOfSums[kCapacity + 1];
+    unsigned mSummed = 0;  // last position that has its sums
+
+    unsigned long mChunks = 0;
+    unsigned long mDroppedBytes = 0;
+};
+
+template <class Sink>
+void GpsHalFramer::feed(const void* data, unsigned length, Sink&& sink) {
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    while (length > 0) {
+        const unsigned taken = append(bytes, length);
+        bytes += taken;
+        length -= taken;
+        for (Chunk chunk = next(false); chunk.length != 0; chunk = next(false)) {
+            sink(chunk.data, chunk.length);
+        }
+    }
+}
+
+template <class Sink>
+void GpsHalFramer::finish(Sink&& sink) {
+    for (Chunk chunk = next(true); chunk.length != 0; chunk = next(true)) {
+        sink(chunk.data, chunk.length);
+    }
+}
+
+#endif

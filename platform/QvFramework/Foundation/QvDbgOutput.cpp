@@ -1,0 +1,67 @@
+#include "QvFramework/Foundation/QvDbgOutput.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+
+#include "QvFramework/Foundation/QvSync.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+
+namespace {
+
+void printLine(void*, const char* file, const char* function, int line, int, const char* text) {
+    const int length = static_cast<int>(std::strcspn(text, "\r\n"));
+    if (*file == '\0') {
+        std::fprintf(stderr, "%s\n", text);
+        return;
+    }
+    std::fprintf(stderr, "%s:%d %s: %.*s\n", file, line, function, length, text);
+}
+
+struct Output {
+    QvSync sync;  // held while the sink runs, so that a replaced sink is not in use any more
+    QvDbgOutput::Sink sink QV_GUARDED_BY(sync) = &printLine;
+    void* context QV_GUARDED_BY(sync) = nullptr;
+
+    static Output& instance() {
+        static Output* const output = new Output();  // threads may log after the static destructors
+        return *output;
+    }
+
+    void print(const char* file, const char* function, int line, int tag, const char* format, va_list arguments) {
+        char text[1024];
+        std::vsnprintf(text, sizeof(text), format, arguments);
+        QvSyncGuard guard(sync);
+        sink(context, file, function, line, tag, text);
+    }
+};
+
+}  // namespace
+
+void QvDbgOutput::setSink(Sink sink, void* context) {
+    Output& output = Output::instance();
+    QvSyncGuard guard(output.sync);
+    output.sink = sink != nullptr ? sink : &printLine;
+    output.context = context;
+}
+
+void QvDbgOutput::DbgPrint(const char* file, const char* function, int line, int tag, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    Output::instance().print(file, function, line, tag, format, arguments);
+    va_end(arguments);
+}
+
+void QvDbgOutput::DbgPrint(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    Output::instance().print("", "", 0, 0, format, arguments);
+    va_end(arguments);
+}
+
+void QvDbgOutput::DbgPrintStdErr(const char* file, const char* function, int line, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    Output::instance().print(file, function, line, 0, format, arguments);
+    va_end(arguments);
+}

@@ -1,0 +1,32 @@
+#include "QvFramework/Foundation/QvHelpers.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+
+void qv_msleep(unsigned int ms) {
+    timespec left{static_cast<time_t>(ms / 1000), static_cast<long>(ms % 1000) * 1000000L};
+    while (nanosleep(&left, &left) != 0 && errno == EINTR) {
+    }
+}
+
+char* qv_strcpy(char* destination, std::size_t size, const char* source) {
+    return qv_strncpy(destination, size, source, std::strlen(source));
+}
+
+char* qv_strncpy(char* destination, std::size_t size, const char* source, std::size_t count) {
+    if (size == 0) return destination;
+    const std::size_t length = std::min(strnlen(source, count), size - 1);
+    std::memcpy(destination, source, length);
+    destination[length] = '\0';
+    return destination;
+}
+
+int qv_get_last_err() {
+    return errno;
+}
+
+const char* qv_get_last_err_string() {
+    return strerrordesc_np(errno) != nullptr ? strerrordesc_np(errno) : "unknown";
+}

@@ -1,0 +1,14 @@
+#ifndef QVFRAMEWORK_FOUNDATION_QV_SINGLETON_FINALIZER_H
+#define QVFRAMEWORK_FOUNDATION_QV_SINGLETON_FINALIZER_H
+
+/** Ends the process's singletons. */
+class QvSingletonFinalizer {
+public:
+    /** Adds a function to run once, at process exit or at the next finalize(), whichever comes first. */
+    static void addDestroyFunc(void (*function)());
+
+    /** Runs the functions added so far, newest first, and forgets them. */
+    static void finalize();
+};
+
+#endif

@@ -1,0 +1,36 @@
+#ifndef QVFRAMEWORK_FOUNDATION_QV_SUBJECT_H
+#define QVFRAMEWORK_FOUNDATION_QV_SUBJECT_H
+
+#include <vector>
+
+#include "QvFramework/Foundation/QvSync.h"
+#include "QvFramework/Foundation/QvUncopyable.h"
+
+/** What a subject calls. */
+class QvObserver_ {
+public:
+    virtual ~QvObserver_() {}
+    /** @return a code for the subject; 0 for no failure */
+    virtual unsigned int Update(unsigned int eventCode, void* data, unsigned int length) = 0;
+};
+
+/** Tells any number of observers; never owns them. */
+class QvSubject : private QvUncopyable {
+public:
+    void AddObserver(QvObserver_* observer);
+    /** After this has returned on another thread than the notifying one, the observer is not called again. */
+    void RemoveObserver(QvObserver_* observer);
+
+protected:
+    QvSubject();
+    ~QvSubject();
+
+    /** Calls every observer in the order of attachment, on the caller's thread. */
+    void notifyObservers(unsigned int eventCode, void* data, unsigned int length);
+
+private:
+    QvSync mObserverSync;  // held while observers run, so that a removal waits for a call in progress
+    std::vector<QvObserver_*> mObservers QV_GUARDED_BY(mObserverSync);
+};
+
+#endif

@@ -1,0 +1,54 @@
+#include "QvFramework/Foundation/QvThreadMng.h"
+
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "QvFramework/Foundation/QvHelpers.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+
+namespace {
+
+constexpr int kDefaultPriority = 128;
+constexpr int kPrioritiesPerNice = 6;
+constexpr int kLowestNice = -20;
+constexpr int kHighestNice = 19;
+constexpr unsigned int kNoThread = static_cast<unsigned int>(-1);
+
+}  // namespace
+
+QvThreadMng* QvThreadMng::GetInstance() {
+    static QvThreadMng* const instance = new QvThreadMng();  // threads may outlive every static destructor
+    return instance;
+}
+
+void QvThreadMng::SetPriority(unsigned long, int priority, unsigned int threadId) {
+    if (threadId == kNoThread) return;
+    const int nice = std::clamp((kDefaultPriority - priority) / kPrioritiesPerNice, kLowestNice, kHighestNice);
+    setpriority(PRIO_PROCESS, threadId, nice);
+}
+
+int QvThreadMng::GetPriority(unsigned long, unsigned int threadId) {
+    errno = 0;
+    const int nice = getpriority(PRIO_PROCESS, threadId);
+    return errno == 0 ? kDefaultPriority - nice * kPrioritiesPerNice : -1;
+}
+
+void QvThreadMng::registerThreadInfo(unsigned long handle, const char* name, int priority, unsigned int value) {
+    ThreadInfo info{handle, {}, priority, value};
+    qv_strcpy(info.name, sizeof(info.name), name);
+    QvSyncGuard guard(mSync);
+    mThreads.push_back(info);
+}
+
+void QvThreadMng::unregisterThreadInfo(unsigned long handle) {
+    QvSyncGuard guard(mSync);
+    std::erase_if(mThreads, [handle](const ThreadInfo& info) { return info.handle == handle; });
+}
+
+bool QvThreadMng::isRegistered(unsigned long handle) const {
+    QvSyncGuard guard(mSync);
+    return std::any_of(mThreads.begin(), mThreads.end(),
+                       [handle](const ThreadInfo& info) { return info.handle == handle; });
+}

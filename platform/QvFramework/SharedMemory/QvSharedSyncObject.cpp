@@ -1,0 +1,119 @@
+#include "QvFramework/SharedMemory/QvSharedSyncObject.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "QvFramework/Foundation/QvDbgOutput.h"
+#include "QvFramework/Foundation/QvSync.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+
+namespace {
+
+constexpr char kSource[] = "QvFramework/SharedMemory/QvSharedSyncObject";
+constexpr std::uint32_t kMagic = 0x51764c6b;  // "QvLk"
+constexpr std::uint32_t kVersion = 1;
+constexpr mode_t kMode = 0664;
+
+struct SharedLock {
+    std::uint32_t magic;  // written last: a lock without it was left unfinished
+    std::uint32_t version;
+    pthread_mutex_t mutex;
+};
+
+void initialize(pthread_mutex_t* mutex, int shared) {
+    pthread_mutexattr_t attributes;
+    pthread_mutexattr_init(&attributes);
+    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+    pthread_mutexattr_setpshared(&attributes, shared);
+    pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
+    pthread_mutex_init(mutex, &attributes);
+    pthread_mutexattr_destroy(&attributes);
+}
+
+/** Sizes an object that is new, or whose creator died before it had sized it. The caller holds the file lock. */
+bool reserve(int fd) {
+    struct stat status {};
+    if (fstat(fd, &status) != 0) return false;
+    if (status.st_size != 0) return static_cast<std::size_t>(status.st_size) == sizeof(SharedLock);
+    if (fchmod(fd, kMode) != 0) return false;  // whatever the umask made of it
+    int reserved = EINTR;
+    while (reserved == EINTR)
+        reserved = posix_fallocate(fd, 0, sizeof(SharedLock));
+    return reserved == 0;
+}
+
+/** Maps the lock of an open object, and makes it one if nobody has. The caller holds the file lock. */
+SharedLock* mapLocked(int fd) {
+    if (!reserve(fd)) return nullptr;
+    void* const address = mmap(nullptr, sizeof(SharedLock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    if (address == MAP_FAILED) return nullptr;
+    auto* const lock = static_cast<SharedLock*>(address);
+    const std::uint32_t magic = __atomic_load_n(&lock->magic, __ATOMIC_ACQUIRE);
+    if (magic == 0) {
+        initialize(&lock->mutex, PTHREAD_PROCESS_SHARED);
+        lock->version = kVersion;
+        __atomic_store_n(&lock->magic, kMagic, __ATOMIC_RELEASE);
+    } else if (magic != kMagic || lock->version != kVersion) {
+        munmap(address, sizeof(SharedLock));
+        return nullptr;
+    }
+    return lock;
+}
+
+/** The lock in shared memory, or null. Two processes that start together take turns through the file lock, which the
+ *  system takes back from a process that dies. */
+pthread_mutex_t* openShared(const std::string& name) {
+    const int fd = shm_open(("/" + name + ".lock").c_str(), O_RDWR | O_CREAT, kMode);
+    if (fd < 0) return nullptr;
+    int locked = -1;
+    do {
+        locked = flock(fd, LOCK_EX);
+    } while (locked != 0 && errno == EINTR);
+    SharedLock* const lock = locked == 0 ? mapLocked(fd) : nullptr;
+    close(fd);
+    return lock != nullptr ? &lock->mutex : nullptr;
+}
+
+/** A lock for this process alone. */
+pthread_mutex_t* makeLocal() {
+    auto* const mutex = new pthread_mutex_t;
+    initialize(mutex, PTHREAD_PROCESS_PRIVATE);
+    return mutex;
+}
+
+/** Every name is mapped once a process and stays mapped: the death of a holder is noticed only while it is. */
+pthread_mutex_t* lockOf(const char* name) {
+    static QvSync sync;
+    static auto* const locks = new std::map<std::string, pthread_mutex_t*>();
+    QvSyncGuard guard(sync);
+    pthread_mutex_t*& mutex = (*locks)[name];
+    if (mutex != nullptr) return mutex;
+    mutex = openShared(name);
+    if (mutex == nullptr) {
+        QvDbgOutput::DbgPrintStdErr(kSource, "QvSharedSyncObject", __LINE__, "no shared lock for %s\n", name);
+        mutex = makeLocal();
+    }
+    return mutex;
+}
+
+}  // namespace
+
+QvSharedSyncObject::QvSharedSyncObject(const char* name) : mpMutex(lockOf(name)) {}
+
+QvSharedSyncObject::~QvSharedSyncObject() = default;
+
+void QvSharedSyncObject::lock() const QV_NO_THREAD_SAFETY_ANALYSIS {
+    if (pthread_mutex_lock(mpMutex) == EOWNERDEAD) pthread_mutex_consistent(mpMutex);
+}
+
+void QvSharedSyncObject::unlock() const QV_NO_THREAD_SAFETY_ANALYSIS {
+    pthread_mutex_unlock(mpMutex);
+}

@@ -1,0 +1,112 @@
+#ifndef GPS_GPS_LISTENERS_H
+#define GPS_GPS_LISTENERS_H
+
+#include "Gps/GpsConnectionStatus.h"
+#include "Gps/GpsExport.h"
+#include "Gps/GpsLocationRecords.h"
+#include "Gps/GpsNmeaRecords.h"
+#include "Gps/GpsProductionRecords.h"
+#include "Gps/GpsSetting.h"
+
+/**
+ * The seven listener interfaces. A client derives from those it needs, overrides what it cares about and registers the
+ * object through `Gps`. The library never owns, copies or deletes a listener: the object must live until its
+ * unregistration has returned. When an unregistration returns on one thread, the listener is not being called and will
+ * not be called again on any other; a listener that unregisters itself from inside its own notification returns at once
+ * and is not called again either.
+ *
+ * Every pointer handed to a notification is valid during that call only; copy what you keep. Notifications should
+ * return soon: the receive thread reads nothing while it is inside one. Different notifications of one object may come
+ * on different threads (named below) at the same time. No notification may throw.
+ */
+
+/** Raw sentences. Called on the receive thread. */
+class GPS_API GpsNmeaListener {
+public:
+    virtual ~GpsNmeaListener();
+    /**
+     * One NMEA sentence as received, or rebuilt in WGS84 when the receiver reports Tokyo and the listener asked for
+     * WGS84. Antenna texts ("$GPTXT", "$GNTXT") are not sentences in this sense.
+     * @param sentence bytes, CR LF included; not terminated by a NUL
+     * @param length number of bytes
+     */
+    virtual void notifyReceiveNmeaSentence(const char* sentence, unsigned int length);
+};
+
+/** Parsed sentences, in the datum asked for at registration. Called on the receive thread. */
+class GPS_API GpsParseNmeaListener {
+public:
+    virtual ~GpsParseNmeaListener();
+    /** The aggregate of an epoch, right after the sentence that completed it. */
+    virtual void notifyParseNmeaSentence(const PARSE_NMEA* record);
+    virtual void notifyParseGgaSentence(const GPGGA* record);
+    virtual void notifyParseGllSentence(const GPGLL* record);
+    virtual void notifyParseGsaSentence(const GPGSA* record);
+    /** Once per cycle, after its last message. */
+    virtual void notifyParseGsvSentence(const GPGSV* record);
+    virtual void notifyParseRmcSentence(const GPRMC* record);
+    virtual void notifyParseVtgSentence(const GPVTG* record);
+    virtual void notifyParseZdaSentence(const GPZDA* record);
+    virtual void notifyParsePubxSentence(const PUBX* record);
+};
+
+/**
+ * Location data that any process handed to Gps::setLocationData, about one record a second. Called on the library's
+ * worker thread, for each record in the order Rmc, Gga, Pascd, Location, while the registry lock is held: do not
+ * register or unregister listeners from inside.
+ */
+class GPS_API GpsLocationDataListener {
+public:
+    virtual ~GpsLocationDataListener();
+    virtual void notifyLocationData(const LOCATION_DATA* record);
+    virtual void notifyRmcData(const GPRMC* record);
+    virtual void notifyGgaData(const GPGGA* record);
+    virtual void notifyPascdData(const PASCD* record);
+};
+
+/** The receiver's version. Called on the thread that requests it, before the request returns. */
+class GPS_API GpsVersionListener {
+public:
+    virtual ~GpsVersionListener();
+    /**
+     * @param version text, filled up with zeros to `length`
+     * @param length bytes of the whole field (128), not of the text
+     */
+    virtual void notifyGpsVersionInfo(const char* version, unsigned int length);
+};
+
+/**
+ * Antenna status. Called once on the registering thread before the registration returns (the registry lock is held),
+ * then on the receive thread for every antenna text, also when the status is unchanged.
+ */
+class GPS_API GpsConnectionListener {
+public:
+    virtual ~GpsConnectionListener();
+    virtual void notifyGpsConnectionStatus(GpsConnectionStatus status);
+};
+
+/** Answers to setting requests. Called on the receive thread. */
+class GPS_API GpsSettingListener {
+public:
+    virtual ~GpsSettingListener();
+    /**
+     * The receiver's answer to the oldest request of this process that awaits one.
+     * @param acknowledged true when the receiver accepted the setting, false when it refused it
+     */
+    virtual void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting);
+};
+
+/** Factory check. Called on the receive thread. */
+class GPS_API GpsProductionListener {
+public:
+    virtual ~GpsProductionListener();
+    /** @param acknowledged true when the receiver accepted the request, false when it refused it */
+    virtual void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged);
+    virtual void notifyStartGpsProductionCheckResponse(bool acknowledged);
+    /** Reserved: a cold start reports nothing. */
+    virtual void notyfyGpsColdStartRequestResponse(bool acknowledged);
+    virtual void notifyReceiveGpsProductionData(const PRODUCTION_DATA* record);
+    virtual void notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA* record);
+};
+
+#endif

@@ -1,0 +1,37 @@
+#ifndef GPS_GPS_PRODUCTION_RECORDS_H
+#define GPS_GPS_PRODUCTION_RECORDS_H
+
+/**
+ * Records of the factory check. Fields are named after their place in the receiver's message (`ptValue20` comes from
+ * payload byte 20 of MonPt, `pt2Entry4` from byte 4 of a list entry of MonPt2): the receiver's maker does not publish
+ * their meaning.
+ */
+
+/** One MonPt test result. */
+struct PRODUCTION_DATA {
+    unsigned int ptValue4;
+    int ptValue20;  ///< raw value times 0.00024414062, truncated toward zero
+    int ptValue24;  ///< as `ptValue20`
+    int ptValue34;  ///< raw value times 2^-8, truncated toward zero
+    int ptValue36;  ///< as `ptValue34`
+    unsigned int ptValue40;
+    unsigned int ptValue48;
+    unsigned char ptValue39;
+    double ptValue32;  ///< raw value times 1.525878e-05
+};
+
+/** One MonPt2 test result. */
+struct GPS_PRODUCTION_CHECK_DATA {
+    unsigned int checkValid;  ///< always 1
+    unsigned int pt2Value12;
+    unsigned int pt2Value16;
+    unsigned int pt2Value20;
+    unsigned int pt2FirstEntry0;  ///< 0 when the first list is empty
+    unsigned int pt2Entry4;       ///< this and the following are 0 when the second list is empty
+    unsigned int pt2Entry6;
+    unsigned int pt2Entry24;
+    unsigned int pt2Entry25;
+    unsigned int pt2Entry22;
+};
+
+#endif

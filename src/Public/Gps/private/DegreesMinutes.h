@@ -1,0 +1,21 @@
+#ifndef GPS_PRIVATE_DEGREES_MINUTES_H
+#define GPS_PRIVATE_DEGREES_MINUTES_H
+
+#include <cmath>
+#include <limits>
+
+/** Truncates toward zero; what does not fit saturates, and what is no number gives 0. */
+inline int truncateToInt(double value) {
+    using Limits = std::numeric_limits<int>;
+    if (value >= static_cast<double>(Limits::max())) return Limits::max();
+    if (value <= static_cast<double>(Limits::min())) return Limits::min();
+    return value == value ? static_cast<int>(value) : 0;
+}
+
+/** Splits ddmm.mmmm into its whole degrees, with the value's sign, and its minutes, without. */
+inline void splitDegreesMinutes(double value, int& degrees, double& minutes) {
+    degrees = truncateToInt(value) / 100;
+    minutes = std::fabs(value - 100.0 * degrees);
+}
+
+#endif

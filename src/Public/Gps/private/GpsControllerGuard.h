@@ -1,0 +1,31 @@
+#ifndef GPS_PRIVATE_GPS_CONTROLLER_GUARD_H
+#define GPS_PRIVATE_GPS_CONTROLLER_GUARD_H
+
+#include "Gps/private/GpsController.h"
+
+/**
+ * Holds the controller's registry lock for its own lifetime.
+ *
+ * When the thread has given the lock back for good, the worker is started or stopped as the location listeners that
+ * came and went want it: waiting for the worker's end must not depend on a delivery that waits for the lock.
+ */
+class QV_SCOPED_CAPABILITY GpsControllerGuard : private QvUncopyable {
+public:
+    explicit GpsControllerGuard(GpsController& controller) QV_ACQUIRE(controller.mSync) : mController(controller) {
+        mController.mSync.lock();
+        ++mController.mSyncDepth;
+    }
+
+    ~GpsControllerGuard() QV_RELEASE() {
+        const bool isLast = --mController.mSyncDepth == 0;
+        const bool isToBeSettled = isLast && mController.mIsWorkerToBeSettled;
+        if (isToBeSettled) mController.mIsWorkerToBeSettled = false;
+        mController.mSync.unlock();
+        if (isToBeSettled) mController.settleWorker();
+    }
+
+private:
+    GpsController& mController;
+};
+
+#endif

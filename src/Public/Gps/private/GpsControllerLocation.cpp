@@ -1,0 +1,192 @@
+#include <cmath>
+#include <cstring>
+
+#include "Gps/private/DegreesMinutes.h"
+#include "Gps/private/GpsController.h"
+#include "Gps/private/GpsControllerGuard.h"
+#include "Gps/private/GpsControllerLog.h"
+#include "Gps/private/SharedMemory/LocationDataMemory.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+
+namespace {
+
+constexpr char kWorkerName[] = "GpsController";
+constexpr int kWorkerPriority = 210;
+constexpr unsigned int kStopTimeoutMs = 10000;
+constexpr unsigned int kPollPeriodMs = 100;
+
+timeval currentTime() {
+    timeval now{};
+    gettimeofday(&now, nullptr);
+    return now;
+}
+
+template <class To, class From>
+void copyTime(To& to, const From& from) {
+    to.Hour = from.Hour;
+    to.Minute = from.Minute;
+    to.Second = from.Second;
+    to.MilliSecond = from.MilliSecond;
+}
+
+template <class To, class From>
+void copyPosition(To& to, const From& from) {
+    to.Lat = from.Lat;
+    splitDegreesMinutes(from.Lat, to.LatDeg, to.LatMin);
+    to.Lon = from.Lon;
+    splitDegreesMinutes(from.Lon, to.LonDeg, to.LonMin);
+}
+
+void fill(GPGGA& to, const GPS_SYNC_GGA_DATA& from) {
+    to.SatType = SATELLITE_TYPE_UNKNOWN;
+    copyTime(to, from);
+    copyPosition(to, from);
+    to.Quality = from.Quality;
+    to.SatView = from.SatView;
+    to.HDOP = from.HDOP;
+    to.Alt = from.Alt;
+    to.Geo = from.Geo;
+    to.DGPS_Age = from.DGPS_Age;
+    to.DGPS_ID = from.DGPS_ID;
+}
+
+void fill(GPRMC& to, const GPS_SYNC_RMC_DATA& from) {
+    to.SatType = SATELLITE_TYPE_UNKNOWN;
+    copyTime(to, from);
+    to.Status = from.Status;
+    copyPosition(to, from);
+    to.Speed = from.Speed;
+    to.Dir = from.Dir;
+    to.Year = from.Year;
+    to.Month = from.Month;
+    to.Day = from.Day;
+    to.MagDec = from.MagDec;
+    to.Mode = from.Mode;
+}
+
+/** Bit for bit, whatever the producer keeps in the fields. */
+void copyBits(double& to, const double& from) {
+    std::memcpy(&to, &from, sizeof(to));
+}
+
+void fill(PASCD& to, const GPS_SYNC_PASCD_DATA& from) {
+    copyBits(to.Head1, from.Head1);
+    to.Head2 = static_cast<unsigned char>(from.Head2);
+    to.Head3 = static_cast<unsigned char>(from.Head3);
+    to.Head4 = from.Head4;
+    to.Head5 = from.Head5;
+    for (unsigned int i = 0; i < GPS_PASCD_SAMPLE_NUM; ++i) {
+        copyBits(to.Sample[i].ValueA, from.ValueA[i]);
+        copyBits(to.Sample[i].ValueB, from.ValueB[i]);
+    }
+}
+
+}  // namespace
+
+bool GpsController::setLocationData(const GPS_LOCATION_SYNC_DATA* record) {
+    if (record == nullptr) {
+        return controllerLog.failure("setLocationData", "GpsController::setNavigationData() Argument Error\n");
+    }
+    QvSyncGuard guard(mSync);
+    GPS_LOCATION_DATA_SHARE share = {};
+    mLocationDataMemory->read(&share);
+    ++share.UpdateCounter;
+    fill(share.Data.Gga, record->Gga);
+    fill(share.Data.Rmc, record->Rmc);
+    fill(share.Data.Pascd, record->Pascd);
+    mLocationDataMemory->write(&share);
+    return true;
+}
+
+bool GpsController::start() {
+    if (mIsRunning) return false;
+    mStopEvent.ResetEvent();
+    mIsStopRequested = false;
+    if (!mThread->Start(kWorkerName)) {
+        mIsRunning = false;
+        return controllerLog.failure("start", "- GpsController::start - unable to start worker.\n");
+    }
+    mIsRunning = true;
+    mThread->SetPriority(kWorkerPriority);
+    return true;
+}
+
+bool GpsController::stop() {
+    if (!mIsRunning) return false;
+    requestWorkerStop();
+    const bool hasEnded = mThread->WaitExit(kStopTimeoutMs);
+    mIsRunning = false;
+    return hasEnded || controllerLog.failure("stop", "- GpsController::stop - unable to stop worker.\n");
+}
+
+void GpsController::requestWorkerStop() {
+    mIsStopRequested = true;
+    mStopEvent.SetEvent();
+}
+
+/** Makes the worker run exactly when there are location listeners. The caller does not hold mSync. */
+void GpsController::settleWorker() {
+    if (mThread->IsCurrentThread()) return;  // it ends by itself, and the next start or stop joins it
+    QvSyncGuard guard(mWorkerSync);
+    const bool isStopping = mIsStopRequested || mGpsLocationDataListeners.count() == 0;
+    if (mIsRunning && isStopping) stop();
+    if (!mIsRunning && mGpsLocationDataListeners.count() != 0) start();
+}
+
+int GpsController::Initialize() {
+    init_queue();
+    return 0;
+}
+
+void GpsController::Finalize() {
+    init_queue();
+}
+
+void GpsController::init_queue() {
+    mLocationPipeline.reset(currentTime());
+}
+
+int GpsController::MainProc() {
+    for (;;) {
+        if (mStopEvent.WaitEvent(0) != QvEvent::TIMED_OUT) return 0;
+        qv_msleep(kPollPeriodMs);
+        if (mIsStopRequested) return 0;
+        runLocationCycle(currentTime());
+    }
+}
+
+void GpsController::runLocationCycle(const timeval& now) {
+    GPS_LOCATION_DATA_SHARE record = {};
+    while (!mIsStopRequested && mLocationDataMemory->read(&record) && mLocationPipeline.take(record)) {
+    }
+    if (!mLocationPipeline.isDue(now) || mIsStopRequested) return;
+
+    GpsControllerGuard guard(*this);
+    mLocationPipeline.pop(record);
+    if (tellLocation(record.Data)) mLocationPipeline.noteDelivery(now);
+}
+
+void GpsController::notifyLocationData() {
+    if (mGpsLocationDataListeners.count() == 0) return;
+    GPS_LOCATION_DATA_SHARE record = {};
+    {
+        QvSyncGuard guard(mSync);
+        mLocationDataMemory->read(&record);
+    }
+    if (record.UpdateCounter != mLocationPipeline.lastUpdateCounter()) tellLocation(record.Data);
+}
+
+/** False when there was nobody to tell. */
+bool GpsController::tellLocation(const LOCATION_DATA& location) {
+    bool isTold = false;
+    for (unsigned int i = 0; i < mGpsLocationDataListeners.count(); ++i) {
+        isTold |= mGpsLocationDataListeners.callAt(i, [&](const GpsLocationDataListener* registered) {
+            GpsLocationDataListener* const listener = callable(registered);
+            listener->notifyRmcData(&location.Rmc);
+            listener->notifyGgaData(&location.Gga);
+            listener->notifyPascdData(&location.Pascd);
+            listener->notifyLocationData(&location);
+        });
+    }
+    return isTold;
+}

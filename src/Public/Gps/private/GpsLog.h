@@ -1,0 +1,36 @@
+#ifndef GPS_PRIVATE_GPS_LOG_H
+#define GPS_PRIVATE_GPS_LOG_H
+
+#include <source_location>
+
+#include "QvFramework/Foundation/QvDbgOutput.h"
+
+/** The debug log of one source file. */
+class GpsLog {
+public:
+    /** Tag of everything this library logs. */
+    static constexpr int TAG = 1;
+
+    /** @param source path of the source without its extension */
+    explicit constexpr GpsLog(const char* source) : mSource(source) {}
+
+    /** Logs a text as it stands, as said by the operation `function`. */
+    void operator()(const char* function, const char* text,
+                    std::source_location where = std::source_location::current()) const {
+        QvDbgOutput::DbgPrint(mSource, function, static_cast<int>(where.line()), TAG, "%s", text);
+    }
+
+    /** Logs a text and answers false: `return log.failure(...)`. */
+    bool failure(const char* function, const char* text,
+                 std::source_location where = std::source_location::current()) const {
+        (*this)(function, text, where);
+        return false;
+    }
+
+    constexpr const char* source() const { return mSource; }
+
+private:
+    const char* mSource;
+};
+
+#endif

@@ -1,0 +1,53 @@
+#ifndef GPS_PRIVATE_LOCATION_PIPELINE_H
+#define GPS_PRIVATE_LOCATION_PIPELINE_H
+
+#include <sys/time.h>
+
+#include <atomic>
+
+#include "Gps/GpsLocationRecords.h"
+
+/**
+ * The location records that wait for delivery, and when the next one is due: about one a second, faster while two or
+ * more wait. It has no clock: the time of day is handed in. Fixed storage; used by the worker thread alone, but for
+ * `lastUpdateCounter`.
+ */
+class LocationPipeline {
+public:
+    /** Records that may wait. */
+    static constexpr unsigned int QUEUE_MAX = 4;
+
+    /** Forgets everything; the next delivery is due an interval after `now`. */
+    void reset(const timeval& now);
+
+    /**
+     * Queues a record that was read from the segment. Says so in the log when records before it were missed, and when
+     * the oldest one had to give way.
+     * @return false when the record is not newer than the last one taken
+     */
+    bool take(const GPS_LOCATION_DATA_SHARE& record);
+
+    /** Adapts the interval to the backlog, once a poll, and answers whether the oldest waiting record is due. */
+    bool isDue(const timeval& now);
+
+    /** Takes the oldest waiting record out; there must be one. */
+    void pop(GPS_LOCATION_DATA_SHARE& record);
+
+    /** Notes the time of a delivery: intervals run from it. */
+    void noteDelivery(const timeval& now) { mLastNotifyTime = now; }
+
+    /** `UpdateCounter` of the last record taken. */
+    unsigned int lastUpdateCounter() const { return mLastUpdateCounter; }
+
+private:
+    void dropOldest();
+
+    GPS_LOCATION_DATA_SHARE mLocationQueue[QUEUE_MAX] = {};
+    unsigned int mOldest = 0;
+    unsigned int mWaiting = 0;
+    std::atomic<unsigned int> mLastUpdateCounter{0};
+    timeval mLastNotifyTime = {};
+    int mIntervalAdjust = 0;  // milliseconds added to the interval
+};
+
+#endif

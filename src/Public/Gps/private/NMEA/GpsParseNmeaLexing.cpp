@@ -1,0 +1,252 @@
+#include <cstdint>
+#include <cstring>
+
+#include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/NumberText.h"
+#include "Gps/private/NMEA/SentenceText.h"
+
+using sentence_text::nmeaLog;
+
+namespace sentence_text {
+
+namespace {
+
+constexpr struct {
+    std::string_view name;
+    Kind kind;
+} kKinds[] = {{"GGA", Kind::GGA}, {"GLL", Kind::GLL}, {"GSA", Kind::GSA}, {"GSV", Kind::GSV},
+              {"RMC", Kind::RMC}, {"VTG", Kind::VTG}, {"ZDA", Kind::ZDA}};
+
+struct Code {
+    std::string_view text;
+    unsigned int code;
+};
+constexpr Code kModes[] = {{"A", 1}, {"D", 2}, {"E", 3}};
+constexpr Code kOperationModes[] = {{"A", 0}, {"M", 1}};
+constexpr Code kNavigationStatuses[] = {{"DR", 1}, {"G2", 2}, {"G3", 3}, {"D2", 4}, {"D3", 5}, {"RK", 6}, {"TT", 7}};
+
+template <std::size_t count>
+unsigned int codeOf(const Code (&codes)[count], std::string_view text, unsigned int otherwise) {
+    for (const Code& known : codes) {
+        if (known.text == text) return known.code;
+    }
+    return otherwise;
+}
+
+/** A stretch of a field; what lies past its end reads as empty. */
+std::string_view part(std::string_view field, std::size_t start, std::size_t length) {
+    return start < field.size() ? field.substr(start, length) : std::string_view();
+}
+
+unsigned short shortOf(std::string_view text) {
+    return static_cast<unsigned short>(number_text::toInteger(text));
+}
+
+}  // namespace
+
+unsigned char exclusiveOr(std::string_view text) {
+    std::uint64_t sum = 0;
+    while (text.size() >= sizeof(sum)) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data(), sizeof(word));
+        sum ^= word;
+        text.remove_prefix(sizeof(word));
+    }
+    sum ^= sum >> 32;
+    sum ^= sum >> 16;
+    sum ^= sum >> 8;
+    for (const char c : text) {
+        sum ^= static_cast<unsigned char>(c);
+    }
+    return static_cast<unsigned char>(sum);
+}
+
+bool isCheckSumRight(std::string_view sentence) {
+    const std::size_t star = std::min(sentence.find('*', 1), sentence.size());
+    if (star + 4 > sentence.size()) return false;
+    return number_text::toUnsignedHex(sentence.substr(star + 1, 2)) == exclusiveOr(sentence.substr(1, star - 1));
+}
+
+bool takeSentence(const char* data, unsigned int length, Sentence& sentence) {
+    const std::string_view head(data, std::min(length, GpsParseNmeaManager::SENTENCE_SIZE));
+    const std::size_t stop = std::min(head.find('\n'), head.find('\0'));
+    if (stop == std::string_view::npos) return false;
+    const std::size_t start = head.substr(0, stop).rfind('$');
+    if (start == std::string_view::npos) return false;
+
+    const std::string_view text = head.substr(start, stop - start);
+    if (text.size() < 2 || !isCheckSumRight(text)) return false;
+    std::memcpy(sentence.text, text.data(), text.size());
+    sentence.text[text.size()] = '\0';
+    sentence.length = static_cast<unsigned int>(text.size());
+    return true;
+}
+
+Kind kindOf(const Sentence& sentence) {
+    const std::string_view text(sentence.text, sentence.length);
+    for (const auto& known : kKinds) {
+        if (text.size() >= 6 && text.substr(3, 3) == known.name) return known.kind;
+    }
+    return text.starts_with("$PUBX") ? Kind::PUBX : Kind::Other;
+}
+
+const char* readField(const char* cursor, std::string_view& field) {
+    field = {cursor, 0};
+    if (*cursor == '\0') {
+        nmeaLog("getNextToken", "GpsParseNmeaManager::getNextToken() lpData = '");
+        return nullptr;
+    }
+    for (unsigned int i = 0; i < GpsParseNmeaManager::TOKEN_SIZE; ++i) {
+        const char c = cursor[i];
+        if (c != ',' && c != '*' && c != '\0') continue;
+        field = {cursor, i};
+        return c != '\0' ? cursor + i + 1 : nullptr;
+    }
+    nmeaLog("getNextToken", "GpsParseNmeaManager::getNextToken() Token Error\n");
+    return nullptr;
+}
+
+bool splitCoordinate(std::string_view field, unsigned int degreeDigits, double& value, int& degrees, double& minutes) {
+    constexpr std::size_t kMinuteCharacters = 7;
+    value = number_text::toDouble(field);
+    degrees = static_cast<int>(number_text::toInteger(part(field, 0, degreeDigits)));
+    minutes = number_text::toDouble(part(field, degreeDigits, kMinuteCharacters));
+    return true;
+}
+
+bool splitDate(std::string_view field, unsigned short& year, unsigned short& month, unsigned short& day) {
+    day = shortOf(part(field, 0, 2));
+    month = shortOf(part(field, 2, 2));
+    year = shortOf(part(field, 4, 2));
+    return true;
+}
+
+bool splitTime(std::string_view field, unsigned short* hour, unsigned short* minute, unsigned short* second,
+               unsigned short* milliSecond) {
+    // Output, characters it is read from, characters it takes: the seconds' point is stepped over.
+    const struct {
+        unsigned short* output;
+        std::size_t width;
+        std::size_t step;
+    } parts[] = {{hour, 2, 2}, {minute, 2, 2}, {second, 2, 3}, {milliSecond, 3, 3}};
+    std::size_t position = 0;
+    for (const auto& wanted : parts) {
+        if (wanted.output == nullptr) continue;
+        *wanted.output = shortOf(part(field, position, wanted.width));
+        position += wanted.step;
+    }
+    return true;
+}
+
+unsigned int statusCode(std::string_view field) {
+    return field.starts_with('A') ? 1 : 0;
+}
+
+unsigned int modeCode(std::string_view field) {
+    return codeOf(kModes, field.substr(0, 1), 0);
+}
+
+unsigned int operationModeCode(std::string_view field) {
+    return codeOf(kOperationModes, field.substr(0, 1), 65535);
+}
+
+unsigned int navigationStatusCode(std::string_view field) {
+    return codeOf(kNavigationStatuses, field.substr(0, 2), 0);
+}
+
+}  // namespace sentence_text
+
+bool GpsParseNmeaManager::confirmCheckSum(const char* sentence, unsigned int length) {
+    if (sentence == nullptr || length == 0) {
+        return nmeaLog.failure("confirmCheckSum", "GpsParseNmeaManager::confirmCheckSum() Argument Error");
+    }
+    return length >= 2 && sentence_text::isCheckSumRight({sentence, length});
+}
+
+const char* GpsParseNmeaManager::getNextToken(const char* cursor, char* token) {
+    token[0] = '\0';
+    if (cursor == nullptr) {
+        nmeaLog("getNextToken", "GpsParseNmeaManager::getNextToken() Argument Error\n");
+        return nullptr;
+    }
+    std::string_view field;
+    const char* const next = sentence_text::readField(cursor, field);
+    std::memcpy(token, field.data(), field.size());
+    token[field.size()] = '\0';
+    return next;
+}
+
+SatelliteType GpsParseNmeaManager::getSatelliteType(const char* sentence) {
+    constexpr char kFunction[] = "getSatelliteType";
+    if (sentence == nullptr) {
+        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Argument Error\n");
+        return SATELLITE_TYPE_UNKNOWN;
+    }
+    if (sentence[0] != '$') {
+        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_1\n");
+        return SATELLITE_TYPE_UNKNOWN;
+    }
+    if (sentence[1] != 'G') {
+        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_2\n");
+        return SATELLITE_TYPE_UNKNOWN;
+    }
+    switch (sentence[2]) {
+        case 'P':
+            return SATELLITE_TYPE_GPS;
+        case 'L':
+            return SATELLITE_TYPE_GLONASS;
+        case 'A':
+            return SATELLITE_TYPE_GALILEO;
+        case 'N':
+            return SATELLITE_TYPE_GNSS;
+        default:
+            return SATELLITE_TYPE_UNKNOWN;
+    }
+}
+
+bool GpsParseNmeaManager::parseCoordinate(const char* field, Identifier identifier, double* value, int* degrees,
+                                          double* minutes) {
+    constexpr char kFunction[] = "parseCoordinate";
+    if (field == nullptr) return nmeaLog.failure(kFunction, "GpsParseNmeaManager::parseCoordinate() Argument Error");
+    if (*field != '\0' && identifier != IDENTIFIER_LATITUDE && identifier != IDENTIFIER_LONGITUDE) {
+        return nmeaLog.failure(kFunction, "GpsParseNmeaManager::parseCoordinate() nIdentifier Error");
+    }
+    const unsigned int degreeDigits = identifier == IDENTIFIER_LATITUDE ? 2 : 3;
+    return sentence_text::splitCoordinate(field, degreeDigits, *value, *degrees, *minutes);
+}
+
+bool GpsParseNmeaManager::divideDate(const char* field, unsigned short* year, unsigned short* month,
+                                     unsigned short* day) {
+    if (field == nullptr) return nmeaLog.failure("divideDate", "GpsParseNmeaManager::divideDate() Argument Error");
+    return sentence_text::splitDate(field, *year, *month, *day);
+}
+
+bool GpsParseNmeaManager::divideTime(const char* field, unsigned short* hour, unsigned short* minute,
+                                     unsigned short* second, unsigned short* milliSecond) {
+    if (field == nullptr) return nmeaLog.failure("divideTime", "GpsParseNmeaManager::divideTime() Argument Error");
+    return sentence_text::splitTime(field, hour, minute, second, milliSecond);
+}
+
+unsigned int GpsParseNmeaManager::convertStatus(const char* field) {
+    if (field != nullptr) return sentence_text::statusCode(field);
+    nmeaLog("convertStatus", "GpsParseNmeaManager::convertStatus() Argument Error");
+    return 0;
+}
+
+unsigned int GpsParseNmeaManager::convertMode(const char* field) {
+    if (field != nullptr) return sentence_text::modeCode(field);
+    nmeaLog("convertMode", "GpsParseNmeaManager::convertMode() Argument Error");
+    return 0;
+}
+
+unsigned int GpsParseNmeaManager::convertOperationMode(const char* field) {
+    if (field != nullptr) return sentence_text::operationModeCode(field);
+    nmeaLog("convertOperationMode", "GpsParseNmeaManager::convertOperationMode() Argument Error");
+    return 0;
+}
+
+unsigned int GpsParseNmeaManager::convertStatusPubx(const char* field) {
+    if (field != nullptr) return sentence_text::navigationStatusCode(field);
+    nmeaLog("convertStatusPubx", "GpsParseNmeaManager::convertStatusPubx() Argument Error");
+    return 0;
+}

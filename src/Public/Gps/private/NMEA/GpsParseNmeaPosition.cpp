@@ -1,0 +1,157 @@
+#include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/RecordDelivery.h"
+#include "Gps/private/NMEA/SentenceFields.h"
+
+// Sentences with a position: GGA, GLL, RMC and PUBX,00. They are parsed without listeners too.
+
+using namespace sentence_fields;
+using sentence_text::modeCode;
+using sentence_text::navigationStatusCode;
+using sentence_text::nmeaLog;
+using sentence_text::statusCode;
+
+namespace {
+
+#define GGA "GpsParseNmeaManager::parseGgaSentence() "
+constexpr Frame kGga = {"parseGgaSentence", GGA "Argument Error", GGA "$GPGGA Error"};
+constexpr Field<GPGGA> kGgaFields[] = {
+    {time, GGA "UTC Error", GGA ": divideTime()  = false"},
+    {latitude, GGA "Lat Error", GGA ": parseCoordinate() = false [Lat]"},
+    {northSouth, GGA "N/S Error"},
+    {longitude, GGA "Lon Error", GGA ": parseCoordinate() = false [Lon]"},
+    {eastWest, GGA "E/W Error"},
+    {integer<&GPGGA::Quality>, GGA "Quality Error"},
+    {integer<&GPGGA::SatView>, GGA "SatView Error"},
+    {number<&GPGGA::HDOP>, GGA "HDOP Error"},
+    {number<&GPGGA::Alt>, GGA "Alt Error"},
+    {skip, GGA "Alt[m] Error"},
+    {number<&GPGGA::Geo>, GGA "Geo Error"},
+    {skip, GGA "Geo[m] Error"},
+    {integer<&GPGGA::DGPS_Age>, GGA "DGPS_Age Error"},
+    {integer<&GPGGA::DGPS_ID>, GGA "DGPS_ID Error"},
+};
+#undef GGA
+
+#define GLL "GpsParseNmeaManager::parseGllSentence() "
+constexpr Frame kGll = {"parseGllSentence", GLL "Argument Error", GLL "$GPGLL Error"};
+constexpr Field<GPGLL> kGllFields[] = {
+    {latitude, GLL "Lat Error", GLL ": parseCoordinate() = false [Lat]"},
+    {northSouth, GLL "N/S Error"},
+    {longitude, GLL "Lon Error", GLL ": parseCoordinate() = false [Lon]"},
+    {eastWest, GLL "E/W Error"},
+    {time, GLL "UTC Error", GLL ": divideTime() = false"},
+    {code<&GPGLL::Status, statusCode>, GLL "Status Error"},
+    {code<&GPGLL::Mode, modeCode>, GLL "Mode Error"},
+};
+#undef GLL
+
+#define RMC "GpsParseNmeaManager::parseRmcSentence() "
+constexpr Frame kRmc = {"parseRmcSentence", RMC "Argument Error\n", RMC "$GPRMC Error\n"};
+constexpr Field<GPRMC> kRmcFields[] = {
+    {time, RMC "UTC Error\n", RMC ": divideTime() = false\n"},
+    {code<&GPRMC::Status, statusCode>, RMC "Status Error\n"},
+    {latitude, RMC "Lat Error\n", RMC ": parseCoordinate() = false [Lat]\n"},
+    {northSouth, RMC "N/S Error\n"},
+    {longitude, RMC "Lon Error\n", RMC ": parseCoordinate() = false [Lon]\n"},
+    {eastWest, RMC "E/W Error\n"},
+    {number<&GPRMC::Speed>, RMC "Speed Error\n"},
+    {number<&GPRMC::Dir>, RMC "Dir Error\n"},
+    {date, RMC "UTC(Date) Error\n", RMC ":  divideDate() = false\n"},
+    {number<&GPRMC::MagDec>, RMC "MagDec Error\n"},
+    {westNegates<&GPRMC::MagDec>, RMC "MagDec E/W Error\n"},
+    {code<&GPRMC::Mode, modeCode>, RMC "Mode Error\n"},
+};
+#undef RMC
+
+// The texts name the operation without its "receive".
+#define PUBX_ "GpsParseNmeaManager::parsePubxSentence() "
+constexpr Frame kPubx = {"receiveParsePubxSentence", PUBX_ "Argument Error", PUBX_ "$PUBX Error"};
+constexpr Field<PUBX> kPubxFields[] = {
+    {integer<&PUBX::MessageID>, PUBX_ "MessageID Error"},
+    {time, PUBX_ "UTC Error", PUBX_ ": devideTime() = false"},
+    {latitude, PUBX_ "Lat Error", PUBX_ ": parseCoordinate() = false [Lat]"},
+    {northSouth, PUBX_ "N/S Error"},
+    {longitude, PUBX_ "Lon Error", PUBX_ ": parseCoordinate() = false [Lon]"},
+    {eastWest, PUBX_ "E/W Error"},
+    {number<&PUBX::AltRef>, PUBX_ "AltRef Error"},
+    {code<&PUBX::Status, navigationStatusCode>, PUBX_ "Status Error"},
+    {number<&PUBX::hacc>, PUBX_ "hacc Error"},
+    {number<&PUBX::vacc>, PUBX_ "vacc Error"},
+    {number<&PUBX::Speed>, PUBX_ "Speed Error"},
+    {number<&PUBX::Dir>, PUBX_ "Dir Error"},
+    {number<&PUBX::vVel>, PUBX_ "vVel Error"},
+    {integer<&PUBX::DGPS_Age>, PUBX_ "DGPS_Age Error"},
+    {number<&PUBX::HDOP>, PUBX_ "HDOP Error"},
+    {number<&PUBX::VDOP>, PUBX_ "VDOP Error"},
+    {number<&PUBX::TDOP>, PUBX_ "TDOP Error"},
+    {integer<&PUBX::SatView>, PUBX_ "SatView Error"},
+    {integer<&PUBX::DR_MODE>, PUBX_ "DR_MODE Error"},
+};
+constexpr Field<PUBX> kPubxDeadReckoning = {integer<&PUBX::DR_MODE>, PUBX_ "DR_MODE Error"};
+#undef PUBX_
+
+/** The frame of the sentences that name a talker. */
+template <const auto& fields, class Record>
+bool readPosition(GpsParseNmeaManager& manager, const Frame& frame, const char* sentence, Record& record) {
+    if (sentence == nullptr) return nmeaLog.failure(frame.function, frame.argumentError);
+    const char* cursor = readAddress(frame, sentence);
+    if (cursor == nullptr) return false;
+    record.SatType = manager.getSatelliteType(sentence);
+    return readAll<fields>(frame.function, cursor, record);
+}
+
+/**
+ * The last row of the field list reads DR_MODE from the field behind the satellites. Receivers that end the sentence
+ * there mean it; where another field follows, that one is DR_MODE and the one before it is reserved.
+ */
+bool readPubx(const char* sentence, PUBX& record) {
+    if (sentence == nullptr) return nmeaLog.failure(kPubx.function, kPubx.argumentError);
+    const char* cursor = readAddress(kPubx, sentence);
+    if (cursor == nullptr || !readAll<kPubxFields>(kPubx.function, cursor, record)) return false;
+    const bool isLast = cursor[-1] == '*';
+    return isLast || read(kPubxDeadReckoning, kPubx.function, cursor, record);
+}
+
+/** Delivers a position record; without listeners it is enough to have read it. */
+template <class Record>
+bool deliverPosition(GpsParseNmeaManager& manager, const Recipients& recipients, Record* record,
+                     void (GpsParseNmeaListener::*notify)(const Record*)) {
+    if (recipients.isEmpty()) return true;
+    return deliver(recipients, record, notify, [&manager](Record& converted) {
+        return manager.convertTokyoToWgs84(&converted.Lat, &converted.LatDeg, &converted.LatMin, &converted.Lon,
+                                           &converted.LonDeg, &converted.LonMin);
+    });
+}
+
+}  // namespace
+
+bool GpsParseNmeaManager::parseGgaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPGGA* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    return readPosition<kGgaFields>(*this, kGga, sentence, *record) &&
+           deliverPosition(*this, {listeners, count, base, settingFinished}, record,
+                           &GpsParseNmeaListener::notifyParseGgaSentence);
+}
+
+bool GpsParseNmeaManager::parseGllSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPGLL* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    return readPosition<kGllFields>(*this, kGll, sentence, *record) &&
+           deliverPosition(*this, {listeners, count, base, settingFinished}, record,
+                           &GpsParseNmeaListener::notifyParseGllSentence);
+}
+
+bool GpsParseNmeaManager::parseRmcSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPRMC* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    return readPosition<kRmcFields>(*this, kRmc, sentence, *record) &&
+           deliverPosition(*this, {listeners, count, base, settingFinished}, record,
+                           &GpsParseNmeaListener::notifyParseRmcSentence);
+}
+
+bool GpsParseNmeaManager::receiveParsePubxSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                                   unsigned int count, PUBX* record, GeodeticSystem base,
+                                                   bool settingFinished) {
+    return readPubx(sentence, *record) && deliverPosition(*this, {listeners, count, base, settingFinished}, record,
+                                                          &GpsParseNmeaListener::notifyParsePubxSentence);
+}

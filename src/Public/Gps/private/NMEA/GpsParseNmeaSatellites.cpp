@@ -1,0 +1,174 @@
+#include <algorithm>
+
+#include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/RecordDelivery.h"
+#include "Gps/private/NMEA/SentenceFields.h"
+
+// Sentences without a position: GSA, GSV, VTG and ZDA. They are parsed for listeners only.
+
+using namespace sentence_fields;
+using sentence_text::modeCode;
+using sentence_text::nmeaLog;
+using sentence_text::operationModeCode;
+
+namespace {
+
+#define GSA "GpsParseNmeaManager::parseGsaSentence() "
+constexpr Frame kGsa = {"parseGsaSentence", GSA "Argument Error\n", GSA "$GPGSA Error\n"};
+constexpr Field<GPGSA> kGsaFix[] = {
+    {code<&GPGSA::OperationMode, operationModeCode>, GSA "FixType Error\n"},
+    {integer<&GPGSA::FixType>, GSA "Mode Error"},
+};
+constexpr const char* kGsaSatelliteMissing = GSA "SatUsed Error\n";
+constexpr Field<GPGSA> kGsaDilution[] = {
+    {number<&GPGSA::PDOP>, GSA "PDOP Error"},
+    {number<&GPGSA::HDOP>, GSA "HDOP Error"},
+    {number<&GPGSA::VDOP>, GSA "VDOP Error"},
+};
+#undef GSA
+
+#define GSV "GpsParseNmeaManager::parseGsvSentence() "
+constexpr Frame kGsv = {"parseGsvSentence", GSV "Argument Error\n", GSV "$GPGSV Error\n"};
+constexpr Field<GPGSV> kGsvCycle[] = {
+    {natural<&GPGSV::MessageTotal>, GSV "Message Error\n"},
+    {natural<&GPGSV::MessageNum>, GSV "Message Num Error\n"},
+    {natural<&GPGSV::SatView>, GSV "SatView Error\n"},
+};
+constexpr Field<GPGSV_SATELLITE> kGsvSatellite[] = {
+    {natural<&GPGSV_SATELLITE::SatID>, GSV "SatID Error\n"},
+    {natural<&GPGSV_SATELLITE::Elevation>, GSV "Elevation Error\n"},
+    {natural<&GPGSV_SATELLITE::Azimuth>, GSV "Azimuth Error\n"},
+    {natural<&GPGSV_SATELLITE::SNR>, GSV "SNR Error\n"},
+};
+constexpr const char* kGsvTooMany = GSV " over GPS_MAX_SATELLITE_RECEIVE_NUM\n";
+constexpr const char* kGsvIndexOver = GSV "Index Over!\n";
+constexpr unsigned int kSatellitesPerMessage = 4;
+#undef GSV
+
+#define VTG "GpsParseNmeaManager::parseVtgSentence() "
+constexpr Frame kVtg = {"parseVtgSentence", VTG "Argument Error", VTG "$GPVTG Error"};
+constexpr Field<GPVTG> kVtgFields[] = {
+    {number<&GPVTG::Dir>, VTG "Dir Error"},
+    {skip, VTG "T [True course] Error"},
+    {number<&GPVTG::MagDir>, VTG "MagDir Error"},
+    {skip, VTG "M [Magnetic course] Error"},
+    {number<&GPVTG::SpeedKnot>, VTG "SpeedKnot Error"},
+    {skip, VTG "N [knot] Error"},
+    {number<&GPVTG::SpeedKMH>, VTG "SpeedKMH Error"},
+    {skip, VTG "K [km/h] Error"},
+    {code<&GPVTG::Mode, modeCode>, VTG "Mode Error"},
+};
+#undef VTG
+
+#define ZDA "GpsParseNmeaManager::parseZdaSentence() "
+constexpr Frame kZda = {"parseZdaSentence", ZDA "Argument Error", ZDA "$GPZDA Error"};
+constexpr Field<GPZDA> kZdaFields[] = {
+    {time, ZDA "UTC Error", ZDA ": divideTime() = false"},
+    {integer<&GPZDA::Day>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
+    {integer<&GPZDA::Month>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
+    {integer<&GPZDA::Year>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
+    {integer<&GPZDA::LocalHour>, ZDA "Local Time Error", ZDA "divideTime() = false [Local]"},
+    {integer<&GPZDA::LocalMinute>, ZDA "Local Time Error", ZDA "divideTime() = false [Local]"},
+};
+#undef ZDA
+
+/** Checks that there is something to read and somebody to tell, and reads the address. Null when there is not. */
+template <class Record>
+const char* begin(GpsParseNmeaManager& manager, const Frame& frame, const char* sentence, const Recipients& recipients,
+                  Record& record) {
+    if (sentence == nullptr || recipients.isEmpty()) {
+        nmeaLog(frame.function, frame.argumentError);
+        return nullptr;
+    }
+    const char* const cursor = readAddress(frame, sentence);
+    if (cursor != nullptr) record.SatType = manager.getSatelliteType(sentence);
+    return cursor;
+}
+
+}  // namespace
+
+bool GpsParseNmeaManager::parseGsaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPGSA* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    const Recipients recipients = {listeners, count, base, settingFinished};
+    const char* cursor = begin(*this, kGsa, sentence, recipients, *record);
+    if (cursor == nullptr || !readAll<kGsaFix>(kGsa.function, cursor, *record)) return false;
+    for (unsigned char& used : record->SatUsed) {
+        std::string_view field;
+        cursor = sentence_text::readField(cursor, field);
+        if (cursor == nullptr) return nmeaLog.failure(kGsa.function, kGsaSatelliteMissing);
+        used = static_cast<unsigned char>(number_text::toInteger(field));
+        ++usedSatCount;
+    }
+    if (!readAll<kGsaDilution>(kGsa.function, cursor, *record)) return false;
+    record->SentenceNum = ++gsaSentenceCount;
+    return deliver(recipients, record, &GpsParseNmeaListener::notifyParseGsaSentence);
+}
+
+bool GpsParseNmeaManager::parseGsvSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPGSV* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    const Recipients recipients = {listeners, count, base, settingFinished};
+    const char* cursor = begin(*this, kGsv, sentence, recipients, *record);
+    if (cursor == nullptr || !readAll<kGsvCycle>(kGsv.function, cursor, *record)) return false;
+    if (record->MessageNum == 1) gsvSatCount = 0;  // a cycle that lost its last message does not spoil the next
+    if (record->SatView > GPS_MAX_SATELLITE_RECEIVE_NUM) {
+        gsvSatCount = 0;
+        return nmeaLog.failure(kGsv.function, kGsvTooMany);
+    }
+    if (!readSatellites(cursor, *record)) return false;
+    if (record->MessageNum != record->MessageTotal) return true;
+    if (!deliver(recipients, record, &GpsParseNmeaListener::notifyParseGsvSentence)) return false;
+    gsvSatCount = 0;
+    return true;
+}
+
+/** Reads the satellites of one GSV message into their places in the table. */
+bool GpsParseNmeaManager::readSatellites(const char* cursor, GPGSV& record) {
+    const bool isLastMessage = record.MessageNum == record.MessageTotal;
+    for (unsigned int block = 1; block <= kSatellitesPerMessage && record.SatView > gsvSatCount; ++block) {
+        const unsigned int index = kSatellitesPerMessage * (record.MessageNum - 1) + (block - 1);
+        if (index >= GPS_MAX_SATELLITE_RECEIVE_NUM) return nmeaLog.failure(kGsv.function, kGsvIndexOver);
+        if (!readAll<kGsvSatellite>(kGsv.function, cursor, record.Sat[index])) return false;
+        if (isLastMessage && block == record.SatView % kSatellitesPerMessage) return true;
+        ++gsvSatCount;
+    }
+    return true;
+}
+
+bool GpsParseNmeaManager::parseVtgSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPVTG* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    const Recipients recipients = {listeners, count, base, settingFinished};
+    const char* cursor = begin(*this, kVtg, sentence, recipients, *record);
+    return cursor != nullptr && readAll<kVtgFields>(kVtg.function, cursor, *record) &&
+           deliver(recipients, record, &GpsParseNmeaListener::notifyParseVtgSentence);
+}
+
+bool GpsParseNmeaManager::parseZdaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPZDA* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    const Recipients recipients = {listeners, count, base, settingFinished};
+    const char* cursor = begin(*this, kZda, sentence, recipients, *record);
+    return cursor != nullptr && readAll<kZdaFields>(kZda.function, cursor, *record) &&
+           deliver(recipients, record, &GpsParseNmeaListener::notifyParseZdaSentence);
+}
+
+void GpsParseNmeaManager::checkGsvStatus(GPGSV* gsv, const GPGSA* gsa) {
+    constexpr char kFunction[] = "checkGsvStatus";
+    if (gsv == nullptr || gsa == nullptr) {
+        nmeaLog(kFunction, "GpsParseNmeaManager::checkGsvStatus() Argument Error");
+        return;
+    }
+    if (gsv->SatView >= GPS_MAX_SATELLITE_RECEIVE_NUM) {
+        nmeaLog(kFunction, "GpsParseNmeaManager::checkGsvStatus() SatNum Over!\n");
+        return;
+    }
+    const unsigned char* const usedBegin = gsa->SatUsed;
+    const unsigned char* const usedEnd = usedBegin + std::min<std::size_t>(usedSatCount, std::size(gsa->SatUsed));
+    for (unsigned int i = 0; i < gsv->SatView && usedBegin != usedEnd; ++i) {
+        GPGSV_SATELLITE& satellite = gsv->Sat[i];
+        satellite.Used = std::find(usedBegin, usedEnd, satellite.SatID) != usedEnd ? 1 : 0;
+    }
+    usedSatCount = 0;
+}

@@ -1,0 +1,136 @@
+#ifndef GPS_PRIVATE_NMEA_SENTENCE_FIELDS_H
+#define GPS_PRIVATE_NMEA_SENTENCE_FIELDS_H
+
+#include <cstddef>
+#include <iterator>
+#include <string_view>
+#include <utility>
+
+#include "Gps/private/NMEA/NumberText.h"
+#include "Gps/private/NMEA/SentenceText.h"
+
+/** Field lists of sentences as data: each row says where a field goes and what is said when the field is missing. */
+namespace sentence_fields {
+
+/** One field of a sentence that is read into `Record`. */
+template <class Record>
+struct Field {
+    bool (*store)(std::string_view field, Record& record);
+    const char* missing;
+    const char* unreadable = "";  // said when the field's text cannot be split; only fields of several parts
+};
+
+// What a row may do with its field. All numbers are narrowed to the record's field as a cast does.
+
+template <class Record>
+bool skip(std::string_view, Record&) {
+    return true;
+}
+
+template <auto member, class Record>
+bool integer(std::string_view field, Record& record) {
+    using Value = std::remove_reference_t<decltype(record.*member)>;
+    record.*member = static_cast<Value>(number_text::toInteger(field));
+    return true;
+}
+
+template <auto member, class Record>
+bool natural(std::string_view field, Record& record) {
+    using Value = std::remove_reference_t<decltype(record.*member)>;
+    record.*member = static_cast<Value>(number_text::toUnsigned(field));
+    return true;
+}
+
+template <auto member, class Record>
+bool number(std::string_view field, Record& record) {
+    record.*member = number_text::toDouble(field);
+    return true;
+}
+
+template <auto member, auto codeOf, class Record>
+bool code(std::string_view field, Record& record) {
+    record.*member = codeOf(field);
+    return true;
+}
+
+template <class Record>
+bool time(std::string_view field, Record& record) {
+    return sentence_text::splitTime(field, &record.Hour, &record.Minute, &record.Second, &record.MilliSecond);
+}
+
+template <class Record>
+bool date(std::string_view field, Record& record) {
+    return sentence_text::splitDate(field, record.Year, record.Month, record.Day);
+}
+
+template <class Record>
+bool latitude(std::string_view field, Record& record) {
+    return sentence_text::splitCoordinate(field, 2, record.Lat, record.LatDeg, record.LatMin);
+}
+
+template <class Record>
+bool longitude(std::string_view field, Record& record) {
+    return sentence_text::splitCoordinate(field, 3, record.Lon, record.LonDeg, record.LonMin);
+}
+
+template <class Record>
+bool northSouth(std::string_view field, Record& record) {
+    if (!field.starts_with('S')) return true;
+    record.Lat = -record.Lat;
+    record.LatDeg = -record.LatDeg;
+    return true;
+}
+
+template <class Record>
+bool eastWest(std::string_view field, Record& record) {
+    if (!field.starts_with('W')) return true;
+    record.Lon = -record.Lon;
+    record.LonDeg = -record.LonDeg;
+    return true;
+}
+
+/** "W" makes an earlier field negative. */
+template <auto member, class Record>
+bool westNegates(std::string_view field, Record& record) {
+    if (field.starts_with('W')) record.*member = -(record.*member);
+    return true;
+}
+
+/** Reads one field at the cursor and stores it; moves the cursor. False, with the message logged, when it is missing.*/
+template <class Record>
+bool read(const Field<Record>& field, const char* function, const char*& cursor, Record& record) {
+    std::string_view text;
+    cursor = sentence_text::readField(cursor, text);
+    if (cursor == nullptr) [[unlikely]]
+        return sentence_text::nmeaLog.failure(function, field.missing);
+    if (!field.store(text, record)) return sentence_text::nmeaLog.failure(function, field.unreadable);
+    return true;
+}
+
+/** Reads a list of fields in order; what was read before a missing one stays in the record. */
+template <const auto& fields, class Record>
+bool readAll(const char* function, const char*& cursor, Record& record) {
+    return [&]<std::size_t... index>(std::index_sequence<index...>) {
+        return (read(fields[index], function, cursor, record) && ...);
+    }
+    (std::make_index_sequence<std::size(fields)>{});
+}
+
+/** What is said about a sentence as a whole. */
+struct Frame {
+    const char* function;
+    const char* argumentError;
+    const char* addressError;
+};
+
+/** Reads the address field of a terminated sentence; null, with the message logged, when it is missing. */
+inline const char* readAddress(const Frame& frame, const char* sentence) {
+    std::string_view address;
+    const char* const cursor = sentence_text::readField(sentence, address);
+    if (cursor == nullptr) sentence_text::nmeaLog(frame.function, frame.addressError);
+    return cursor;
+}
+
+}  // namespace sentence_fields
+
+#endif

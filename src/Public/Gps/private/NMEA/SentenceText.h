@@ -1,0 +1,63 @@
+#ifndef GPS_PRIVATE_NMEA_SENTENCE_TEXT_H
+#define GPS_PRIVATE_NMEA_SENTENCE_TEXT_H
+
+#include <string_view>
+
+#include "Gps/private/GpsLog.h"
+#include "Gps/private/NMEA/GpsParseNmeaManager.h"
+
+/** The text of sentences: framing, kinds and fields. Shared by parsing and rewriting. */
+namespace sentence_text {
+
+inline constexpr GpsLog nmeaLog("src/Public/Gps/private/NMEA/GpsParseNmeaManager");
+
+enum class Kind { GGA, GLL, GSA, GSV, RMC, VTG, ZDA, PUBX, Other };
+
+/** A sentence without its line feed, checked and terminated. */
+struct Sentence {
+    char text[GpsParseNmeaManager::SENTENCE_SIZE];
+    unsigned int length;
+};
+
+/**
+ * Takes the sentence out of the first line of a chunk: from its last "$" to its line feed or NUL, which must stand
+ * within the first 128 bytes.
+ * @return false when there is no such sentence or its checksum is wrong
+ */
+bool takeSentence(const char* data, unsigned int length, Sentence& sentence);
+
+/** The checksum of NMEA sentences: all characters, exclusively or-ed. */
+unsigned char exclusiveOr(std::string_view text);
+
+/** Whether the checksum after "*" is right, with at least one character behind it. */
+bool isCheckSumRight(std::string_view sentence);
+
+/** By the three characters behind the talker, whatever the talker; else by "$PUBX". */
+Kind kindOf(const Sentence& sentence);
+
+/**
+ * Reads the field at the cursor of a terminated text; "," and "*" end fields.
+ * @return the place behind the separator, or null when none ends the field within 19 characters
+ */
+const char* readField(const char* cursor, std::string_view& field);
+
+// Fields of several parts. Any text can be split: a part that is not there gives 0.
+
+/** Splits ddmm.mmmm or dddmm.mmmm, by the number of degree digits. */
+bool splitCoordinate(std::string_view field, unsigned int degreeDigits, double& value, int& degrees, double& minutes);
+/** Splits ddmmyy. */
+bool splitDate(std::string_view field, unsigned short& year, unsigned short& month, unsigned short& day);
+/** Splits hhmmss.sss; outputs that are null take no characters. */
+bool splitTime(std::string_view field, unsigned short* hour, unsigned short* minute, unsigned short* second,
+               unsigned short* milliSecond);
+
+// Codes of status and mode letters, as the records document them.
+
+unsigned int statusCode(std::string_view field);
+unsigned int modeCode(std::string_view field);
+unsigned int operationModeCode(std::string_view field);
+unsigned int navigationStatusCode(std::string_view field);
+
+}  // namespace sentence_text
+
+#endif

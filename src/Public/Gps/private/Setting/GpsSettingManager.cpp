@@ -1,0 +1,206 @@
+#include "Gps/private/Setting/GpsSettingManager.h"
+
+#include <cstring>
+#include <ctime>
+#include <optional>
+
+#include "Gps/private/GpsListenerList.h"
+#include "Gps/private/GpsLog.h"
+#include "GpsHal/GpsHal.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+
+namespace {
+
+constexpr GpsLog log("src/Public/Gps/private/Setting/GpsSettingManager");
+
+constexpr unsigned int kCommandSize = 128;
+constexpr unsigned int kPortSpeedCommand = 0;          // of the layer
+constexpr long kSpeedChangeNanoseconds = 100'000'000;  // the receiver, and the layer, need this long
+constexpr unsigned char kPortPoll[] = {0xB5, 0x62, 0x06, 0x00, 0x01, 0x00, 0x00, 0x07, 0x21};
+
+/** The layer's value for the speed that a setting asks for; none for a setting of something else. */
+std::optional<unsigned int> speedOf(GpsSetting setting) {
+    switch (setting) {
+        case GPS_SETTING_BAUD_9600:
+            return 0;
+        case GPS_SETTING_BAUD_38400:
+            return 2;
+        case GPS_SETTING_BAUD_115200:
+            return 4;
+        default:
+            return std::nullopt;
+    }
+}
+
+void waitForSpeedChange() {
+    timespec left{0, kSpeedChangeNanoseconds};
+    while (nanosleep(&left, &left) != 0) {
+    }
+}
+
+enum class Response { Acknowledged, Refused, PortSettings, Unknown };
+
+Response responseOf(const char* data, unsigned int length) {
+    if (length < 4 || std::memcmp(data, "\xB5\x62", 2) != 0) return Response::Unknown;
+    const char messageClass = data[2];
+    const char id = data[3];
+    if (messageClass == 0x05 && id == 0x01) return Response::Acknowledged;
+    if (messageClass == 0x05 && id == 0x00) return Response::Refused;
+    if (messageClass == 0x06 && id == 0x00) return Response::PortSettings;
+    return Response::Unknown;
+}
+
+}  // namespace
+
+GpsSettingManager::GpsSettingManager()
+    : QvSharedMemory("QVSDK_GpsSettingLocalMemory"),
+      mpGpsHal(GpsHal::GetInstance()),
+      mPendingSetting{},
+      mPendingWriteIndex(0),
+      mPendingReadIndex(0),
+      mBaseGeodeticSystem(GEODETIC_SYSTEM_WGS84),
+      mSettingFinishFlg(false),
+      mPendingCount(0) {}
+
+GpsSettingManager::~GpsSettingManager() {
+    GpsHal::DelInstance();
+}
+
+bool GpsSettingManager::requestGpsSetting(GpsSetting setting) {
+    constexpr char kFunction[] = "requestGpsSetting";
+    if (setting > GPS_SETTING_GNSS_GPS) {
+        QvDbgOutput::DbgPrint(log.source(), kFunction, __LINE__, GpsLog::TAG,
+                              "GpsSettingManager::requestGpsSetting() Argument Error[%ld]\n",
+                              static_cast<long>(setting));
+        return false;
+    }
+    char command[kCommandSize] = {};
+    const unsigned int length = setCommandForGpsSetting(setting, command, sizeof(command));
+    if (length == 0) {
+        return log.failure(kFunction, "GpsSettingManager::requestGpsSetting() : setCommandForGpsSetting() = false\n");
+    }
+    if (!sendInOrder(setting, command, length)) return false;
+
+    GPS_SETTING_LOCAL_MEMORY shared = {};
+    if (!readLocalMemory(&shared)) {
+        return log.failure(kFunction, "GpsSettingManager::requestGpsSetting() readLocalMemory Error!\n");
+    }
+    mBaseGeodeticSystem = shared.baseGeodeticSystem;
+    mSettingFinishFlg = shared.settingFinishFlg != 0;
+    const std::optional<unsigned int> speed = speedOf(setting);
+    if (speed.has_value() && !changeSpeed(*speed)) return false;
+    return storeSetting(setting) ||
+           log.failure(kFunction, "GpsSettingManager::requestGpsSetting() writeLocalMemory Error!\n");
+}
+
+/**
+ * Queues a setting and sends its command. The entry stands before the first byte is sent, so that the fastest answer
+ * finds it; it is taken back when the command could not be sent.
+ */
+bool GpsSettingManager::sendInOrder(GpsSetting setting, const char* command, unsigned int length) {
+    QvSyncGuard order(mSendSync);
+    unsigned int index = 0;
+    GpsSetting overwritten = setting;
+    {
+        QvSyncGuard guard(mPendingSync);
+        index = mPendingWriteIndex < PENDING_MAX ? mPendingWriteIndex : 0;
+        overwritten = mPendingSetting[index];
+        mPendingSetting[index] = setting;
+        mPendingWriteIndex = index + 1;
+        ++mPendingCount;
+    }
+    if (mpGpsHal->sendData(command, length)) return true;
+
+    QvSyncGuard guard(mPendingSync);
+    if (mPendingCount == 0) return false;  // a stray answer has taken the entry
+    mPendingSetting[index] = overwritten;
+    mPendingWriteIndex = index;
+    --mPendingCount;
+    return false;
+}
+
+/** Lets the layer follow the receiver to another speed; the receiver answers the poll at the new one. */
+bool GpsSettingManager::changeSpeed(unsigned int value) {
+    waitForSpeedChange();
+    if (!mpGpsHal->sendCommand(kPortSpeedCommand, value)) return false;
+    waitForSpeedChange();
+    return mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll));
+}
+
+/** Brings what the setting changes for all processes into the shared record. */
+bool GpsSettingManager::storeSetting(GpsSetting setting) {
+    QvSyncGuard<QvSharedSyncObject> guard(*this);  // throughout, so that no other process's change is lost
+    GPS_SETTING_LOCAL_MEMORY shared = {};
+    readLocalMemory(&shared);
+    if (setting == GPS_SETTING_DATUM_TOKYO) {
+        shared.baseGeodeticSystem = GEODETIC_SYSTEM_TOKYO;
+        mBaseGeodeticSystem = GEODETIC_SYSTEM_TOKYO;
+    }
+    if (setting == GPS_SETTING_SAVE_CONFIG) {
+        shared.settingFinishFlg = 1;
+        mSettingFinishFlg = true;
+    }
+    return writeLocalMemory(&shared);
+}
+
+bool GpsSettingManager::analizeGpsSettingResponse(const char* data, unsigned int length,
+                                                  const GpsSettingListener* listener) {
+    constexpr char kFunction[] = "analizeGpsSettingResponse";
+    if (data == nullptr || length == 0 || listener == nullptr) {
+        return log.failure(kFunction, "GpsSettingManager::analizeGpsSettingResponse() Argument Error\n");
+    }
+    const Response response = responseOf(data, length);
+    GpsSetting settled = GPS_SETTING_PUBX00_ON;
+    {
+        QvSyncGuard guard(mPendingSync);
+        if (mPendingCount == 0) return false;
+        if (response == Response::PortSettings) return true;
+        settled = takeOldest();
+        if (response != Response::Unknown) --mPendingCount;
+    }
+    if (response == Response::Unknown) {
+        return log.failure(kFunction, "GpsSettingManager::analizeGpsSettingResponse() unknown response\n");
+    }
+    callable(listener)->notifyGpsSettingRequestResponse(response == Response::Acknowledged, settled);
+    return true;
+}
+
+GpsSetting GpsSettingManager::takeOldest() {
+    const unsigned int index = mPendingReadIndex < PENDING_MAX ? mPendingReadIndex : 0;
+    mPendingReadIndex = index + 1;
+    return mPendingSetting[index];
+}
+
+GeodeticSystem GpsSettingManager::getBaseGeodeticSystem() {
+    GPS_SETTING_LOCAL_MEMORY shared = {};
+    if (readLocalMemory(&shared)) return shared.baseGeodeticSystem;
+    log("getBaseGeodeticSystem", "GpsSettingManager::getBaseGeodeticSystem() readLocalMemory Error!\n");
+    return mBaseGeodeticSystem;
+}
+
+bool GpsSettingManager::getSettingFinishFlg() {
+    GPS_SETTING_LOCAL_MEMORY shared = {};
+    if (readLocalMemory(&shared)) return shared.settingFinishFlg != 0;
+    log("getSettingFinishFlg", "GpsSettingManager::getSettingFinishFlg() readLocalMemory Error!\n");
+    return mSettingFinishFlg;
+}
+
+bool GpsSettingManager::readLocalMemory(GPS_SETTING_LOCAL_MEMORY* out) const {
+    constexpr char kFunction[] = "readLocalMemory";
+    if (out == nullptr) return log.failure(kFunction, "GpsSettingManager::readLocalMemory() Argument Error!\n");
+    const GPS_SETTING_LOCAL_MEMORY* const lpData = getData();
+    if (lpData == nullptr) return log.failure(kFunction, "GpsSettingManager::readLocalMemory() lpData = NULL\n");
+    QvSyncGuard<QvSharedSyncObject> guard(*this);
+    *out = *lpData;
+    return true;
+}
+
+bool GpsSettingManager::writeLocalMemory(const GPS_SETTING_LOCAL_MEMORY* in) {
+    GPS_SETTING_LOCAL_MEMORY* const lpData = getData();
+    if (lpData == nullptr) {
+        return log.failure("writeLocalMemory", "GpsSettingManager::writeLocalMemory() lpData = NULL\n");
+    }
+    QvSyncGuard<QvSharedSyncObject> guard(*this);
+    *lpData = *in;
+    return true;
+}

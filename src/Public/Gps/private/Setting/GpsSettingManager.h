@@ -1,0 +1,73 @@
+#ifndef GPS_PRIVATE_SETTING_GPS_SETTING_MANAGER_H
+#define GPS_PRIVATE_SETTING_GPS_SETTING_MANAGER_H
+
+#include <atomic>
+#include <cstddef>
+
+#include "Gps/GpsListeners.h"
+#include "QvFramework/Foundation/QvSync.h"
+#include "QvFramework/SharedMemory/QvSharedMemory.h"
+
+class GpsHal;
+
+/** The receiver's configuration as all processes know it; lives in shared memory. */
+struct GPS_SETTING_LOCAL_MEMORY {
+    GeodeticSystem baseGeodeticSystem;  ///< datum in which the receiver reports
+    unsigned char settingFinishFlg;     ///< 1 once the configuration has been saved, else 0
+    unsigned char filler[3];
+};
+static_assert(offsetof(GPS_SETTING_LOCAL_MEMORY, settingFinishFlg) == 4 && sizeof(GPS_SETTING_LOCAL_MEMORY) == 8,
+              "shared with every process");
+
+/**
+ * Sends settings to the receiver and pairs its acknowledgements, by order alone, with the requests that await one.
+ * Keeps the datum in which the receiver reports and the setting-finished flag for all processes.
+ */
+class GpsSettingManager : public QvSharedMemory<GPS_SETTING_LOCAL_MEMORY, 1> {
+public:
+    GpsSettingManager();
+    ~GpsSettingManager() override;
+
+    /** Any client's thread. A change of speed blocks for 200 ms. */
+    bool requestGpsSetting(GpsSetting setting);
+
+    /**
+     * Offers a received UBX frame. An acknowledgement settles the oldest awaited request and tells `listener`.
+     * @return whether the frame was taken as a response
+     */
+    bool analizeGpsSettingResponse(const char* data, unsigned int length, const GpsSettingListener* listener);
+
+    /** The shared values; this process's copies of them where the segment cannot be read. */
+    GeodeticSystem getBaseGeodeticSystem();
+    bool getSettingFinishFlg();
+
+    bool readLocalMemory(GPS_SETTING_LOCAL_MEMORY* out) const;
+    bool writeLocalMemory(const GPS_SETTING_LOCAL_MEMORY* in);
+
+    /**
+     * Writes the command of a setting to `buffer`.
+     * @return its length (12 to 68), 0 when there is none or `size` is less
+     */
+    unsigned int setCommandForGpsSetting(GpsSetting setting, char* buffer, unsigned int size);
+
+private:
+    static constexpr unsigned int PENDING_MAX = 24;
+
+    bool sendInOrder(GpsSetting setting, const char* command, unsigned int length);
+    bool changeSpeed(unsigned int value);
+    bool storeSetting(GpsSetting setting);
+    GpsSetting takeOldest() QV_REQUIRES(mPendingSync);
+
+    GpsHal* mpGpsHal;
+
+    QvSync mSendSync;     // requests are queued in the order in which they are sent; never taken while receiving
+    QvSync mPendingSync;  // guards the ring; a leaf, held for single steps only
+    GpsSetting mPendingSetting[PENDING_MAX] QV_GUARDED_BY(mPendingSync);
+    unsigned int mPendingWriteIndex QV_GUARDED_BY(mPendingSync);  // where the next request is queued
+    unsigned int mPendingReadIndex QV_GUARDED_BY(mPendingSync);   // the oldest request that awaits an answer
+    std::atomic<GeodeticSystem> mBaseGeodeticSystem;
+    std::atomic<bool> mSettingFinishFlg;
+    unsigned int mPendingCount QV_GUARDED_BY(mPendingSync);  // not bounded: a full ring overwrites its oldest entries
+};
+
+#endif

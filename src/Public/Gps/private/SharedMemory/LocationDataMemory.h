@@ -1,0 +1,19 @@
+#ifndef GPS_PRIVATE_SHARED_MEMORY_LOCATION_DATA_MEMORY_H
+#define GPS_PRIVATE_SHARED_MEMORY_LOCATION_DATA_MEMORY_H
+
+#include "Gps/GpsLocationRecords.h"
+#include "QvFramework/SharedMemory/QvSharedMemory.h"
+
+/** The latest location record, shared by all processes. Every construction resets it to zeros. */
+class LocationDataMemory : public QvSharedMemory<GPS_LOCATION_DATA_SHARE, 1> {
+public:
+    LocationDataMemory();
+    ~LocationDataMemory() override;
+
+    /** Copies the whole record; false, with `out` untouched, where the segment is not mapped. */
+    bool read(GPS_LOCATION_DATA_SHARE* out) const;
+    /** Stores a whole record; false where the segment is not mapped. */
+    bool write(const GPS_LOCATION_DATA_SHARE* in);
+};
+
+#endif
