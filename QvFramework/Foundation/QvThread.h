@@ -132,6 +132,7 @@ template <class Owner>
 void* QvThread<Owner>::WrappedEntry(void* arg) {
     if (arg == nullptr) return nullptr;
     QvThread* const self = *static_cast<QvThread**>(arg);
+    self->mHandle = pthread_self();  // the creator may not have come to it yet
     self->mThreadId = static_cast<int>(syscall(SYS_gettid));
     QvThreadMng::GetInstance()->registerThreadInfo(pthread_self(), self->mName, self->GetPriority(),
                                                    self->mRegistrationValue);

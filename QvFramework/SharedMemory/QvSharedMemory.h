@@ -84,6 +84,8 @@ bool QvSharedMemory<T, N>::open(const char* objectName) {
         return false;
     }
     mFd = shm_open(objectName, O_RDWR | O_CREAT, MODE);
+    // Where fs.protected_regular is set, O_CREAT is refused for another user's object, whatever its mode allows.
+    if (mFd == -1 && errno == EACCES) mFd = shm_open(objectName, O_RDWR, MODE);
     struct stat status {};
     // Empty while the lock is held: its creator died before it had sized it, and this holder takes its place.
     mIsCreator = mFd != -1 && fstat(mFd, &status) == 0 && status.st_size == 0;

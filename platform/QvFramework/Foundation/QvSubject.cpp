@@ -1,5 +1,8 @@
 #include "QvFramework/Foundation/QvSubject.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
 QvSubject::QvSubject() = default;
@@ -13,12 +16,17 @@ void QvSubject::AddObserver(QvObserver_* observer) {
 
 void QvSubject::RemoveObserver(QvObserver_* observer) {
     QvSyncGuard guard(mObserverSync);
-    std::erase(mObservers, observer);
+    const auto found = std::find(mObservers.begin(), mObservers.end(), observer);
+    if (found == mObservers.end()) return;
+    if (found - mObservers.begin() < mNext) --mNext;  // it leaves from inside a notification
+    mObservers.erase(found);
 }
 
 void QvSubject::notifyObservers(unsigned int eventCode, void* data, unsigned int length) {
     QvSyncGuard guard(mObserverSync);
-    for (std::size_t i = 0; i < mObservers.size(); ++i) {  // by index: an observer may remove itself
-        mObservers[i]->Update(eventCode, data, length);
+    for (mNext = 0; mNext < std::ssize(mObservers);) {
+        QvObserver_* const observer = mObservers[static_cast<std::size_t>(mNext)];
+        ++mNext;
+        observer->Update(eventCode, data, length);
     }
 }

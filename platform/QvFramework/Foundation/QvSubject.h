@@ -1,6 +1,7 @@
 #ifndef QVFRAMEWORK_FOUNDATION_QV_SUBJECT_H
 #define QVFRAMEWORK_FOUNDATION_QV_SUBJECT_H
 
+#include <cstddef>
 #include <vector>
 
 #include "QvFramework/Foundation/QvSync.h"
@@ -31,6 +32,7 @@ protected:
 private:
     QvSync mObserverSync;  // held while observers run, so that a removal waits for a call in progress
     std::vector<QvObserver_*> mObservers QV_GUARDED_BY(mObserverSync);
+    std::ptrdiff_t mNext QV_GUARDED_BY(mObserverSync) = 0;  // the observer to be called next
 };
 
 #endif

@@ -1,7 +1,6 @@
 #include "QvFramework/SharedMemory/QvSharedSyncObject.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -43,7 +42,7 @@ bool reserve(int fd) {
     struct stat status {};
     if (fstat(fd, &status) != 0) return false;
     if (status.st_size != 0) return static_cast<std::size_t>(status.st_size) == sizeof(SharedLock);
-    if (fchmod(fd, kMode) != 0) return false;  // whatever the umask made of it
+    if (fchmod(fd, kMode) != 0 && errno != EPERM) return false;  // whatever the umask made of it
     int reserved = EINTR;
     while (reserved == EINTR)
         reserved = posix_fallocate(fd, 0, sizeof(SharedLock));
@@ -68,16 +67,29 @@ SharedLock* mapLocked(int fd) {
     return lock;
 }
 
-/** The lock in shared memory, or null. Two processes that start together take turns through the file lock, which the
- *  system takes back from a process that dies. */
-pthread_mutex_t* openShared(const std::string& name) {
-    const int fd = shm_open(("/" + name + ".lock").c_str(), O_RDWR | O_CREAT, kMode);
-    if (fd < 0) return nullptr;
-    int locked = -1;
+int openObject(const char* name) {
+    const int fd = shm_open(name, O_RDWR | O_CREAT, kMode);
+    // Where fs.protected_regular is set, O_CREAT is refused for another user's object, whatever its mode allows.
+    return fd < 0 && errno == EACCES ? shm_open(name, O_RDWR, kMode) : fd;
+}
+
+/** Waits for the file lock, which ends with `fd` and with this process: no child that is forked meanwhile has it. */
+bool lockFile(int fd) {
+    struct flock whole {};
+    whole.l_type = F_WRLCK;
+    whole.l_whence = SEEK_SET;
+    int result = -1;
     do {
-        locked = flock(fd, LOCK_EX);
-    } while (locked != 0 && errno == EINTR);
-    SharedLock* const lock = locked == 0 ? mapLocked(fd) : nullptr;
+        result = fcntl(fd, F_SETLKW, &whole);
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+/** The lock in shared memory, or null. Two processes that start together take turns through the file lock. */
+pthread_mutex_t* openShared(const std::string& name) {
+    const int fd = openObject(("/" + name + ".lock").c_str());
+    if (fd < 0) return nullptr;
+    SharedLock* const lock = lockFile(fd) ? mapLocked(fd) : nullptr;
     close(fd);
     return lock != nullptr ? &lock->mutex : nullptr;
 }

@@ -15,7 +15,8 @@ class GpsController;
  *
  * `Gps::GetInstance()` builds the service on its first call in a process and starts reception; without a receiver
  * everything but reception works. The instance lives until the process exits (or the framework's singleton finaliser
- * is run). All operations may be called from any thread, and from inside any notification except a location one.
+ * is run). All operations may be called from any thread and from inside any notification, except that a location
+ * notification must not register or unregister.
  *
  * Operations answer true for success. A null listener, a registry that is full (five entries of each kind) or empty,
  * and a request whose outcome no registered listener could be told are refused with false; refusals are written to the

@@ -12,8 +12,10 @@
  * The seven listener interfaces. A client derives from those it needs, overrides what it cares about and registers the
  * object through `Gps`. The library never owns, copies or deletes a listener: the object must live until its
  * unregistration has returned. When an unregistration returns on one thread, the listener is not being called and will
- * not be called again on any other; a listener that unregisters itself from inside its own notification returns at once
- * and is not called again either.
+ * not be called again on any other: it waits for a notification that is in progress there, so do not hold a lock that
+ * the listener takes. A listener that unregisters itself from inside its own notification returns at once and is not
+ * called again either. So does the second of two notifications that would wait for each other, because each unregisters
+ * the other's listener.
  *
  * Every pointer handed to a notification is valid during that call only; copy what you keep. Notifications should
  * return soon: the receive thread reads nothing while it is inside one. Different notifications of one object may come

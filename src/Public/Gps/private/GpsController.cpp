@@ -44,6 +44,8 @@ GpsController::GpsController()
       mObserver(nullptr),
       mParseNmeaArray(mGpsParseNmeaListeners),
       mConnectionArray(mGpsConnectionListeners),
+      mSyncHolder(std::thread::id()),
+      mIsWorkerToBeSettled(false),
       mThread(new QvThread<GpsController>(this)),
       mIsRunning(false),
       mIsStopRequested(false) {
@@ -54,9 +56,10 @@ GpsController::GpsController()
 }
 
 GpsController::~GpsController() {
+    releaseSync();  // when the process exits from inside a call: the threads that end here may be waiting for it
     stopReception(*mGpsHal);
     mGpsHal->RemoveObserver(mObserver);
-    if (mIsRunning) stop();
+    endWorker();
     deletePart(mThread);
     deletePart(mObserver);
     GpsHal::DelInstance();
@@ -75,11 +78,10 @@ bool GpsController::requestGpsVersionInfo() {
                                      "GpsController::requestGpsVersionInfo() mGpsVersionListenerCounter = 0\n");
     }
     bool isAnswered = true;
-    for (unsigned int i = 0; isAnswered && i < mGpsVersionListeners.count(); ++i) {
-        mGpsVersionListeners.callAt(i, [&](const GpsVersionListener* listener) {
-            isAnswered = mGpsVersionManager->requestGpsVersionInfo(listener);
-        });
-    }
+    mGpsVersionListeners.callEach([&](const GpsVersionListener* listener) {
+        isAnswered = mGpsVersionManager->requestGpsVersionInfo(listener);
+        return isAnswered;
+    });
     return isAnswered || controllerLog.failure(
                              kFunction, "GpsController::requestGpsVersionInfo() : requestGpsVersionInfo() = false\n");
 }

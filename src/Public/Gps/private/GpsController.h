@@ -4,6 +4,7 @@
 #include <sys/time.h>
 
 #include <atomic>
+#include <thread>
 
 #include "Gps/private/GpsListenerGates.h"
 #include "Gps/private/GpsListenerList.h"
@@ -31,11 +32,14 @@ struct GpsRegistryTexts;
  * `Initialize`, `MainProc` and `Finalize` run on the worker; everything else runs on clients' threads. Nothing throws
  * but the constructor.
  *
- * Locks, outermost first: mWorkerSync, mSync, a segment's lock, a registry's leaf lock.
+ * Locks, outermost first: mWorkerSync, mSync, a segment's lock, the registries' leaf lock. A thread that waits for a
+ * listener to return holds none of them, and one that waits for the worker's end holds mWorkerSync alone.
  */
-class GpsController : private QvUncopyable {
+class GpsController {
 public:
     GpsController();
+    GpsController(const GpsController&) = delete;
+    GpsController& operator=(const GpsController&) = delete;
     virtual ~GpsController();
 
     // Registration: see Gps.
@@ -104,8 +108,11 @@ private:
     template <class Entry, class Action>
     bool removeListener(ListenerRegistry<Entry>& registry, const typename ListenerRegistry<Entry>::Listener* npListener,
                         const GpsRegistryTexts& texts, Action afterRemoval);
+    unsigned int releaseSync();
+    void retakeSync(unsigned int depth);
     void requestWorkerStop();
     void settleWorker();
+    void endWorker();
     void connectionStatusProc(const char* data, unsigned int length);
     bool tellLocation(const LOCATION_DATA& location);
 
@@ -129,9 +136,10 @@ private:
     GatedRegistry<GPS_CONNECTION_LISTENER_LIST, ConnectionGate> mConnectionArray;
 
     QvSync mSync;  // registrations, location deliveries, read-change-write of the location
-    unsigned int mSyncDepth QV_GUARDED_BY(mSync) = 0;        // how often the holder of mSync has taken it
-    bool mIsWorkerToBeSettled QV_GUARDED_BY(mSync) = false;  // under mSync: location listeners have come or gone
-    QvSync mWorkerSync;  // starting and stopping the worker; never taken by the worker
+    unsigned int mSyncDepth QV_GUARDED_BY(mSync) = 0;  // how often GpsControllerGuards of its holder have taken mSync
+    std::atomic<std::thread::id> mSyncHolder;          // the thread of those guards
+    std::atomic<bool> mIsWorkerToBeSettled;            // location listeners have come or gone
+    QvSync mWorkerSync;                                // starting and stopping the worker; never taken by the worker
     QvThread<GpsController>* mThread;
     QvEvent mStopEvent;
     std::atomic<bool> mIsRunning;

@@ -126,11 +126,24 @@ void GpsController::requestWorkerStop() {
 
 /** Makes the worker run exactly when there are location listeners. The caller does not hold mSync. */
 void GpsController::settleWorker() {
-    if (mThread->IsCurrentThread()) return;  // it ends by itself, and the next start or stop joins it
+    const GpsListenerCalls::Wait wait(this);
+    if (!wait.canEnd()) {  // a location listener waits for this thread: the worker ends by itself and is joined later
+        mIsWorkerToBeSettled = true;
+        return;
+    }
     QvSyncGuard guard(mWorkerSync);
     const bool isStopping = mIsStopRequested || mGpsLocationDataListeners.count() == 0;
     if (mIsRunning && isStopping) stop();
     if (!mIsRunning && mGpsLocationDataListeners.count() != 0) start();
+}
+
+void GpsController::endWorker() {
+    if (mThread->IsCurrentThread()) {  // the process exits from inside a location notification, which never returns
+        mThread = nullptr;
+        return;
+    }
+    QvSyncGuard guard(mWorkerSync);
+    if (mIsRunning) stop();
 }
 
 int GpsController::Initialize() {
@@ -161,6 +174,7 @@ void GpsController::runLocationCycle(const timeval& now) {
     }
     if (!mLocationPipeline.isDue(now) || mIsStopRequested) return;
 
+    const GpsListenerCalls::Call call(this);  // what settleWorker may have to wait for
     GpsControllerGuard guard(*this);
     mLocationPipeline.pop(record);
     if (tellLocation(record.Data)) mLocationPipeline.noteDelivery(now);
@@ -178,15 +192,16 @@ void GpsController::notifyLocationData() {
 
 /** False when there was nobody to tell. */
 bool GpsController::tellLocation(const LOCATION_DATA& location) {
-    bool isTold = false;
-    for (unsigned int i = 0; i < mGpsLocationDataListeners.count(); ++i) {
-        isTold |= mGpsLocationDataListeners.callAt(i, [&](const GpsLocationDataListener* registered) {
-            GpsLocationDataListener* const listener = callable(registered);
-            listener->notifyRmcData(&location.Rmc);
-            listener->notifyGgaData(&location.Gga);
-            listener->notifyPascdData(&location.Pascd);
-            listener->notifyLocationData(&location);
-        });
-    }
-    return isTold;
+    const auto tellListener = [&](const GpsLocationDataListener* listener) {
+        // One by one: a listener that unregisters itself is not told the rest.
+        const auto tell = [&](auto notify, const auto* part) {
+            mGpsLocationDataListeners.callIfRegistered(listener, [&] { (callable(listener)->*notify)(part); });
+        };
+        tell(&GpsLocationDataListener::notifyRmcData, &location.Rmc);
+        tell(&GpsLocationDataListener::notifyGgaData, &location.Gga);
+        tell(&GpsLocationDataListener::notifyPascdData, &location.Pascd);
+        tell(&GpsLocationDataListener::notifyLocationData, &location);
+        return true;
+    };
+    return mGpsLocationDataListeners.callEach(tellListener) != 0;
 }

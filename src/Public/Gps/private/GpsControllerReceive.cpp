@@ -12,22 +12,14 @@
 namespace {
 
 /**
- * Offers something to a manager with one listener after another, as long as `offer` answers true. An entry that has
- * left meanwhile ends the walk with a message.
+ * Offers something to a manager with one listener after another, as long as `offer` answers true. When the last
+ * listener has left meanwhile, a message says so.
  */
 template <class Listener, class Offer>
 void offerToEach(ListenerRegistry<const Listener*>& registry, const char* function, const char* noListener,
                  Offer offer) {
     if (registry.count() == 0) return;
-    unsigned int i = 0;
-    bool isTaken = true;
-    do {
-        if (!registry.callAt(i, [&](const Listener* listener) { isTaken = offer(listener); })) {
-            controllerLog(function, noListener);
-            return;
-        }
-        ++i;
-    } while (isTaken && i < registry.count());
+    if (registry.callEach(offer) == 0) controllerLog(function, noListener);
 }
 
 }  // namespace
@@ -109,10 +101,9 @@ void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
                 }
                 break;
         }
+        return true;
     };
-    for (unsigned int i = 0; i < mGpsNmeaListeners.count(); ++i) {
-        mGpsNmeaListeners.callAt(i, tell);
-    }
+    mGpsNmeaListeners.callEach(tell);
 }
 
 void GpsController::parseNmeaSentenceProc(const char* data, unsigned int length) {
@@ -181,10 +172,6 @@ void GpsController::parseGpsVersionDataProc(const char* data, unsigned int lengt
         controllerLog("parseGpsVersionDataProc", "GpsController::parseGpsVersionDataProc() Argument Error\n");
         return;
     }
-    bool isTaken = true;
-    for (unsigned int i = 0; isTaken && i < mGpsVersionListeners.count(); ++i) {
-        mGpsVersionListeners.callAt(i, [&](const GpsVersionListener* listener) {
-            isTaken = mGpsVersionManager->parseGpsVersionData(data, listener);
-        });
-    }
+    mGpsVersionListeners.callEach(
+        [&](const GpsVersionListener* listener) { return mGpsVersionManager->parseGpsVersionData(data, listener); });
 }

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/GpsController.h"
 #include "Gps/private/GpsControllerGuard.h"
@@ -65,9 +67,30 @@ bool GpsController::removeListener(ListenerRegistry<Entry>& registry,
         registry.remove(npListener);
         if (!isEmpty) afterRemoval();
     }
-    if (isEmpty) return controllerLog.failure(texts.unRegisterFunction, texts.empty);
-    registry.waitUntilNotCalled(npListener);  // without mSync, which the call may be waiting for
-    return true;
+    const unsigned int depth = releaseSync();  // a call that is waited for may itself be waiting for mSync
+    GpsListenerCalls::instance().waitUntilNotCalled(npListener);
+    retakeSync(depth);
+    return !isEmpty || controllerLog.failure(texts.unRegisterFunction, texts.empty);
+}
+
+/** Gives mSync back, however often guards of this thread have taken it. Returns how often. */
+unsigned int GpsController::releaseSync() QV_NO_THREAD_SAFETY_ANALYSIS {
+    if (mSyncHolder != std::this_thread::get_id()) return 0;
+    const unsigned int depth = std::exchange(mSyncDepth, 0U);
+    mSyncHolder = std::thread::id();
+    for (unsigned int i = 0; i < depth; ++i) {
+        mSync.unlock();
+    }
+    return depth;
+}
+
+void GpsController::retakeSync(unsigned int depth) QV_NO_THREAD_SAFETY_ANALYSIS {
+    if (depth == 0) return;
+    for (unsigned int i = 0; i < depth; ++i) {
+        mSync.lock();
+    }
+    mSyncDepth = depth;
+    mSyncHolder = std::this_thread::get_id();
 }
 
 bool GpsController::registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem) {
@@ -93,7 +116,7 @@ bool GpsController::registerGpsLocationDataListener(const GpsLocationDataListene
 
 bool GpsController::unRegisterGpsLocationDataListener(const GpsLocationDataListener* npListener) {
     return removeListener(mGpsLocationDataListeners, npListener, kLocationData, [this] {
-        if (mGpsLocationDataListeners.count() != 0 || !mIsRunning) return;
+        if (mGpsLocationDataListeners.count() != 0) return;
         requestWorkerStop();
         mIsWorkerToBeSettled = true;
     });
@@ -109,6 +132,7 @@ bool GpsController::unRegisterGpsVersionListener(const GpsVersionListener* npLis
 
 bool GpsController::registerGpsConnectionListener(const GpsConnectionListener* npListener) {
     return addListener(mGpsConnectionListeners, {npListener}, kConnection, [&] {
+        const GpsListenerCalls::Call call(npListener);
         if (mGpsConnectionManager->getGpsConnectionStatus(npListener)) return;
         controllerLog(kConnection.registerFunction,
                       "GpsController::registerGpsConnectionListener() : getGpsConnectionStatus() false\n");

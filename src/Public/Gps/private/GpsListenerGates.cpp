@@ -2,12 +2,12 @@
 
 void ParseNmeaGate::open(Registry& registry, const GPS_PARSE_NMEA_LISTENER_LIST& entry) {
     mpRegistry = &registry;
-    mpListener = entry.listener;
+    mEntry = entry;
 }
 
 template <class Record>
 void ParseNmeaGate::tell(void (GpsParseNmeaListener::*notify)(const Record*), const Record* record) {
-    mpRegistry->callIfRegistered(mpListener, [&] { (callable(mpListener)->*notify)(record); });
+    mpRegistry->callIfRegistered(mEntry, [&] { (callable(mEntry.listener)->*notify)(record); });
 }
 
 void ParseNmeaGate::notifyParseNmeaSentence(const PARSE_NMEA* record) {
@@ -48,9 +48,9 @@ void ParseNmeaGate::notifyParsePubxSentence(const PUBX* record) {
 
 void ConnectionGate::open(Registry& registry, const GPS_CONNECTION_LISTENER_LIST& entry) {
     mpRegistry = &registry;
-    mpListener = entry.listener;
+    mEntry = entry;
 }
 
 void ConnectionGate::notifyGpsConnectionStatus(GpsConnectionStatus status) {
-    mpRegistry->callIfRegistered(mpListener, [&] { callable(mpListener)->notifyGpsConnectionStatus(status); });
+    mpRegistry->callIfRegistered(mEntry, [&] { callable(mEntry.listener)->notifyGpsConnectionStatus(status); });
 }

@@ -5,7 +5,8 @@
 
 /**
  * Stand-ins for registered listeners, for managers that are handed a registry as an array. The array stays as it is
- * during the manager's call; what a gate is told reaches its listener only while that one is registered.
+ * during the manager's call; what a gate is told reaches its listener only while that one is registered with the same
+ * datum.
  */
 class ParseNmeaGate : public GpsParseNmeaListener {
 public:
@@ -28,7 +29,7 @@ private:
     void tell(void (GpsParseNmeaListener::*notify)(const Record*), const Record* record);
 
     Registry* mpRegistry = nullptr;
-    const GpsParseNmeaListener* mpListener = nullptr;
+    GPS_PARSE_NMEA_LISTENER_LIST mEntry{};
 };
 
 class ConnectionGate : public GpsConnectionListener {
@@ -41,7 +42,7 @@ public:
 
 private:
     Registry* mpRegistry = nullptr;
-    const GpsConnectionListener* mpListener = nullptr;
+    GPS_CONNECTION_LISTENER_LIST mEntry{};
 };
 
 /**

@@ -14,10 +14,14 @@ struct GPS_NMEA_LISTENER_LIST {
 struct GPS_PARSE_NMEA_LISTENER_LIST {
     const GpsParseNmeaListener* listener;
     GeodeticSystem geodeticSystem;  ///< the datum asked for; not validated
+
+    bool operator==(const GPS_PARSE_NMEA_LISTENER_LIST&) const = default;
 };
 
 struct GPS_CONNECTION_LISTENER_LIST {
     const GpsConnectionListener* listener;
+
+    bool operator==(const GPS_CONNECTION_LISTENER_LIST&) const = default;
 };
 
 /** The listener of a registry entry, whatever the entry's shape. */

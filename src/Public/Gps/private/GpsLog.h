@@ -1,8 +1,6 @@
 #ifndef GPS_PRIVATE_GPS_LOG_H
 #define GPS_PRIVATE_GPS_LOG_H
 
-#include <source_location>
-
 #include "QvFramework/Foundation/QvDbgOutput.h"
 
 /** The debug log of one source file. */
@@ -15,15 +13,13 @@ public:
     explicit constexpr GpsLog(const char* source) : mSource(source) {}
 
     /** Logs a text as it stands, as said by the operation `function`. */
-    void operator()(const char* function, const char* text,
-                    std::source_location where = std::source_location::current()) const {
-        QvDbgOutput::DbgPrint(mSource, function, static_cast<int>(where.line()), TAG, "%s", text);
+    void operator()(const char* function, const char* text, int line = __builtin_LINE()) const {
+        QvDbgOutput::DbgPrint(mSource, function, line, TAG, "%s", text);
     }
 
     /** Logs a text and answers false: `return log.failure(...)`. */
-    bool failure(const char* function, const char* text,
-                 std::source_location where = std::source_location::current()) const {
-        (*this)(function, text, where);
+    bool failure(const char* function, const char* text, int line = __builtin_LINE()) const {
+        (*this)(function, text, line);
         return false;
     }
 

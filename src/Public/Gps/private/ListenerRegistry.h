@@ -3,24 +3,23 @@
 
 #include <algorithm>
 #include <atomic>
-#include <condition_variable>
+#include <cstdint>
 #include <iterator>
-#include <thread>
 #include <type_traits>
 
+#include "Gps/private/GpsListenerCalls.h"
 #include "Gps/private/GpsListenerList.h"
-#include "Gps/private/LeafLock.h"
 
 /**
  * The listeners of one kind, in the order of their registration: at most LISTENER_LIST_MAX entries of a listener, alone
  * or with its datum.
  *
  * Any thread may call listeners while others register and unregister. An entry is read whole, and a listener that has
- * been removed is not called any more once `waitUntilNotCalled` has returned. The lock is a leaf: it is not held while
- * a listener runs. Calling allocates nothing.
+ * been removed is not called any more once GpsListenerCalls::waitUntilNotCalled has returned. No lock is held while a
+ * listener runs. Calling allocates nothing.
  */
 template <class Entry>
-class ListenerRegistry {
+class ListenerRegistry : private QvUncopyable {
 public:
     using Listener = std::remove_pointer_t<decltype(listenerOf(Entry{}))>;
     using Entries = Entry[LISTENER_LIST_MAX];
@@ -33,118 +32,91 @@ public:
 
     /** False when the registry is full. */
     bool append(const Entry& entry) {
-        LeafGuard guard(mLock);
+        LeafGuard guard(mCalls.lock());
         const unsigned int index = count();
         if (index == LISTENER_LIST_MAX) return false;
-        mEntries[index] = entry;
+        mPlaces[index] = {entry, ++mLastTicket};
         publish(index + 1);
         return true;
     }
 
     /** Removes every entry of a listener; those behind move up. */
     void remove(const Listener* listener) {
-        LeafGuard guard(mLock);
-        const auto isOfListener = [listener](const Entry& entry) { return listenerOf(entry) == listener; };
-        Entry* const end = mEntries + count();
-        Entry* const kept = std::remove_if(mEntries, end, isOfListener);
-        std::fill(kept, end, Entry{});
-        publish(static_cast<unsigned int>(kept - mEntries));
+        LeafGuard guard(mCalls.lock());
+        const auto isOfListener = [listener](const Place& place) { return listenerOf(place.entry) == listener; };
+        Place* const kept = std::remove_if(mPlaces, end(), isOfListener);
+        std::fill(kept, end(), Place{});
+        publish(static_cast<unsigned int>(kept - mPlaces));
     }
 
     /** Copies all entries, empty ones too. Returns the generation they belong to. */
     unsigned int copyTo(Entries& entries) const {
-        LeafGuard guard(mLock);
-        std::copy(std::begin(mEntries), std::end(mEntries), entries);
+        LeafGuard guard(mCalls.lock());
+        std::transform(std::begin(mPlaces), std::end(mPlaces), entries, [](const Place& place) { return place.entry; });
         return generation();
     }
 
-    /** Calls `tell(entry)` with the entry at an index. False, without a call, when there is none. */
+    /**
+     * Calls `tell(entry)` with one entry after another, as long as it answers true. A listener that registers meanwhile
+     * is reached, none is left out because another one leaves, and there are no more calls than places.
+     * @return number of calls
+     */
     template <class Tell>
-    bool callAt(unsigned int index, Tell tell) {
-        Entry entry{};
-        Call call(*this);
-        {
-            LeafGuard guard(mLock);
-            if (index >= count()) return false;
-            entry = mEntries[index];
-            call.begin(listenerOf(entry));
+    unsigned int callEach(Tell tell) {
+        unsigned int calls = 0;
+        std::uint64_t ticket = 0;
+        for (bool goesOn = true; goesOn && calls < LISTENER_LIST_MAX; ++calls) {
+            Entry entry{};
+            GpsListenerCalls::Call call;
+            if (!beginNext(ticket, entry, call)) break;
+            goesOn = tell(entry);
         }
-        tell(entry);
-        return true;
+        return calls;
     }
 
-    /** Calls `tell()` if the listener is still registered. */
+    /** Calls `tell()` if the entry is still registered. */
     template <class Tell>
-    void callIfRegistered(const Listener* listener, Tell tell) {
-        const auto isOfListener = [listener](const Entry& entry) { return listenerOf(entry) == listener; };
-        Call call(*this);
+    void callIfRegistered(const Entry& entry, Tell tell) {
+        const auto isEntry = [&entry](const Place& place) { return place.entry == entry; };
+        GpsListenerCalls::Call call;
         {
-            LeafGuard guard(mLock);
-            if (std::none_of(mEntries, mEntries + count(), isOfListener)) return;
-            call.begin(listener);
+            LeafGuard guard(mCalls.lock());
+            if (std::none_of(mPlaces, end(), isEntry)) return;
+            call.begin(listenerOf(entry));
         }
         tell();
     }
 
-    /** Waits until no other thread is inside a listener. Returns at once when this thread is. */
-    void waitUntilNotCalled(const Listener* listener) {
-        const auto self = std::this_thread::get_id();
-        std::unique_lock<LeafLock> guard(mLock);
-        if (isCalled(listener, [self](std::thread::id thread) { return thread == self; })) return;
-        ++mWaiting;
-        mCallEnded.wait(guard, [&] { return !isCalled(listener, [](std::thread::id) { return true; }); });
-        --mWaiting;
-    }
-
 private:
-    /** A call in progress. Lives on the caller's stack, in a list that the registry heads. */
-    class Call : private QvUncopyable {
-    public:
-        explicit Call(ListenerRegistry& registry) : mRegistry(registry) {}
-
-        /** The caller holds the registry's lock. */
-        void begin(const Listener* listener) {
-            mListener = listener;
-            mNext = mRegistry.mCalls;
-            mRegistry.mCalls = this;
-        }
-
-        ~Call() {
-            if (mListener == nullptr) return;
-            LeafGuard guard(mRegistry.mLock);
-            Call** link = &mRegistry.mCalls;
-            while (*link != this)
-                link = &(*link)->mNext;
-            *link = mNext;
-            if (mRegistry.mWaiting != 0) mRegistry.mCallEnded.notify_all();
-        }
-
-        ListenerRegistry& mRegistry;
-        const Listener* mListener = nullptr;
-        std::thread::id mThread = std::this_thread::get_id();
-        Call* mNext = nullptr;
+    struct Place {
+        Entry entry{};
+        std::uint64_t ticket = 0;  // rises with every registration; 0 in an empty place
     };
 
-    template <class OnThread>
-    bool isCalled(const Listener* listener, OnThread onThread) const {
-        for (const Call* call = mCalls; call != nullptr; call = call->mNext) {
-            if (call->mListener == listener && onThread(call->mThread)) return true;
-        }
-        return false;
+    /** Begins the call of the first entry that was registered after `ticket`. False when there is none. */
+    bool beginNext(std::uint64_t& ticket, Entry& entry, GpsListenerCalls::Call& call) {
+        LeafGuard guard(mCalls.lock());
+        const Place* const next =
+            std::find_if(mPlaces, end(), [ticket](const Place& place) { return place.ticket > ticket; });
+        if (next == end()) return false;
+        ticket = next->ticket;
+        entry = next->entry;
+        call.begin(listenerOf(entry));
+        return true;
     }
+
+    Place* end() { return mPlaces + count(); }
 
     void publish(unsigned int newCount) {
         mCount.store(newCount, std::memory_order_release);
         mGeneration.store(generation() + 1, std::memory_order_release);
     }
 
-    mutable LeafLock mLock;  // guards all below; counters may be read without it
-    Entries mEntries{};
+    GpsListenerCalls& mCalls = GpsListenerCalls::instance();  // its lock guards all below; counters are read without
+    Place mPlaces[LISTENER_LIST_MAX];
+    std::uint64_t mLastTicket = 0;
     std::atomic<unsigned int> mCount{0};
     std::atomic<unsigned int> mGeneration{0};
-    Call* mCalls = nullptr;
-    unsigned int mWaiting = 0;
-    std::condition_variable_any mCallEnded;
 };
 
 #endif

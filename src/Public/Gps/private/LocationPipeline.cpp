@@ -1,6 +1,7 @@
 #include "Gps/private/LocationPipeline.h"
 
 #include <cstdint>
+#include <limits>
 
 #include "Gps/private/GpsControllerLog.h"
 
@@ -11,6 +12,7 @@ constexpr char kFunction[] = "MainProc";
 constexpr int kIntervalMs = 999;     // a delivery is due when more than this has passed
 constexpr int kHurryMs = 100;        // taken off per poll while a backlog waits
 constexpr int kLargestAdjustMs = 5;  // reached one by one while nothing waits
+constexpr int kSmallestAdjustMs = std::numeric_limits<int>::min() + kHurryMs;  // reached after weeks of backlog
 
 std::int64_t elapsedMs(const timeval& from, const timeval& to) {
     std::int64_t seconds = to.tv_sec - from.tv_sec;
@@ -54,7 +56,7 @@ bool LocationPipeline::isDue(const timeval& now) {
         if (mIntervalAdjust < kLargestAdjustMs) ++mIntervalAdjust;
         return false;
     }
-    if (mWaiting >= 2) mIntervalAdjust -= kHurryMs;
+    if (mWaiting >= 2 && mIntervalAdjust >= kSmallestAdjustMs) mIntervalAdjust -= kHurryMs;
     const std::int64_t elapsed = elapsedMs(mLastNotifyTime, now);
     const bool isClockSetBack = elapsed < 0;
     return isClockSetBack || elapsed > mIntervalAdjust + kIntervalMs;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -90,19 +91,9 @@ Kind kindOf(const Sentence& sentence) {
     return text.starts_with("$PUBX") ? Kind::PUBX : Kind::Other;
 }
 
-const char* readField(const char* cursor, std::string_view& field) {
-    field = {cursor, 0};
-    if (*cursor == '\0') {
-        nmeaLog("getNextToken", "GpsParseNmeaManager::getNextToken() lpData = '");
-        return nullptr;
-    }
-    for (unsigned int i = 0; i < GpsParseNmeaManager::TOKEN_SIZE; ++i) {
-        const char c = cursor[i];
-        if (c != ',' && c != '*' && c != '\0') continue;
-        field = {cursor, i};
-        return c != '\0' ? cursor + i + 1 : nullptr;
-    }
-    nmeaLog("getNextToken", "GpsParseNmeaManager::getNextToken() Token Error\n");
+const char* noField(const char* text) {
+    nmeaLog("getNextToken", *text == '\0' ? "GpsParseNmeaManager::getNextToken() lpData = '"
+                                          : "GpsParseNmeaManager::getNextToken() Token Error\n");
     return nullptr;
 }
 
@@ -123,18 +114,16 @@ bool splitDate(std::string_view field, unsigned short& year, unsigned short& mon
 
 bool splitTime(std::string_view field, unsigned short* hour, unsigned short* minute, unsigned short* second,
                unsigned short* milliSecond) {
-    // Output, characters it is read from, characters it takes: the seconds' point is stepped over.
-    const struct {
-        unsigned short* output;
-        std::size_t width;
-        std::size_t step;
-    } parts[] = {{hour, 2, 2}, {minute, 2, 2}, {second, 2, 3}, {milliSecond, 3, 3}};
     std::size_t position = 0;
-    for (const auto& wanted : parts) {
-        if (wanted.output == nullptr) continue;
-        *wanted.output = shortOf(part(field, position, wanted.width));
-        position += wanted.step;
-    }
+    const auto take = [&](unsigned short* output, std::size_t width, std::size_t step) {
+        if (output == nullptr) return;
+        *output = shortOf(part(field, position, width));
+        position += step;
+    };
+    take(hour, 2, 2);
+    take(minute, 2, 2);
+    take(second, 2, 3);  // stepping over the point
+    take(milliSecond, 3, 3);
     return true;
 }
 

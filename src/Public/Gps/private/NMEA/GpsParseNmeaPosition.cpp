@@ -85,9 +85,8 @@ constexpr Field<PUBX> kPubxFields[] = {
     {number<&PUBX::VDOP>, PUBX_ "VDOP Error"},
     {number<&PUBX::TDOP>, PUBX_ "TDOP Error"},
     {integer<&PUBX::SatView>, PUBX_ "SatView Error"},
-    {integer<&PUBX::DR_MODE>, PUBX_ "DR_MODE Error"},
 };
-constexpr Field<PUBX> kPubxDeadReckoning = {integer<&PUBX::DR_MODE>, PUBX_ "DR_MODE Error"};
+constexpr const char* kPubxDeadReckoningMissing = PUBX_ "DR_MODE Error";
 #undef PUBX_
 
 /** The frame of the sentences that name a talker. */
@@ -101,15 +100,23 @@ bool readPosition(GpsParseNmeaManager& manager, const Frame& frame, const char* 
 }
 
 /**
- * The last row of the field list reads DR_MODE from the field behind the satellites. Receivers that end the sentence
- * there mean it; where another field follows, that one is DR_MODE and the one before it is reserved.
+ * DR_MODE is the second field behind the satellites, after a reserved one. A sentence that ends with the first field
+ * means that one.
  */
+bool readDeadReckoning(const char* cursor, PUBX& record) {
+    std::string_view field;
+    cursor = sentence_text::readField(cursor, field);
+    if (cursor != nullptr && cursor[-1] != '*') cursor = sentence_text::readField(cursor, field);
+    if (cursor == nullptr) return nmeaLog.failure(kPubx.function, kPubxDeadReckoningMissing);
+    record.DR_MODE = static_cast<int>(number_text::toInteger(field));
+    return true;
+}
+
 bool readPubx(const char* sentence, PUBX& record) {
     if (sentence == nullptr) return nmeaLog.failure(kPubx.function, kPubx.argumentError);
     const char* cursor = readAddress(kPubx, sentence);
-    if (cursor == nullptr || !readAll<kPubxFields>(kPubx.function, cursor, record)) return false;
-    const bool isLast = cursor[-1] == '*';
-    return isLast || read(kPubxDeadReckoning, kPubx.function, cursor, record);
+    return cursor != nullptr && readAll<kPubxFields>(kPubx.function, cursor, record) &&
+           readDeadReckoning(cursor, record);
 }
 
 /** Delivers a position record; without listeners it is enough to have read it. */

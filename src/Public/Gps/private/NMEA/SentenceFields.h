@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iterator>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "Gps/private/NMEA/NumberText.h"
@@ -98,7 +99,8 @@ bool westNegates(std::string_view field, Record& record) {
 
 /** Reads one field at the cursor and stores it; moves the cursor. False, with the message logged, when it is missing.*/
 template <class Record>
-bool read(const Field<Record>& field, const char* function, const char*& cursor, Record& record) {
+[[gnu::always_inline]] inline bool read(const Field<Record>& field, const char* function, const char*& cursor,
+                                        Record& record) {
     std::string_view text;
     cursor = sentence_text::readField(cursor, text);
     if (cursor == nullptr) [[unlikely]]

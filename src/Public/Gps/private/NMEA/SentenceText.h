@@ -35,11 +35,29 @@ bool isCheckSumRight(std::string_view sentence);
 /** By the three characters behind the talker, whatever the talker; else by "$PUBX". */
 Kind kindOf(const Sentence& sentence);
 
+/** Says why there is no field at the cursor: the end of the text, or 20 characters without a separator. Null. */
+const char* noField(const char* text);
+
 /**
  * Reads the field at the cursor of a terminated text; "," and "*" end fields.
  * @return the place behind the separator, or null when none ends the field within 19 characters
  */
-const char* readField(const char* cursor, std::string_view& field);
+inline const char* readField(const char* cursor, std::string_view& field) {
+    for (unsigned int i = 0; i < GpsParseNmeaManager::TOKEN_SIZE; ++i) {
+        const char c = cursor[i];
+        if (c == ',' || c == '*') {
+            field = {cursor, i};
+            return cursor + i + 1;
+        }
+        if (c == '\0' && i != 0) {
+            field = {cursor, i};
+            return nullptr;
+        }
+        if (c == '\0') break;
+    }
+    field = {cursor, 0};
+    return noField(cursor);
+}
 
 // Fields of several parts. Any text can be split: a part that is not there gives 0.
 

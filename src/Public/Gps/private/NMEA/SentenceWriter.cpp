@@ -1,6 +1,5 @@
 #include "Gps/private/NMEA/SentenceWriter.h"
 
-#include <cstdlib>
 #include <cstring>
 
 #include "Gps/private/NMEA/NumberText.h"

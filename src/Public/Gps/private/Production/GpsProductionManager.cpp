@@ -24,7 +24,8 @@ constexpr char kAcknowledgementClass = 0x05;
 constexpr char kMonitorClass = 0x0A;
 constexpr char kMonPt = 0x20;
 constexpr char kMonPt2 = 0x2B;
-constexpr unsigned int kFrameHeader = 6;  // sync bytes, class, id, length
+constexpr unsigned int kFrameHeader = 6;    // sync bytes, class, id, length
+constexpr unsigned int kFrameChecksum = 2;  // behind the payload
 
 // Factors of MonPt, as decimal constants and not as the powers of two that they approach.
 constexpr double kPtScale20 = 0.00024414062;
@@ -36,21 +37,33 @@ constexpr unsigned int kMonPt2Lists = 24;  // payload offset of the first list
 constexpr unsigned int kMonPt2FirstEntry = 28;
 constexpr unsigned int kMonPt2SecondEntry = 36;
 
-/** The payload of a received frame. */
+/** The payload of a received frame. Read nothing beyond its size. */
 class Payload {
 public:
-    explicit Payload(const char* frame) : mBytes(frame + kFrameHeader) {}
-
-    std::uint8_t byteAt(unsigned int offset) const { return static_cast<std::uint8_t>(mBytes[offset]); }
-    std::uint16_t shortAt(unsigned int offset) const {
-        return static_cast<std::uint16_t>(byteAt(offset) | byteAt(offset + 1) << 8);
+    /** @param length bytes of the frame, which may be cut short */
+    Payload(const char* frame, unsigned int length)
+        : mBytes(frame + kFrameHeader), mSize(length > kFrameHeader ? length - kFrameHeader : 0) {
+        constexpr unsigned int kAnnounced = 4;  // where the header tells the payload's size
+        if (mSize < kFrameChecksum) return;
+        const unsigned int announced = littleEndian(frame + kAnnounced);
+        if (announced == mSize - kFrameChecksum) mSize = announced;  // a whole frame ends with its checksum
     }
+
+    unsigned int size() const { return mSize; }
+    std::uint8_t byteAt(unsigned int offset) const { return static_cast<std::uint8_t>(mBytes[offset]); }
+    std::uint16_t shortAt(unsigned int offset) const { return littleEndian(mBytes + offset); }
     std::uint32_t wordAt(unsigned int offset) const {
         return shortAt(offset) | static_cast<std::uint32_t>(shortAt(offset + 2)) << 16;
     }
 
 private:
+    static std::uint16_t littleEndian(const char* bytes) {
+        return static_cast<std::uint16_t>(static_cast<unsigned char>(bytes[0]) | static_cast<unsigned char>(bytes[1])
+                                                                                     << 8);
+    }
+
     const char* mBytes;
+    unsigned int mSize;
 };
 
 int scaled(double raw, double factor) {
@@ -112,13 +125,14 @@ constexpr HeaderTexts kMonPt2Texts = {
 
 /** Whether a frame is the monitor message `id`; says why not. */
 bool isMonitorFrame(const char* data, unsigned int length, char id, const HeaderTexts& texts) {
-    if (length < kFrameHeader) return false;
     const auto say = [&](const char* text, char first, char second) {
         QvDbgOutput::DbgPrint(log.source(), texts.function, __LINE__, GpsLog::TAG, text,
                               static_cast<unsigned char>(first), static_cast<unsigned char>(second));
         return false;
     };
+    if (length < 2) return false;
     if (std::memcmp(data, "\xB5\x62", 2) != 0) return say(texts.header, data[0], data[1]);
+    if (length < 4) return false;
     if (data[2] != kMonitorClass || data[3] != id) return say(texts.id, data[2], data[3]);
     return true;
 }
@@ -126,6 +140,16 @@ bool isMonitorFrame(const char* data, unsigned int length, char id, const Header
 template <std::size_t size>
 bool send(GpsHal* hal, const unsigned char (&message)[size]) {
     return hal->sendData(message, size);
+}
+
+/** Sends a request whose acknowledgement is awaited: from before its first byte, so that the fastest one is told. */
+template <std::size_t size>
+bool sendAwaiting(RequestType type, std::atomic<RequestType>& awaited, GpsHal* hal,
+                  const unsigned char (&message)[size]) {
+    awaited = type;
+    if (send(hal, message)) return true;
+    awaited = REQUEST_TYPE_NONE;
+    return false;
 }
 
 }  // namespace
@@ -137,17 +161,15 @@ GpsProductionManager::~GpsProductionManager() {
 }
 
 bool GpsProductionManager::requestSwitchGpsProductionMode() {
-    const bool isSent = send(mpGpsHal, kSwitchMode);
-    mRequestType = isSent ? REQUEST_TYPE_SWITCH_PRODUCTION_MODE : REQUEST_TYPE_NONE;
-    return isSent || log.failure("requestSwitchGpsProductionMode",
-                                 "GpsProductionManager::requestSwitchGpsProductionMode() : sendData() = false\n");
+    return sendAwaiting(REQUEST_TYPE_SWITCH_PRODUCTION_MODE, mRequestType, mpGpsHal, kSwitchMode) ||
+           log.failure("requestSwitchGpsProductionMode",
+                       "GpsProductionManager::requestSwitchGpsProductionMode() : sendData() = false\n");
 }
 
 bool GpsProductionManager::requestStartGpsProductionCheck() {
-    const bool isSent = send(mpGpsHal, kStartCheck);
-    mRequestType = isSent ? REQUEST_TYPE_START_PRODUCTION_CHECK : REQUEST_TYPE_NONE;
-    return isSent || log.failure("requestStartGpsProductionCheck",
-                                 "GpsProductionManager::requestStartGpsProductionCheck() : sendData() = false\n");
+    return sendAwaiting(REQUEST_TYPE_START_PRODUCTION_CHECK, mRequestType, mpGpsHal, kStartCheck) ||
+           log.failure("requestStartGpsProductionCheck",
+                       "GpsProductionManager::requestStartGpsProductionCheck() : sendData() = false\n");
 }
 
 bool GpsProductionManager::requestFinishGpsProductionCheck() {
@@ -224,8 +246,9 @@ bool GpsProductionManager::parseGpsProductionData(const char* data, const GpsPro
 bool GpsProductionManager::parseGpsProductionDataMonPt(const char* data, const GpsProductionListener* listener,
                                                        unsigned int length) {
     if (data == nullptr || listener == nullptr || !isMonitorFrame(data, length, kMonPt, kMonPtTexts)) return false;
-    if (length - kFrameHeader < kMonPtPayload) return false;
-    const PRODUCTION_DATA record = readMonPt(Payload(data));
+    const Payload payload(data, length);
+    if (payload.size() < kMonPtPayload) return false;
+    const PRODUCTION_DATA record = readMonPt(payload);
     callable(listener)->notifyReceiveGpsProductionData(&record);
     return true;
 }
@@ -233,9 +256,8 @@ bool GpsProductionManager::parseGpsProductionDataMonPt(const char* data, const G
 bool GpsProductionManager::parseGpsProductionDataMonPt2(const char* data, const GpsProductionListener* listener,
                                                         unsigned int length) {
     if (data == nullptr || listener == nullptr || !isMonitorFrame(data, length, kMonPt2, kMonPt2Texts)) return false;
-    const Payload payload(data);
-    const unsigned int size = length - kFrameHeader;
-    if (size < kMonPt2Lists || size < monPt2Size(payload)) return false;
+    const Payload payload(data, length);
+    if (payload.size() < kMonPt2Lists || payload.size() < monPt2Size(payload)) return false;
     const GPS_PRODUCTION_CHECK_DATA record = readMonPt2(payload);
     callable(listener)->notifyReceiveGpsProductionCheckData(&record);
     return true;

@@ -1,4 +1,4 @@
-#include <cstring>
+#include <algorithm>
 #include <iterator>
 #include <string_view>
 
@@ -154,6 +154,6 @@ unsigned int GpsSettingManager::setCommandForGpsSetting(GpsSetting setting, char
         return 0;
     }
     const Command& command = kCommands[setting].command;
-    std::memcpy(buffer, command.bytes, command.length);
+    std::copy_n(command.bytes, command.length, buffer);
     return command.length;
 }

@@ -21,7 +21,7 @@ public:
     bool isSet() const { return mFiller.load(std::memory_order_acquire) != 0; }
     void set() {
         mFiller.store(1, std::memory_order_relaxed);
-        std::atomic_thread_fence(std::memory_order_release);  // before the copy's first byte
+        std::atomic_signal_fence(std::memory_order_seq_cst);  // a process dies in the order of its instructions
     }
     void clear() { mFiller.store(0, std::memory_order_release); }
 

@@ -10,7 +10,8 @@ public:
     LocationDataMemory();
     ~LocationDataMemory() override;
 
-    /** Copies the whole record; false, with `out` untouched, where the segment is not mapped. */
+    /** Copies the whole record; false, with `out` untouched, where the segment is not mapped. What a process that was
+     *  killed while storing has left of a record counts as none and is reset to zeros. */
     bool read(GPS_LOCATION_DATA_SHARE* out) const;
     /** Stores a whole record; false where the segment is not mapped. */
     bool write(const GPS_LOCATION_DATA_SHARE* in);

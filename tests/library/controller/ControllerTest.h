@@ -1,0 +1,247 @@
+#ifndef TESTS_LIBRARY_CONTROLLER_CONTROLLER_TEST_H
+#define TESTS_LIBRARY_CONTROLLER_CONTROLLER_TEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <functional>
+#include <future>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "Gps/private/Connection/GpsConnectionManager.h"
+#include "Gps/private/GpsController.h"
+#include "Gps/private/Setting/GpsSettingManager.h"
+#include "GpsHal/GpsHal.h"
+#include "GpsHal/GpsHalMemoryLink.h"
+#include "tests/support/LogCapture.h"
+
+using namespace std::string_view_literals;
+using Strings = std::vector<std::string>;
+
+constexpr unsigned kLongMs = 20000;  // longer than anything takes that is not stuck
+
+constexpr std::string_view kZda = "$GPZDA,123519.00,16,11,2026,00,00*6A\r\n";
+constexpr std::string_view kAntennaOpen = "$GPTXT,01,01,02,ANTSTATUS=OPEN*2B\r\n";
+constexpr std::string_view kAck = "\xB5\x62\x05\x01\x02\x00\x06\x01\x0F\x38"sv;
+constexpr std::string_view kNak = "\xB5\x62\x05\x00\x02\x00\x06\x01\x0E\x33"sv;
+constexpr GPS_LOCATION_SYNC_DATA kNowhere = {};
+
+/** A listener of every kind. It notes what it is told, as "name:what", in a list that listeners may share. */
+class Listener : public GpsNmeaListener,
+                 public GpsParseNmeaListener,
+                 public GpsLocationDataListener,
+                 public GpsVersionListener,
+                 public GpsConnectionListener,
+                 public GpsSettingListener,
+                 public GpsProductionListener {
+public:
+    explicit Listener(std::string name, Strings* told = nullptr)
+        : mName(std::move(name)), mTold(told != nullptr ? *told : mOwnTold) {}
+
+    /** Runs inside every notification, after it was noted. Set it while nothing is delivered. */
+    void setHook(std::function<void()> hook) { mHook = std::move(hook); }
+
+    /** What was noted, which is forgotten. */
+    Strings take() {
+        const std::lock_guard guard(mutex());
+        return std::exchange(mTold, {});
+    }
+
+    /** The last location told. */
+    const LOCATION_DATA& location() const { return mLocation; }
+
+    void notifyReceiveNmeaSentence(const char* data, unsigned int length) override { note({data, length}); }
+    void notifyParseZdaSentence(const GPZDA* record) override { note("zda " + std::to_string(record->Hour)); }
+    void notifyRmcData(const GPRMC*) override { note("rmc"); }
+    void notifyGgaData(const GPGGA* record) override {
+        mGga = record;
+        note("gga");
+    }
+    void notifyPascdData(const PASCD*) override { note("pascd"); }
+    void notifyLocationData(const LOCATION_DATA* record) override {
+        mLocation = *record;
+        note(mGga == &record->Gga ? "location" : "location elsewhere than its gga");
+    }
+    void notifyGpsVersionInfo(const char* version, unsigned int) override { note(version); }
+    void notifyGpsConnectionStatus(GpsConnectionStatus status) override { note("antenna " + std::to_string(status)); }
+    void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
+        note((acknowledged ? "ack " : "nak ") + std::to_string(setting));
+    }
+    void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged) override {
+        note(acknowledged ? "switched" : "not switched");
+    }
+    void notifyReceiveGpsProductionData(const PRODUCTION_DATA*) override { note("production data"); }
+
+private:
+    static std::mutex& mutex() {
+        static std::mutex instance;
+        return instance;
+    }
+
+    void note(const std::string& what) {
+        {
+            const std::lock_guard guard(mutex());
+            mTold.push_back(mName + ":" + what);
+        }
+        if (mHook) mHook();
+    }
+
+    std::string mName;
+    Strings mOwnTold;
+    Strings& mTold;
+    std::function<void()> mHook;
+    const GPGGA* mGga = nullptr;
+    LOCATION_DATA mLocation{};
+};
+
+/** The operations that the facade and the controller have alike. */
+template <class Service>
+struct Kind {
+    const char* name;
+    bool (*add)(Service&, const Listener*);
+    bool (*remove)(Service&, const Listener*);
+};
+
+template <class Service>
+struct Request {
+    const char* name;
+    bool (*call)(Service&);
+};
+
+#define KIND(name, ...)                                                                               \
+    {                                                                                                 \
+#name, [](Service& s, const Listener* l) { return s.registerGps##name##Listener(l __VA_ARGS__); },  \
+            [](Service& s, const Listener* l) { return s.unRegisterGps##name##Listener(l); } \
+    }
+#define REQUEST(name, ...)                                     \
+    {                                                          \
+#name, [](Service & s) { return s.name(__VA_ARGS__); } \
+    }
+
+template <class Service>
+constexpr Kind<Service> kKinds[] = {KIND(Nmea, , GEODETIC_SYSTEM_WGS84),
+                                    KIND(ParseNmea, , GEODETIC_SYSTEM_WGS84),
+                                    KIND(LocationData),
+                                    KIND(Version),
+                                    KIND(Connection),
+                                    KIND(Setting),
+                                    KIND(Production)};
+
+template <class Service>
+constexpr Request<Service> kRequests[] = {REQUEST(requestGpsVersionInfo),
+                                          REQUEST(requestGpsSetting, GPS_SETTING_ZDA_ON),
+                                          REQUEST(requestSwitchGpsProductionMode),
+                                          REQUEST(requestStartGpsProductionCheck),
+                                          REQUEST(requestFinishGpsProductionCheck),
+                                          REQUEST(requestGpsReset),
+                                          REQUEST(requestGpsColdStart)};
+
+#undef KIND
+#undef REQUEST
+
+/** A controller on a link in memory, and the shared records as after the start of the system. */
+class ControllerTest : public testing::Test {
+protected:
+    ControllerTest() {
+        auto [link, peer] = GpsHalMemoryLink::makePair();
+        GpsHal::setLink(std::move(link));
+        mPeer = std::move(peer);
+        setShared(GEODETIC_SYSTEM_WGS84, false);
+        const GPS_CONNECTION_LOCAL_MEMORY antennaOk = {};
+        GpsConnectionManager().writeLocalMemory(&antennaOk);
+        mController = std::make_unique<GpsController>();
+    }
+
+    static void setShared(GeodeticSystem base, bool isFinished) {
+        const GPS_SETTING_LOCAL_MEMORY record = {base, isFinished, {}};
+        GpsSettingManager().writeLocalMemory(&record);
+    }
+
+    /** Hands over a chunk as the receive thread does, in a buffer of exactly its size. */
+    void receive(std::string_view chunk) {
+        const auto data = std::make_unique<char[]>(chunk.size());
+        std::memcpy(data.get(), chunk.data(), chunk.size());
+        mController->receiveData(0, data.get(), static_cast<unsigned int>(chunk.size()));
+    }
+
+    /** Registers for everything but locations. */
+    void registerFor(const Listener& listener) {
+        for (const auto& kind : kKinds<GpsController>) {
+            if (kind.name != "LocationData"sv) kind.add(*mController, &listener);
+        }
+    }
+
+    LogCapture mLog;
+    std::shared_ptr<GpsHalMemoryPeer> mPeer;
+    std::unique_ptr<GpsController> mController;
+};
+
+/** The same for each kind of listener, by its index. The worker never runs: locations are told by the test's thread. */
+class EveryKind : public ControllerTest, public testing::WithParamInterface<std::size_t> {
+protected:
+    static std::string name() { return kKinds<GpsController>[GetParam()].name; }
+    bool add(const Listener* listener) {
+        const bool isAdded = kKinds<GpsController>[GetParam()].add(*mController, listener);
+        mController->stop();
+        return isAdded;
+    }
+    bool remove(const Listener* listener) { return kKinds<GpsController>[GetParam()].remove(*mController, listener); }
+
+    /** Causes what listeners of the kind are told. */
+    void fire() {
+        const std::function<void()> causes[] = {
+            [this] { receive("$X"); },
+            [this] { receive(kZda); },
+            [this] { mController->setLocationData(&kNowhere), mController->notifyLocationData(); },
+            [this] { mController->requestGpsVersionInfo(); },
+            [this] { receive(kAntennaOpen); },
+            [this] { mController->requestGpsSetting(GPS_SETTING_ZDA_ON), receive(kAck); },
+            [this] { mController->requestSwitchGpsProductionMode(), receive(kAck); },
+        };
+        causes[GetParam()]();
+    }
+
+    /** What listeners of these names are told then, in this order. */
+    static Strings toldTo(const Strings& names) {
+        const Strings told[] = {{"$X"},        {"zda 12"},    {"rmc", "gga", "pascd", "location"},
+                                {"u-blox 7c"}, {"antenna 1"}, {"ack 1"},
+                                {"switched"}};
+        Strings all;
+        for (const std::string& listener : names) {
+            for (const std::string& what : told[GetParam()]) {
+                all.push_back(listener + ":" + what);
+            }
+        }
+        return all;
+    }
+
+    Strings mTold;
+    Listener mA{"A", &mTold};
+    Listener mB{"B", &mTold};
+    Listener mC{"C", &mTold};
+    Listener mD{"D", &mTold};
+    Listener mE{"E", &mTold};
+    Listener mF{"F", &mTold};
+};
+
+#define INSTANTIATE_FOR_EVERY_KIND(Suite)                                     \
+    INSTANTIATE_TEST_SUITE_P(Kinds, Suite, testing::Range<std::size_t>(0, 7), \
+                             [](const auto& i) { return std::string(kKinds<GpsController>[i.param].name); })
+
+/** Fails, and ends the program, when a step that may be stuck is. */
+template <class Result>
+void expectDone(std::future<Result>& step, const char* what) {
+    if (step.wait_for(std::chrono::milliseconds(kLongMs)) == std::future_status::ready) return;
+    ADD_FAILURE() << what << " is stuck";
+    std::_Exit(1);
+}
+
+#endif

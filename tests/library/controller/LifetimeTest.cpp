@@ -1,0 +1,250 @@
+#include <atomic>
+#include <latch>
+#include <random>
+
+#include "tests/library/controller/ControllerTest.h"
+#include "tests/library/controller/ThreadState.h"
+
+// Listeners that come and go while listeners are being told.
+
+namespace {
+
+using Lifetimes = EveryKind;
+
+INSTANTIATE_FOR_EVERY_KIND(Lifetimes);
+
+TEST_P(Lifetimes, aListenerMayUnregisterItself) {
+    add(&mA);
+    add(&mB);
+    mA.take();
+    mA.setHook([this] { EXPECT_TRUE(remove(&mA)); });
+    fire();
+    Strings expected = toldTo({"B"});  // B loses nothing, and A is not told the rest
+    expected.insert(expected.begin(), toldTo({"A"}).front());
+    EXPECT_EQ(mA.take(), expected);
+    fire();
+    EXPECT_EQ(mA.take(), toldTo({"B"}));
+}
+
+TEST_P(Lifetimes, aListenerMayUnregisterOneThatIsStillToBeTold) {
+    add(&mA);
+    add(&mB);
+    add(&mC);
+    mA.take();
+    mA.setHook([this] { remove(&mB); });
+    fire();
+    EXPECT_EQ(mA.take(), toldTo({"A", "C"}));
+}
+
+TEST_P(Lifetimes, aListenerMayRegisterAnother) {
+    add(&mA);
+    mA.take();
+    bool isAdded = false;
+    mA.setHook([&] {
+        if (std::exchange(isAdded, true)) return;
+        EXPECT_TRUE(add(&mB));
+    });
+    fire();
+    mA.take();
+    fire();
+    EXPECT_EQ(mA.take(), toldTo({"A", "B"}));
+}
+
+TEST_P(Lifetimes, aListenerThatRegistersItselfAnewMakesNoDeliveryEndless) {
+    add(&mA);
+    add(&mB);
+    mA.take();
+    bool isInside = false;
+    mA.setHook([&] {
+        if (std::exchange(isInside, true)) return;  // told the antenna status by the registration below
+        remove(&mA);
+        add(&mA);
+        isInside = false;
+    });
+    fire();
+    EXPECT_THAT(mA.take(), testing::IsSupersetOf(toldTo({"B"})));
+}
+
+TEST_P(Lifetimes, unregisteringOnAnotherThreadWaitsUntilTheListenerHasReturned) {
+    for (const bool isRegistered : {true, false}) {
+        add(&mA);
+        mA.take();
+        std::future<void> removal;
+        std::promise<pid_t> remover;
+        std::atomic<bool> isDone{false};
+        mA.setHook([&] {
+            if (removal.valid()) return;
+            if (!isRegistered) remove(&mA);  // from inside, which returns at once
+            removal = std::async(std::launch::async, [&] {
+                remover.set_value(gettid());
+                remove(&mA);
+                isDone = true;
+            });
+            waitUntilBlocked(remover.get_future().get());
+            EXPECT_FALSE(isDone);
+        });
+        fire();
+        expectDone(removal, "the unregistration");
+        mA.take();
+        fire();
+        EXPECT_THAT(mA.take(), testing::IsEmpty());
+    }
+}
+
+class Threads : public ControllerTest {
+protected:
+    template <class Step>
+    static auto run(Step step) {
+        return std::async(std::launch::async, step);
+    }
+
+    Listener mRaw{"raw"};
+    Listener mVersion{"version"};
+    Listener mAntenna{"antenna"};
+};
+
+TEST_F(Threads, inTwoNotificationsMayUnregisterEachOthersListeners) {
+    mController->registerGpsNmeaListener(&mRaw, GEODETIC_SYSTEM_WGS84);
+    mController->registerGpsVersionListener(&mVersion);
+    std::latch bothInside(2);
+    mRaw.setHook([&] {
+        bothInside.arrive_and_wait();
+        EXPECT_TRUE(mController->unRegisterGpsVersionListener(&mVersion));
+    });
+    mVersion.setHook([&] {
+        bothInside.arrive_and_wait();
+        EXPECT_TRUE(mController->unRegisterGpsNmeaListener(&mRaw));
+    });
+    auto request = run([this] { mController->requestGpsVersionInfo(); });
+    auto delivery = run([this] { receive("$X"); });
+    expectDone(request, "the version listener");
+    expectDone(delivery, "the raw listener");
+}
+
+TEST_F(Threads, mayUnregisterInTheFirstStatusAListenerThatIsRegistering) {
+    mController->registerGpsNmeaListener(&mRaw, GEODETIC_SYSTEM_WGS84);
+    std::latch bothInside(2);
+    std::promise<pid_t> unregistering;
+    mAntenna.setHook([&] {
+        bothInside.arrive_and_wait();
+        unregistering.set_value(gettid());
+        EXPECT_TRUE(mController->unRegisterGpsNmeaListener(&mRaw));  // waits for the notification below
+    });
+    mRaw.setHook([&] {
+        bothInside.arrive_and_wait();
+        waitUntilBlocked(unregistering.get_future().get());
+        EXPECT_TRUE(mController->registerGpsVersionListener(&mVersion));  // wants the lock of the registration above
+    });
+    auto delivery = run([this] { receive("$X"); });
+    auto registration = run([this] { EXPECT_TRUE(mController->registerGpsConnectionListener(&mAntenna)); });
+    expectDone(delivery, "the raw listener");
+    expectDone(registration, "the registration");
+}
+
+TEST_F(Threads, mayUnregisterOneObjectInItsNotificationsOnTheReceiveThreadAndOnTheWorker) {
+    mController->registerGpsNmeaListener(&mRaw, GEODETIC_SYSTEM_WGS84);
+    mController->registerGpsLocationDataListener(&mRaw);
+    std::latch bothInside(2);
+    mRaw.setHook([&] {
+        thread_local bool isInside = false;
+        if (std::exchange(isInside, true)) return;
+        bothInside.arrive_and_wait();
+        mController->unRegisterGpsNmeaListener(&mRaw);
+        mController->unRegisterGpsLocationDataListener(&mRaw);
+    });
+    mController->setLocationData(&kNowhere);
+    auto delivery = run([this] { receive("$X"); });  // the worker comes a second later
+    expectDone(delivery, "the raw listener");
+    auto end = run([this] { mController.reset(); });
+    expectDone(end, "the controller's end");
+}
+
+/** Notices when it is told anything after it was freed. */
+class Mortal : public Listener {
+public:
+    Mortal() : Listener("mortal") {
+        setHook([this] {
+            EXPECT_EQ(mMark, kAlive) << "told after its unregistration";
+            mIsTold = true;
+            mIsTold.notify_all();
+        });
+    }
+    ~Mortal() override { mMark = 0; }
+
+    void waitUntilTold() const { mIsTold.wait(false); }
+
+private:
+    static constexpr unsigned kAlive = 0x600DF00D;
+    std::atomic<unsigned> mMark{kAlive};
+    std::atomic<bool> mIsTold{false};
+};
+
+/** Lets mortal listeners of changing kinds come and go. */
+void comeAndGo(GpsController& controller, unsigned seed, const std::atomic<bool>& isOver) {
+    std::minstd_rand random(seed);
+    while (!isOver) {
+        const auto listener = std::make_unique<Mortal>();
+        const auto chosen = random();
+        const auto forChosen = [&](auto operation) {
+            for (unsigned i = 0; i < std::size(kKinds<GpsController>); ++i) {
+                const auto& kind = kKinds<GpsController>[i];
+                if ((chosen >> i & 1U) != 0 && kind.name != "LocationData"sv) {
+                    (kind.*operation)(controller, listener.get());
+                }
+            }
+        };
+        forChosen(&Kind<GpsController>::add);
+        std::this_thread::yield();
+        forChosen(&Kind<GpsController>::remove);
+    }
+}
+
+/** Starts and stops the worker, in the first rounds after it has delivered. */
+void comeAndGoForLocations(GpsController& controller, unsigned rounds, unsigned deliveries) {
+    for (unsigned round = 0; round < rounds; ++round) {
+        const auto listener = std::make_unique<Mortal>();
+        controller.registerGpsLocationDataListener(listener.get());
+        if (round < deliveries) listener->waitUntilTold();
+        controller.unRegisterGpsLocationDataListener(listener.get());
+    }
+}
+
+TEST_F(Threads, inAStormOfComingsAndGoingsTellNoneThatIsGoneAndEnd) {
+    QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);  // too much to keep
+    std::atomic<bool> isOver{false};
+    std::atomic<bool> isFeeding{true};
+    auto feeder = run([&] {
+        while (isFeeding) {
+            for (const std::string_view chunk : {kZda, kAck, kAntennaOpen}) {
+                mPeer->send(chunk);
+            }
+            mPeer->waitUntilRead(100);
+        }
+    });
+    auto requests = run([&] {
+        while (!isOver) {
+            mController->requestGpsVersionInfo();
+            mController->requestGpsSetting(GPS_SETTING_ZDA_ON);
+            mController->setLocationData(&kNowhere);
+        }
+    });
+    auto one = run([&] { comeAndGo(*mController, 1, isOver); });
+    auto another = run([&] { comeAndGo(*mController, 2, isOver); });
+    auto shortly = run([&] { comeAndGoForLocations(*mController, 8, 0); });
+    auto longer = run([&] { comeAndGoForLocations(*mController, 3, 1); });
+    expectDone(shortly, "a location listener");
+    expectDone(longer, "a location listener");
+    isOver = true;
+    for (auto* step : {&requests, &one, &another}) {
+        expectDone(*step, "a client");
+    }
+
+    const Mortal last;  // ends with the controller, while sentences still come in
+    mController->registerGpsNmeaListener(&last, GEODETIC_SYSTEM_WGS84);
+    auto end = run([this] { mController.reset(); });
+    expectDone(end, "the controller's end");
+    isFeeding = false;
+    expectDone(feeder, "the feeder");
+}
+
+}  // namespace

@@ -1,0 +1,358 @@
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+
+#include "Gps/private/LocationPipeline.h"
+#include "tests/library/controller/ControllerTest.h"
+
+// Location data: when it is due, what is published, and that it reaches another process.
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr long kStart = 1000000000;  // seconds
+
+timeval at(long ms, long microseconds = 0) {
+    const long sum = ms * 1000 + microseconds;
+    const long seconds = sum >= 0 ? sum / 1000000 : -((999999 - sum) / 1000000);
+    return {kStart + seconds, static_cast<suseconds_t>(sum - seconds * 1000000)};
+}
+
+/** A record that arrives before the poll at that time, or a delivery in it. */
+struct Event {
+    long ms;
+    unsigned int counter;
+    bool operator==(const Event&) const = default;
+};
+std::ostream& operator<<(std::ostream& out, const Event& event) {
+    return out << event.counter << " at " << event.ms;
+}
+using Events = std::vector<Event>;
+
+class Pipeline : public testing::Test {
+protected:
+    Pipeline() { mPipeline.reset(at(0)); }
+
+    bool take(unsigned int counter) {
+        GPS_LOCATION_DATA_SHARE record = {};
+        record.UpdateCounter = counter;
+        return mPipeline.take(record);
+    }
+
+    /** Polls every 100 ms, as the worker does, and delivers what is due. */
+    Events run(long fromMs, long toMs, const Events& arrivals) {
+        Events deliveries;
+        for (long ms = fromMs; ms <= toMs; ms += 100) {
+            for (const Event& arrival : arrivals) {
+                if (arrival.ms == ms) take(arrival.counter);
+            }
+            if (!mPipeline.isDue(at(ms))) continue;
+            GPS_LOCATION_DATA_SHARE record = {};
+            mPipeline.pop(record);
+            mPipeline.noteDelivery(at(ms));
+            deliveries.push_back({ms, record.UpdateCounter});
+        }
+        return deliveries;
+    }
+
+    LogCapture mLog;
+    LocationPipeline mPipeline;
+};
+
+TEST_F(Pipeline, deliversAsThePaceAndTheBacklogWant) {
+    const struct {
+        const char* name;
+        Events arrivals;
+        Events deliveries;
+    } rows[] = {
+        {"the first an interval after the start", {{100, 1}}, {{1000, 1}}},
+        {"one that comes later than an interval at once", {{1700, 1}}, {{1700, 1}}},
+        {"one a second, a poll late", {{1000, 1}, {2000, 2}, {3000, 3}}, {{1100, 1}, {2200, 2}, {3300, 3}}},
+        {"a backlog of two", {{900, 1}, {900, 2}}, {{1000, 1}, {1900, 2}}},
+        {"a backlog of three", {{900, 1}, {900, 2}, {900, 3}}, {{1000, 1}, {1500, 2}, {1900, 3}}},
+        {"a backlog of four", {{100, 1}, {100, 2}, {100, 3}, {100, 4}}, {{500, 1}, {800, 2}, {900, 3}, {1000, 4}}},
+        {"a fifth in the place of the oldest",
+         {{100, 1}, {100, 2}, {100, 3}, {100, 4}, {100, 5}},
+         {{500, 2}, {800, 3}, {900, 4}, {1000, 5}}},
+    };
+    for (const auto& row : rows) {
+        mPipeline.reset(at(0));
+        EXPECT_EQ(run(100, 4000, row.arrivals), row.deliveries) << row.name;
+    }
+}
+
+TEST_F(Pipeline, waitsForMoreThanTheIntervalInWholeMilliseconds) {
+    take(1);
+    mPipeline.noteDelivery(at(0, 999500));
+    EXPECT_FALSE(mPipeline.isDue(at(1999, 499))) << "999.999 ms";
+    EXPECT_TRUE(mPipeline.isDue(at(1999, 500))) << "1000 ms";
+    for (const long ms : {899L, 900L}) {
+        mPipeline.reset(at(0));
+        take(1);
+        take(2);
+        EXPECT_EQ(mPipeline.isDue(at(ms)), ms == 900) << "100 ms less as soon as two wait";
+    }
+}
+
+TEST_F(Pipeline, creepsFromAHurryBackToFiveMillisecondsOverTheInterval) {
+    const auto isDueAfter = [this](long ms, unsigned int counter) {
+        mPipeline.noteDelivery(at(0));
+        take(counter);
+        const bool isDue = mPipeline.isDue(at(ms));
+        GPS_LOCATION_DATA_SHARE record = {};
+        mPipeline.pop(record);
+        return isDue;
+    };
+    const auto idle = [this](int polls) {
+        for (int i = 0; i < polls; ++i) {
+            EXPECT_FALSE(mPipeline.isDue(at(100000)));
+        }
+    };
+    idle(4);
+    EXPECT_FALSE(isDueAfter(1003, 1));
+    EXPECT_TRUE(isDueAfter(1004, 2));
+    idle(50);
+    EXPECT_FALSE(isDueAfter(1004, 3));
+    EXPECT_TRUE(isDueAfter(1005, 4)) << "never more than five";
+
+    mPipeline.noteDelivery(at(0));
+    take(5);
+    take(6);
+    EXPECT_FALSE(mPipeline.isDue(at(904)));  // takes 100 ms off
+    GPS_LOCATION_DATA_SHARE record = {};
+    mPipeline.pop(record);
+    mPipeline.pop(record);
+    idle(30);
+    EXPECT_FALSE(isDueAfter(934, 7));
+    EXPECT_TRUE(isDueAfter(935, 8));
+}
+
+TEST_F(Pipeline, goesOnWithinAnIntervalWhenTheClockIsSet) {
+    for (const long step : {-3600000L, -1500L, -500L, 500L, 3600000L}) {
+        mPipeline.reset(at(0));
+        take(1);
+        ASSERT_TRUE(mPipeline.isDue(at(1000)));
+        mPipeline.noteDelivery(at(1000));
+        bool isDue = false;
+        for (long ms = 1100; ms <= 2100; ms += 100) {
+            isDue = isDue || mPipeline.isDue(at(ms + step));
+        }
+        EXPECT_TRUE(isDue) << step;
+    }
+    take(2);
+    mPipeline.noteDelivery(at(0));
+    EXPECT_TRUE(mPipeline.isDue(at(-1))) << "a millisecond back counts as elapsed";
+}
+
+TEST_F(Pipeline, takesOnlyNewerRecordsAndSaysWhichWereMissed) {
+    const unsigned int largest = std::numeric_limits<unsigned int>::max();
+    EXPECT_FALSE(take(0));
+    EXPECT_TRUE(take(7)) << "the first is never a drop";
+    EXPECT_FALSE(take(7));
+    EXPECT_FALSE(take(6));
+    EXPECT_TRUE(take(8));
+    EXPECT_TRUE(take(10));
+    EXPECT_TRUE(take(largest));
+    EXPECT_FALSE(take(1)) << "not beyond the counter's end";
+    EXPECT_EQ(mPipeline.lastUpdateCounter(), largest);
+    EXPECT_THAT(mLog.texts(), ElementsAre("- Gps - DATA DROP 8->10 \n", "- Gps - DATA DROP 10->-1 \n"));
+    mPipeline.reset(at(0));
+    EXPECT_TRUE(take(1));
+}
+
+TEST_F(Pipeline, saysWhenARecordGivesWay) {
+    for (unsigned int counter = 1; counter <= 5; ++counter) {
+        EXPECT_THAT(mLog.texts(), IsEmpty());
+        take(counter);
+    }
+    take(7);
+    const std::vector<LogCapture::Line> lines = mLog.lines();
+    EXPECT_THAT(mLog.texts(),
+                ElementsAre("- Gps - QUEUE IS FULL \n", "- Gps - DATA DROP 5->7 \n", "- Gps - QUEUE IS FULL \n"));
+    EXPECT_EQ(lines[0].function, "MainProc");
+    EXPECT_EQ(lines[1].file, "src/Public/Gps/private/GpsController");
+}
+
+/** The segment as every process sees it. */
+class Segment {
+public:
+    Segment() {
+        const int fd = shm_open("/QVSDK_GPS_LocationDataMemory", O_RDWR, 0);
+        mAddress = mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+        close(fd);
+    }
+    ~Segment() { munmap(mAddress, kSize); }
+
+    char* record() const { return static_cast<char*>(mAddress) + 8; }
+    std::string bytes() const { return {record(), kSize - 8}; }
+
+private:
+    static constexpr std::size_t kSize = 1048;
+    void* mAddress;
+};
+
+class Publication : public ControllerTest {
+protected:
+    /** Publishes, and hands it to the listener at once. */
+    const LOCATION_DATA& publish(const GPS_LOCATION_SYNC_DATA& location) {
+        EXPECT_TRUE(mController->setLocationData(&location));
+        mController->notifyLocationData();
+        return mListener.location();
+    }
+
+    void registerListener() {
+        mController->registerGpsLocationDataListener(&mListener);
+        mController->stop();
+    }
+
+    Listener mListener{"L"};
+};
+
+TEST_F(Publication, ofNothingIsRefused) {
+    const std::string before = Segment().bytes();
+    EXPECT_FALSE(mController->setLocationData(nullptr));
+    const std::vector<LogCapture::Line> lines = mLog.lines();
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0].text, "GpsController::setNavigationData() Argument Error\n");
+    EXPECT_EQ(lines[0].function, "setLocationData");
+    EXPECT_EQ(Segment().bytes(), before);
+}
+
+TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
+    const Segment segment;
+    constexpr int kUnwritten[] = {4, 7, 20, 23, 212, 215, 236, 239};  // the reserved word, and gaps
+    for (const int offset : kUnwritten) {
+        segment.record()[offset] = '\x5A';
+    }
+    GPS_LOCATION_SYNC_DATA location = {};
+    location.Gga = {1, 2, 3, 4, 3539.1234, -13945.6789, -5, 6, 7.5, 8.5, -9.5, 10, -11};
+    location.Rmc = {12, 13, 14, 15, 16, -3539.1234, 13945.6789, 17.5, 18.5, 19, 20, 21, 22.5, 23};
+    const double signallingNan = std::bit_cast<double>(0x7FF0DEADBEEF0001);
+    location.Pascd = {signallingNan, 0xFFFFFF24, 0xFFFFFF25, 0xDEADBEEF, 0xFEEDFACE, {}, {}};
+    for (unsigned int i = 0; i < GPS_PASCD_SAMPLE_NUM; ++i) {
+        location.Pascd.ValueA[i] = std::bit_cast<double>(0x7FF0000000000100 + i);
+        location.Pascd.ValueB[i] = -static_cast<double>(i);
+    }
+    registerListener();
+    const LOCATION_DATA told = publish(location);
+
+    const GPGGA& gga = told.Gga;
+    EXPECT_EQ(std::tie(gga.Hour, gga.Minute, gga.Second, gga.MilliSecond), std::make_tuple(1, 2, 3, 4));
+    EXPECT_EQ(std::tie(gga.Lat, gga.LatDeg, gga.Lon, gga.LonDeg), std::make_tuple(3539.1234, 35, -13945.6789, -139));
+    EXPECT_EQ(std::tie(gga.SatType, gga.Quality, gga.SatView, gga.DGPS_Age, gga.DGPS_ID),
+              std::make_tuple(SATELLITE_TYPE_UNKNOWN, -5, 6, 10, -11));
+    EXPECT_EQ(std::tie(gga.HDOP, gga.Alt, gga.Geo), std::make_tuple(7.5, 8.5, -9.5));
+    const GPRMC& rmc = told.Rmc;
+    EXPECT_EQ(std::tie(rmc.Hour, rmc.Minute, rmc.Second, rmc.MilliSecond), std::make_tuple(12, 13, 14, 15));
+    EXPECT_EQ(std::tie(rmc.Lat, rmc.LatDeg, rmc.Lon, rmc.LonDeg), std::make_tuple(-3539.1234, -35, 13945.6789, 139));
+    EXPECT_EQ(std::tie(rmc.SatType, rmc.Status, rmc.Year, rmc.Month, rmc.Day, rmc.Mode),
+              std::make_tuple(SATELLITE_TYPE_UNKNOWN, 16U, 19, 20, 21, 23U));
+    EXPECT_EQ(std::tie(rmc.Speed, rmc.Dir, rmc.MagDec), std::make_tuple(17.5, 18.5, 22.5));
+    const PASCD& pascd = told.Pascd;
+    EXPECT_EQ(std::memcmp(&pascd.Head1, &location.Pascd.Head1, sizeof(double)), 0);
+    EXPECT_EQ(std::tie(pascd.Head2, pascd.Head3, pascd.Head4, pascd.Head5),
+              std::make_tuple(0x24, 0x25, 0xDEADBEEF, 0xFEEDFACE));
+    for (unsigned int i = 0; i < GPS_PASCD_SAMPLE_NUM; ++i) {
+        EXPECT_EQ(std::memcmp(&pascd.Sample[i].ValueA, &location.Pascd.ValueA[i], sizeof(double)), 0) << i;
+        EXPECT_EQ(std::memcmp(&pascd.Sample[i].ValueB, &location.Pascd.ValueB[i], sizeof(double)), 0) << i;
+    }
+    for (const int offset : kUnwritten) {
+        EXPECT_EQ(segment.record()[offset], '\x5A') << offset;
+    }
+    EXPECT_EQ(segment.record()[0], 1) << "the update counter";
+    publish(location);
+    EXPECT_EQ(segment.record()[0], 2);
+}
+
+TEST_F(Publication, splitsDegreesAndMinutes) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        double value;
+        int degrees;
+        double minutes;
+    } rows[] = {{3539.1234, 35, 39.1234},
+                {-3539.1234, -35, 39.1234},
+                {13945.6789, 139, 45.6789},
+                {-59.5, 0, 59.5},
+                {-100, -1, 0},
+                {99.999, 0, 99.999},
+                {1e300, 21474836, 1e300},
+                {-1e300, -21474836, 1e300},
+                {infinity, 21474836, infinity},
+                {nan, 0, nan},
+                {0, 0, 0}};
+    registerListener();
+    for (const auto& row : rows) {
+        GPS_LOCATION_SYNC_DATA location = {};
+        location.Gga.Lat = location.Rmc.Lon = row.value;
+        const LOCATION_DATA& told = publish(location);
+        EXPECT_EQ(told.Gga.LatDeg, row.degrees) << row.value;
+        EXPECT_EQ(told.Rmc.LonDeg, row.degrees) << row.value;
+        EXPECT_THAT(told.Gga.LatMin, testing::NanSensitiveDoubleNear(row.minutes, row.minutes == 1e300 ? 1e290 : 1e-9));
+    }
+}
+
+/** The other process: says that it listens, and passes on what it is told, until it is killed. */
+[[noreturn]] void listenAndReport(int fd) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    GpsController controller;
+    Listener listener("");
+    const auto report = [&](const std::string& text) {
+        if (write(fd, text.data(), text.size()) < 0) _exit(1);
+    };
+    listener.setHook([&] { report(listener.take().back()); });
+    controller.registerGpsLocationDataListener(&listener);
+    report(".");
+    for (;;) {
+        pause();
+    }
+}
+
+std::string readReport(int fd, std::size_t length) {
+    std::string report(length, ' ');
+    for (std::size_t i = 0; i < length; ++i) {
+        pollfd waiting = {fd, POLLIN, 0};
+        if (poll(&waiting, 1, kLongMs) != 1 || read(fd, &report[i], 1) != 1) return report.substr(0, i);
+    }
+    return report;
+}
+
+TEST(AnotherProcess, isToldOfEveryLocationInOrderAboutOnceASecond) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::string_view kTold = ":rmc:gga:pascd:location";
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) listenAndReport(ends[1]);
+    ASSERT_EQ(readReport(ends[0], 1), ".");
+
+    GpsController publisher;
+    std::vector<Clock::time_point> times;
+    for (int i = 1; i <= 4; ++i) {
+        publisher.setLocationData(&kNowhere);
+        EXPECT_EQ(readReport(ends[0], kTold.size()), kTold);
+        times.push_back(Clock::now());
+        std::this_thread::sleep_until(times.front() + std::chrono::milliseconds(1000 * i));
+    }
+    for (std::size_t i = 1; i < times.size(); ++i) {
+        const auto gap = std::chrono::duration_cast<std::chrono::milliseconds>(times[i] - times[i - 1]).count();
+        EXPECT_GE(gap, 700);
+        EXPECT_LE(gap, 2500);
+    }
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    close(ends[0]);
+    close(ends[1]);
+}
+
+}  // namespace

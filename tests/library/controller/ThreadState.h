@@ -1,0 +1,22 @@
+#ifndef TESTS_LIBRARY_CONTROLLER_THREAD_STATE_H
+#define TESTS_LIBRARY_CONTROLLER_THREAD_STATE_H
+
+#include <sys/types.h>
+
+#include <fstream>
+#include <string>
+#include <thread>
+
+/** Returns when a thread of this process sleeps in the kernel, or has ended. */
+inline void waitUntilBlocked(pid_t thread) {
+    for (;;) {
+        std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+        std::string text;
+        std::getline(file, text);
+        const std::size_t state = text.rfind(") ");
+        if (state == std::string::npos || text[state + 2] == 'S') return;
+        std::this_thread::yield();
+    }
+}
+
+#endif

@@ -1,0 +1,107 @@
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <random>
+
+#include "NmeaSupport.h"
+#include "tests/support/LogCapture.h"
+
+namespace {
+
+std::mt19937_64 numbers(31);
+
+std::size_t below(std::size_t limit) {
+    return numbers() % limit;
+}
+
+/** A good sentence with a few stretches changed, lost, doubled or swollen; mostly with a right checksum. Or noise. */
+std::string hostileChunk() {
+    std::string body = sentenceKinds()[below(sentenceKinds().size())].body;
+    for (std::size_t changes = below(6); changes > 0; --changes) {
+        const std::size_t place = below(body.size() + 1);
+        const std::string stretches[] = {
+            "", std::string(1, static_cast<char>(numbers())), std::string(below(60), "9-,x"[below(4)]),
+            body.substr(place, 20) + body.substr(place, 20), std::to_string(static_cast<long>(numbers()))};
+        body.replace(place, below(12), stretches[below(std::size(stretches))]);
+    }
+    std::string chunk = sentence(body);
+    if (below(8) == 0) chunk.resize(below(chunk.size() + 1));
+    if (below(8) == 0) {
+        for (char& c : chunk)
+            c = below(2) == 0 ? static_cast<char>(numbers()) : "$,*\n\r0GP"[below(8)];
+    }
+    return chunk;
+}
+
+/** Whether a chunk's first line holds a sentence, by a reading of its own. */
+bool holdsSentence(const std::string& chunk) {
+    const std::size_t stop = chunk.find_first_of(std::string("\n\0", 2));
+    if (stop == std::string::npos || stop > 127) return false;
+    const std::string line = chunk.substr(0, stop);
+    const std::size_t dollar = line.rfind('$');
+    const std::size_t star = dollar == std::string::npos ? dollar : line.find('*', dollar);
+    if (star == std::string::npos || line.size() < star + 4) return false;
+    unsigned long sum = 0;
+    for (std::size_t i = dollar + 1; i < star; ++i)
+        sum ^= static_cast<unsigned char>(line[i]);
+    return std::strtoul(line.substr(star + 1, 2).c_str(), nullptr, 16) == sum;
+}
+
+TEST(HostileBytes, AreRefusedOrReadAndNeverOverread) {
+    LogCapture log;
+    GpsParseNmeaManager manager;
+    Recorder wgs84, tokyo;
+    const Registry registry = {{&wgs84, GEODETIC_SYSTEM_WGS84}, {&tokyo, GEODETIC_SYSTEM_TOKYO}};
+    int sentences = 0;
+    int rebuilt = 0;
+    for (int round = 0; round < 50000; ++round) {
+        const std::string chunk = hostileChunk();
+        const bool isSentence = holdsSentence(chunk);
+        ASSERT_EQ(feed(manager, chunk, registry, GEODETIC_SYSTEM_TOKYO), isSentence) << chunk;
+        const Rewritten rewritten = rewrite(chunk);
+        ASSERT_TRUE(isSentence || !rewritten.result) << chunk;
+        sentences += isSentence;
+        if (rewritten.result && rewritten.text != chunk) {
+            ++rebuilt;
+            const std::string body = rewritten.text.substr(1, rewritten.text.rfind('*') - 1);
+            ASSERT_EQ(rewritten.text, sentence(body)) << chunk;
+        }
+        log.take();
+        wgs84.told.clear();
+        tokyo.told.clear();
+    }
+    EXPECT_GT(sentences, 5000);
+    EXPECT_GT(rebuilt, 1000);
+}
+
+/** Counts the sentences of captured streams on its own: by checksum, kind and the fields that the kind needs. */
+TEST(CapturedStreams, AreToldSentenceBySentence) {
+    const std::map<std::string, long> commasNeeded = {{"GGA", 14}, {"GLL", 7}, {"GSA", 17},
+                                                      {"RMC", 12}, {"VTG", 9}, {"ZDA", 6}};
+    if (!std::filesystem::exists(QVGPS_CAPTURES)) GTEST_SKIP() << "no captures beside the sources";
+    for (const auto& file : std::filesystem::directory_iterator(QVGPS_CAPTURES)) {
+        std::ifstream stream(file.path(), std::ios::binary);
+        std::map<std::string, int> expected, told;
+        LogCapture log;
+        GpsParseNmeaManager manager;
+        Recorder listener;
+        for (std::string line; std::getline(stream, line);) {
+            const std::string chunk = line.substr(std::min(line.find('$'), line.size())) + "\n";
+            feed(manager, chunk, {{&listener, GEODETIC_SYSTEM_WGS84}});
+            if (!holdsSentence(chunk)) continue;
+            const auto kind = commasNeeded.find(chunk.substr(3, 3));
+            const auto commas = std::count(chunk.begin(), std::find(chunk.begin(), chunk.end(), '*'), ',');
+            if (kind != commasNeeded.end() && commas >= kind->second) ++expected[kind->first];
+        }
+        for (const auto& notification : listener.told)
+            ++told[notification.kind];
+        for (const auto& [kind, needed] : commasNeeded)
+            EXPECT_EQ(told[kind], expected[kind]) << file.path().filename() << " " << kind;
+    }
+}
+
+}  // namespace

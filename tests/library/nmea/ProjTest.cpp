@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+#include <proj.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+#include "Gps/private/NMEA/GpsParseNmeaManager.h"
+
+namespace {
+
+constexpr double kRadian = 3.14159265358979323846 / 180;
+constexpr double kReceiverRadian = 3.141592 / 180;
+constexpr double kQuantum = 1.0 / 921600;  // degrees, 1/256 of an arc-second
+constexpr double kRounding = 1e-12;
+
+struct Degrees {
+    double lat, lon;
+};
+
+/** The same transformation by PROJ, with the given length of a degree in radians on both sides. */
+Degrees byProj(PJ* pipeline, Degrees tokyo, double radian) {
+    const PJ_COORD wgs84 = proj_trans(pipeline, PJ_FWD, proj_coord(tokyo.lon * radian, tokyo.lat * radian, 0, 0));
+    return {wgs84.lp.phi / radian, wgs84.lp.lam / radian};
+}
+
+double sentenceValue(double degrees) {
+    return std::trunc(degrees) * 100 + (degrees - std::trunc(degrees)) * 60;
+}
+
+Degrees byManager(Degrees tokyo) {
+    double lat = sentenceValue(tokyo.lat);
+    double lon = sentenceValue(tokyo.lon);
+    int latDeg = 0, lonDeg = 0;
+    double latMin = 0, lonMin = 0;
+    EXPECT_TRUE(GpsParseNmeaManager().convertTokyoToWgs84(&lat, &latDeg, &latMin, &lon, &lonDeg, &lonMin));
+    return {latDeg + std::copysign(latMin / 60, lat), lonDeg + std::copysign(lonMin / 60, lon)};
+}
+
+TEST(TokyoToWgs84, AgreesWithProjAllOverTheGlobe) {
+    const std::unique_ptr<PJ_CONTEXT, decltype(&proj_context_destroy)> context(proj_context_create(),
+                                                                               &proj_context_destroy);
+    const std::unique_ptr<PJ, decltype(&proj_destroy)> pipeline(
+        proj_create(context.get(),
+                    "+proj=pipeline +step +proj=cart +a=6377397.155 +rf=299.152813 "
+                    "+step +proj=helmert +x=-146.4 +y=507.3 +z=680.5 "
+                    "+step +inv +proj=cart +a=6378137 +rf=298.257223"),
+        &proj_destroy);
+    ASSERT_NE(pipeline, nullptr);
+
+    double withItsPi = 0;  // largest differences, away from the poles and the date line, where longitudes leap
+    double withFullPi = 0;
+    for (double lat = -90; lat <= 90; lat += 0.5) {
+        for (double lon = -180; lon <= 180; lon += 0.75) {
+            const Degrees exact = byProj(pipeline.get(), {lat, lon}, kRadian);
+            const Degrees shortPi = byProj(pipeline.get(), {lat, lon}, kReceiverRadian);
+            const Degrees ours = byManager({lat, lon});
+            const double latDifference = std::fabs(ours.lat - exact.lat);
+            const double lonDifference = std::fabs(ours.lon - exact.lon);
+            ASSERT_LE(latDifference, kQuantum + std::fabs(shortPi.lat - exact.lat) + kRounding) << lat << " " << lon;
+            ASSERT_LE(lonDifference, kQuantum + std::fabs(shortPi.lon - exact.lon) + kRounding) << lat << " " << lon;
+            withItsPi = std::max({withItsPi, std::fabs(ours.lat - shortPi.lat), std::fabs(ours.lon - shortPi.lon)});
+            if (std::fabs(lat) > 89 || std::fabs(lon) > 179) continue;
+            withFullPi = std::max({withFullPi, latDifference, lonDifference});
+        }
+    }
+    std::printf("largest difference to PROJ: %.6f of 1/256 arc-second, %.6f when PROJ uses the same pi\n",
+                withFullPi / kQuantum, withItsPi / kQuantum);
+}
+
+}  // namespace

@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+#include <deque>
+#include <functional>
+#include <new>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "Gps/private/Connection/GpsConnectionManager.h"
+#include "Gps/private/Setting/GpsSettingManager.h"
+#include "Gps/private/SharedMemory/LocationDataMemory.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+#include "tests/library/services/MemoryReceiver.h"
+#include "tests/library/services/Processes.h"
+#include "tests/library/services/SharedState.h"
+
+// Processes that die at any instruction must neither stop the others nor leave them half a record.
+
+namespace {
+
+/** A record in which every field follows from the counter: zeros for 0. */
+GPS_LOCATION_DATA_SHARE patternOf(unsigned counter) {
+    GPS_LOCATION_DATA_SHARE record{};
+    record.UpdateCounter = record.Reserved = record.Data.Rmc.Mode = counter;
+    record.Data.Gga.Lat = record.Data.Rmc.Lat = counter;
+    for (PASCD_SAMPLE& sample : record.Data.Pascd.Sample) {
+        sample.ValueA = sample.ValueB = counter;
+    }
+    return record;
+}
+
+/** Reads the record, which must be whole; its counter. */
+unsigned wholeRecordIn(const LocationDataMemory& memory) {
+    GPS_LOCATION_DATA_SHARE record;
+    EXPECT_TRUE(memory.read(&record));
+    const GPS_LOCATION_DATA_SHARE whole = patternOf(record.UpdateCounter);
+    EXPECT_EQ(std::memcmp(&record, &whole, sizeof(record)), 0) << "torn";
+    return record.UpdateCounter;
+}
+
+class Killed : public testing::Test {
+protected:
+    /**
+     * Lets processes begin `work` and stop after each of its system calls, there and every `stride` instructions on;
+     * calls `check` for each of them, which is to kill it.
+     */
+    static void forEachPoint(const std::function<void()>& work, unsigned stride, unsigned furthest,
+                             const std::function<void(SteppedProcess&)>& check) {
+        if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process may be traced here";
+        unsigned points = 0;
+        for (unsigned calls = 0;; ++calls) {
+            for (unsigned instructions = 0; instructions <= furthest; instructions += stride) {
+                SteppedProcess process(work);
+                process.makeSystemCalls(calls);
+                if (!process.isAtWork()) {
+                    std::printf("%u kills\n", points);
+                    return;
+                }
+                process.execute(instructions);
+                check(process);
+                ++points;
+            }
+        }
+    }
+
+    const FreshSegments segments;
+};
+
+TEST_F(Killed, InsideTheFirstInitialisationOfALockWhileAnotherProcessWaits) {
+    constexpr char kName[] = "QVSDK_Kill";  // which this process never opens
+    const auto use = [&] {
+        const LogCapture log;
+        const QvSharedSyncObject lock(kName);
+        QvSyncGuard<QvSharedSyncObject> guard(lock);
+        EXPECT_EQ(log.texts(), Texts()) << "the lock is shared";
+    };
+    const auto begin = [&] {
+        const QvSharedSyncObject lock(kName);
+        QvSyncGuard<QvSharedSyncObject> guard(lock);
+        getppid();  // a system call to die after, with the lock held
+    };
+    forEachPoint(begin, 20, 200, [&](SteppedProcess& victim) {
+        const pid_t other = startProcess(use);
+        victim.kill();
+        EXPECT_EQ(exitCodeOf(other), 0);
+        EXPECT_EQ(exitCodeOf(startProcess(use)), 0);
+        std::filesystem::remove(objectPath(kName + std::string(".lock")));
+    });
+}
+
+TEST_F(Killed, InsideTheConstructionOfASegment) {
+    forEachPoint([] { const LocationDataMemory memory; }, 20, 200,
+                 [](SteppedProcess& victim) {
+                     victim.kill();
+                     const LogCapture log;
+                     EXPECT_EQ(wholeRecordIn(LocationDataMemory()), 0u);
+                     EXPECT_EQ(contentsOf(kLocationSegment).size(), 1048u);
+                     EXPECT_EQ(log.texts(), Texts());
+                     FreshSegments::remove();
+                 });
+}
+
+TEST_F(Killed, InsideACopyIntoTheSegment) {
+    LocationDataMemory memory;
+    const GPS_LOCATION_DATA_SHARE before = patternOf(1);
+    const GPS_LOCATION_DATA_SHARE after = patternOf(2);
+    std::vector<unsigned> outcomes(3);  // by the counter that is read
+    memory.write(&before);
+    forEachPoint([&] { memory.write(&after); }, 3, 400,
+                 [&](SteppedProcess& victim) {
+                     victim.kill();
+                     ++outcomes.at(wholeRecordIn(memory));
+                     memory.write(&before);
+                 });
+    std::printf("%u records kept, %u stored, %u given up\n", outcomes[1], outcomes[2], outcomes[0]);
+}
+
+/** One process's share of all segments. */
+class Member {
+public:
+    /** Reads, checks and writes every record once. */
+    void operate() {
+        const GPS_LOCATION_DATA_SHARE next = patternOf(wholeRecordIn(mLocation) + 1);
+        EXPECT_TRUE(mLocation.write(&next));
+        const bool isTokyo = mSetting.getBaseGeodeticSystem() == GEODETIC_SYSTEM_TOKYO;
+        EXPECT_TRUE(isTokyo || !mWasTokyo) << "what was set stays set";
+        mWasTokyo = isTokyo;
+        GpsConnectionStatus status = GPS_CONNECTION_STATUS_OK;
+        EXPECT_TRUE(mConnection.parseConnectionStatus("$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n", &status));
+        EXPECT_EQ(mConnection.getConnectionStatus(), GPS_CONNECTION_STATUS_SHORT);
+    }
+    void set() {
+        mSetting.requestGpsSetting(GPS_SETTING_DATUM_TOKYO);
+        mSetting.requestGpsSetting(GPS_SETTING_SAVE_CONFIG);
+    }
+
+private:
+    LocationDataMemory mLocation;
+    GpsSettingManager mSetting;
+    GpsConnectionManager mConnection;
+    bool mWasTokyo = false;
+};
+
+void workUntilKilled() {
+    const MemoryReceiver receiver;
+    for (;;) {
+        Member member;
+        member.set();
+        for (int i = 0; i < 20; ++i) {
+            member.operate();
+        }
+    }
+}
+
+/** What the survivors of the test below and their parent tell each other. */
+struct Progress {
+    std::atomic<bool> isEnding{false};
+    std::atomic<unsigned> operations{0};
+};
+
+void survive(Progress& progress) {
+    constexpr unsigned kLastOperations = 1000;
+    const LogCapture log;
+    Member member;
+    for (unsigned last = 0; last < kLastOperations && !testing::Test::HasFailure();) {
+        if (progress.isEnding) ++last;
+        member.operate();
+        ++progress.operations;
+    }
+    EXPECT_EQ(log.texts(), Texts());
+}
+
+TEST_F(Killed, AtRandomPointsWhileTheOthersGoOn) {
+    constexpr unsigned kKills = 300;
+    constexpr std::size_t kVictims = 4;  // at a time
+    void* const shared = mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(shared, MAP_FAILED);
+    auto& progress = *new (shared) Progress;
+    std::vector<pid_t> survivors;
+    for (int i = 0; i < 3; ++i) {
+        survivors.push_back(startProcess([&] { survive(progress); }));
+    }
+    Member here;
+    unsigned operationsHere = 0;
+    std::mt19937 random(20240229);
+    std::uniform_int_distribution<unsigned> operations(0, 600);
+    std::deque<pid_t> victims;
+    for (unsigned kills = 0; kills < kKills && !HasFailure(); ++kills) {
+        while (victims.size() < kVictims) {
+            victims.push_back(startProcess(workUntilKilled));
+        }
+        for (unsigned left = operations(random); left > 0; --left, ++operationsHere) {
+            here.operate();
+        }
+        killProcess(victims.front());
+        victims.pop_front();
+    }
+    for (const pid_t victim : victims) {
+        killProcess(victim);
+    }
+    progress.isEnding = true;
+    for (const pid_t survivor : survivors) {
+        EXPECT_EQ(exitCodeOf(survivor), 0) << "goes on after the last kill";
+    }
+    std::printf("%u kills, %u operations here, %u in 3 other processes\n", kKills, operationsHere,
+                progress.operations.load());
+    munmap(shared, sizeof(Progress));
+}
+
+}  // namespace

@@ -1,0 +1,81 @@
+#ifndef TESTS_LIBRARY_SERVICES_MEMORY_RECEIVER_H
+#define TESTS_LIBRARY_SERVICES_MEMORY_RECEIVER_H
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "GpsHal/GpsHal.h"
+#include "GpsHal/GpsHalMemoryLink.h"
+#include "QvFramework/Foundation/QvObserver.h"
+
+/** A receiver in memory, and the layer that reads from it and hands every frame to `onFrame` on its receive thread. */
+class MemoryReceiver {
+public:
+    using OnFrame = std::function<void(const char*, unsigned int)>;
+
+    explicit MemoryReceiver(OnFrame onFrame = [](const char*, unsigned int) {})
+        : mHal(GpsHal::GetInstance()), mOnFrame(std::move(onFrame)), mObserver(this, &MemoryReceiver::receive) {
+        auto [link, peer] = GpsHalMemoryLink::makePair();
+        mPeer = peer;
+        GpsHal::setLink(std::move(link));
+        mHal->AddObserver(&mObserver);
+        mHal->start();
+    }
+    ~MemoryReceiver() {
+        mPeer->setWriteHook({});
+        mHal->stop();
+        mHal->RemoveObserver(&mObserver);
+        GpsHal::setLink(nullptr);
+        GpsHal::DelInstance();
+    }
+    MemoryReceiver(const MemoryReceiver&) = delete;
+    MemoryReceiver& operator=(const MemoryReceiver&) = delete;
+
+    GpsHalMemoryPeer& peer() { return *mPeer; }
+
+    /** Sends frames; returns when everything they caused has happened. */
+    bool send(std::string_view frames) {
+        constexpr unsigned kPatienceMs = 60000;
+        mPeer->send(frames);
+        return mPeer->waitUntilRead(kPatienceMs);
+    }
+
+private:
+    unsigned int receive(unsigned int, void* data, unsigned int length) {
+        mOnFrame(static_cast<const char*>(data), length);
+        return 0;
+    }
+
+    GpsHal* mHal;
+    OnFrame mOnFrame;
+    QvObserver<MemoryReceiver> mObserver;
+    std::shared_ptr<GpsHalMemoryPeer> mPeer;
+};
+
+/** A whole UBX frame with its checksum. */
+inline std::string ubxFrame(unsigned char messageClass, unsigned char id, const std::string& payload) {
+    std::string frame = "\xB5\x62";
+    for (const std::size_t byte : {std::size_t{messageClass}, std::size_t{id}, payload.size(), payload.size() >> 8}) {
+        frame += static_cast<char>(byte);
+    }
+    frame += payload;
+    unsigned char a = 0;
+    unsigned char b = 0;
+    for (std::size_t i = 2; i < frame.size(); ++i) {
+        a = static_cast<unsigned char>(a + static_cast<unsigned char>(frame[i]));
+        b = static_cast<unsigned char>(b + a);
+    }
+    frame += static_cast<char>(a);
+    frame += static_cast<char>(b);
+    return frame;
+}
+
+/** An answer to any configuration message. */
+inline std::string answer(bool acknowledged) {
+    return ubxFrame(0x05, acknowledged ? 1 : 0, std::string("\x06\x00", 2));
+}
+
+#endif

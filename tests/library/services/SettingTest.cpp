@@ -1,0 +1,363 @@
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <climits>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "Gps/private/Setting/GpsSettingManager.h"
+#include "tests/library/services/MemoryReceiver.h"
+#include "tests/library/services/Processes.h"
+#include "tests/library/services/SharedState.h"
+
+namespace {
+
+using namespace std::string_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Answer = std::pair<bool, int>;
+
+constexpr int kSettings = 36;
+
+GpsSetting settingOf(int value) {
+    return static_cast<GpsSetting>(value);
+}
+
+class Listener final : public GpsSettingListener {
+public:
+    void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
+        answers.emplace_back(acknowledged, setting);
+    }
+    std::vector<Answer> answers;
+};
+
+class Setting : public testing::Test {
+protected:
+    bool offer(const std::string& frame) {
+        return manager.analizeGpsSettingResponse(frame.data(), static_cast<unsigned>(frame.size()), &listener);
+    }
+    std::string commandOf(int setting) {
+        char buffer[128];
+        return {buffer, manager.setCommandForGpsSetting(settingOf(setting), buffer, sizeof(buffer))};
+    }
+    void request(std::initializer_list<int> settings) {
+        for (const int setting : settings) {
+            ASSERT_TRUE(manager.requestGpsSetting(settingOf(setting))) << setting;
+        }
+    }
+
+    const FreshSegments segments;
+    GpsSettingManager manager;
+    Listener listener;
+    MemoryReceiver receiver{
+        [this](const char* data, unsigned length) { manager.analizeGpsSettingResponse(data, length, &listener); }};
+};
+
+/** What has the same contents as `command`, with its length and checksum computed anew. */
+std::string rebuilt(const std::string& command) {
+    if (command[0] != '$') {
+        return ubxFrame(static_cast<unsigned char>(command[2]), static_cast<unsigned char>(command[3]),
+                        command.substr(6, command.size() - 8));
+    }
+    unsigned sum = 0;
+    const std::string text = command.substr(1, command.find('*') - 1);
+    for (const char c : text) {
+        sum ^= static_cast<unsigned char>(c);
+    }
+    char end[16];
+    std::snprintf(end, sizeof(end), "*%02X\r\n", sum);
+    return "$" + text + end;
+}
+
+TEST_F(Setting, EveryCommandIsAWholeMessageAndIsWrittenOnlyWhereItFits) {
+    constexpr unsigned kLengths[kSettings] = {16, 16, 16, 16, 16, 52, 48, 48, 48, 48, 44, 44, 44, 68, 20, 12, 28, 12,
+                                              12, 20, 16, 16, 16, 44, 0,  14, 0,  0,  0,  0,  21, 12, 32, 28, 34, 52};
+    std::map<std::string, int> seen;
+    for (int setting = 0; setting < kSettings; ++setting) {
+        const unsigned length = kLengths[setting];
+        for (unsigned size = 0; size <= length + 1; ++size) {
+            const LogCapture log;
+            std::string buffer(size + 1, 'x');
+            const bool fits = size != 0 && size >= length;
+            const unsigned written = manager.setCommandForGpsSetting(settingOf(setting), buffer.data(), size);
+            EXPECT_EQ(written, fits ? length : 0) << setting << ": " << size;
+            EXPECT_EQ(buffer.substr(written), std::string(buffer.size() - written, 'x'));
+            EXPECT_EQ(textsOf(log),
+                      fits ? Texts() : Texts{"GpsSettingManager::setCommandForGpsSetting() Argument Error\n"});
+        }
+        if (length == 0) continue;
+        EXPECT_EQ(commandOf(setting), rebuilt(commandOf(setting))) << setting;
+        EXPECT_TRUE(seen.try_emplace(commandOf(setting), setting).second) << setting << " repeats another";
+    }
+}
+
+template <class... Numbers>
+std::string bytesOf(Numbers... numbers) {
+    return (std::string(reinterpret_cast<const char*>(&numbers), sizeof(numbers)) + ...);
+}
+
+TEST_F(Setting, CommandsSayWhatTheirSettingsMean) {
+    const std::map<int, std::string> expected = {
+        {GPS_SETTING_DATUM_TOKYO,
+         ubxFrame(6, 6, bytesOf(6377397.155, 299.1528128, -146.414f, 507.337f, 680.507f, 0.0, 0.0))},
+        {GPS_SETTING_SAVE_CONFIG, ubxFrame(6, 9, bytesOf(0, 0xFFFF, 0, '\x07'))},
+        {GPS_SETTING_BAUD_9600, "$PUBX,41,1,0007,0003,9600,0*10\r\n"},
+        {GPS_SETTING_BAUD_38400, ubxFrame(6, 0, bytesOf(1, 0x8D0, 38400, 0x30007, 0))},
+    };
+    for (const auto& [setting, command] : expected) {
+        EXPECT_EQ(commandOf(setting), command) << setting;
+    }
+}
+
+TEST_F(Setting, RequestForWhatHasNoCommandIsRefusedAndSendsNothing) {
+    const std::string unknown = "GpsSettingManager::setCommandForGpsSetting() unknown GpsSettingType\n";
+    const std::string failed = "GpsSettingManager::requestGpsSetting() : setCommandForGpsSetting() = false\n";
+    const auto expect = [this](int setting, const Texts& texts) {
+        const LogCapture log;
+        EXPECT_FALSE(manager.requestGpsSetting(settingOf(setting)));
+        EXPECT_EQ(textsOf(log), texts);
+    };
+    expect(36, {"GpsSettingManager::requestGpsSetting() Argument Error[36]\n"});
+    expect(INT_MAX, {"GpsSettingManager::requestGpsSetting() Argument Error[2147483647]\n"});
+    expect(-1, {unknown, failed});
+    expect(INT_MIN, {unknown, failed});
+    for (const int setting : {24, 26, 27, 28, 29}) {
+        expect(setting, {failed});
+    }
+    const LogCapture log;
+    EXPECT_EQ(commandOf(36), "");
+    EXPECT_THAT(textsOf(log), ElementsAre("GpsSettingManager::setCommandForGpsSetting() Argument Error\n"));
+    EXPECT_EQ(receiver.peer().written(), "");
+    EXPECT_FALSE(offer(answer(true))) << "nothing is awaited";
+}
+
+TEST_F(Setting, AnswersSettleRequestsInTheirOrder) {
+    const LogCapture log;
+    request({3, 17, 0});
+    EXPECT_EQ(receiver.peer().written(), commandOf(3) + commandOf(17) + commandOf(0));
+    receiver.send(answer(true) + answer(false) + answer(true));
+    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 3}, Answer{false, 17}, Answer{true, 0}));
+    EXPECT_FALSE(offer(answer(true)));
+    EXPECT_EQ(listener.answers.size(), 3u);
+    EXPECT_THAT(textsOf(log), IsEmpty());
+}
+
+TEST_F(Setting, RequestsBeyondTheRingOverwriteTheOldest) {
+    std::vector<Answer> expected = {{true, 25}};
+    for (int i = 0; i < 24; ++i) {
+        request({i});
+        if (i > 0) expected.emplace_back(true, i);
+    }
+    request({25});
+    expected.emplace_back(true, 25);
+    for (int i = 0; i < 25; ++i) {
+        EXPECT_TRUE(offer(answer(true)));
+    }
+    EXPECT_FALSE(offer(answer(true)));
+    EXPECT_EQ(listener.answers, expected);
+}
+
+TEST_F(Setting, FrameThatIsNoAnswerSettlesNothing) {
+    const std::map<std::string, bool> cases = {// whether it is taken; what is not steps over the oldest entry
+                                               {ubxFrame(6, 0, std::string(20, '\0')), true},
+                                               {ubxFrame(5, 2, "12"), false},
+                                               {ubxFrame(6, 1, "12"), false},
+                                               {"\xB5\x62\x05", false},
+                                               {"\xB5\x63\x05\x01", false},
+                                               {"$", false}};
+    for (const auto& [frame, isTaken] : cases) {
+        GpsSettingManager ours;
+        const std::vector<char> exact(frame.begin(), frame.end());
+        const auto offerIt = [&] {
+            return ours.analizeGpsSettingResponse(exact.data(), static_cast<unsigned>(exact.size()), &listener);
+        };
+        const LogCapture log;
+        EXPECT_FALSE(offerIt()) << "nothing is awaited";
+        EXPECT_THAT(textsOf(log), IsEmpty());
+        EXPECT_TRUE(ours.requestGpsSetting(settingOf(1)) && ours.requestGpsSetting(settingOf(2)));
+        const std::size_t before = listener.answers.size();
+        EXPECT_EQ(offerIt(), isTaken);
+        EXPECT_EQ(listener.answers.size(), before);
+        EXPECT_EQ(textsOf(log),
+                  isTaken ? Texts() : Texts{"GpsSettingManager::analizeGpsSettingResponse() unknown response\n"});
+        EXPECT_TRUE(ours.analizeGpsSettingResponse(answer(true).data(), 10, &listener));
+        EXPECT_EQ(listener.answers[before].second, isTaken ? 1 : 2);
+        EXPECT_TRUE(ours.analizeGpsSettingResponse(answer(true).data(), 10, &listener));
+        EXPECT_FALSE(ours.analizeGpsSettingResponse(answer(true).data(), 10, &listener));
+    }
+}
+
+TEST_F(Setting, FailedSendLeavesNothingBehindAlsoWhileAnotherRequestIsSent) {
+    const LogCapture log;
+    for (const GpsSetting setting : {GPS_SETTING_DATUM_TOKYO, GPS_SETTING_SAVE_CONFIG, GPS_SETTING_BAUD_38400}) {
+        std::thread failing;
+        receiver.peer().setWriteHook([&](std::string_view) {
+            receiver.peer().setWriteFails(true);
+            failing = std::thread([&] { EXPECT_FALSE(manager.requestGpsSetting(setting)); });
+        });
+        request({GPS_SETTING_ZDA_ON});
+        failing.join();
+        EXPECT_FALSE(manager.requestGpsSetting(setting));
+        receiver.peer().setWriteFails(false);
+        EXPECT_TRUE(offer(answer(true)));
+        EXPECT_EQ(listener.answers.back(), (Answer{true, GPS_SETTING_ZDA_ON}));
+        EXPECT_FALSE(offer(answer(true)));
+    }
+    EXPECT_EQ(contentsOf(kSettingSegment).substr(4), std::string(8, '\0'));
+    EXPECT_EQ(receiver.peer().speed(), 0u);
+    EXPECT_THAT(textsOf(log), IsEmpty());
+}
+
+TEST_F(Setting, AnswerFindsItsRequestEvenBeforeSendingHasReturned) {
+    receiver.peer().setWriteHook([&](std::string_view) { receiver.send(answer(false)); });
+    std::vector<Answer> expected;
+    for (int setting = 0; setting < 24; ++setting) {
+        request({setting});
+        expected.emplace_back(false, setting);
+        EXPECT_EQ(listener.answers, expected);
+    }
+}
+
+TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent) {
+    std::map<std::string, int> settingOfCommand;
+    for (int setting = 0; setting < 24; ++setting) {
+        settingOfCommand[commandOf(setting)] = setting;
+    }
+    std::mutex mutex;
+    std::vector<Answer> sent;
+    receiver.peer().setWriteHook([&](std::string_view command) {
+        const std::lock_guard guard(mutex);
+        sent.emplace_back(true, settingOfCommand.at(std::string(command)));
+    });
+    for (int round = 0; round < 20; ++round) {
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([this, thread] {
+                for (int setting = thread; setting < 24; setting += 4) {
+                    request({setting});
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        for (int i = 0; i < 24; ++i) {
+            receiver.send(answer(true));
+        }
+        ASSERT_EQ(listener.answers, sent);
+    }
+}
+
+const std::string kPortPoll = "\xB5\x62\6\0\1\0\0\x07\x21"s;
+
+TEST_F(Setting, SpeedChangeGoesFromTheReceiverToTheLayerToAPollAtTheNewSpeed) {
+    const LogCapture log;
+    unsigned speed = 0;
+    for (const auto& [setting, newSpeed] : {std::pair(33, 2u), std::pair(34, 4u), std::pair(32, 0u)}) {
+        std::vector<std::pair<std::string, unsigned>> writes;
+        std::vector<std::chrono::steady_clock::time_point> times;
+        receiver.peer().setWriteHook([&](std::string_view bytes) {
+            writes.emplace_back(bytes, receiver.peer().speed());
+            times.push_back(std::chrono::steady_clock::now());
+        });
+        request({setting});
+        ASSERT_THAT(writes, ElementsAre(std::pair(commandOf(setting), speed), std::pair(kPortPoll, newSpeed)));
+        EXPECT_GE(times[1] - times[0], std::chrono::milliseconds(200));
+        speed = newSpeed;
+    }
+    receiver.send(answer(true) + answer(true) + answer(true));
+    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 33}, Answer{true, 34}, Answer{true, 32}));
+    EXPECT_THAT(textsOf(log), IsEmpty());
+}
+
+TEST_F(Setting, SpeedChangeThatFailsHalfwaySaysNothingAndKeepsItsEntry) {
+    const LogCapture log;
+    receiver.peer().setSpeedFails(true);
+    EXPECT_FALSE(manager.requestGpsSetting(GPS_SETTING_BAUD_38400));
+    EXPECT_EQ(receiver.peer().written(), commandOf(33)) << "no poll at the old speed";
+    receiver.peer().setSpeedFails(false);
+    receiver.peer().setWriteHook([&](std::string_view) { receiver.peer().setWriteFails(true); });
+    EXPECT_FALSE(manager.requestGpsSetting(GPS_SETTING_BAUD_115200));
+    EXPECT_EQ(receiver.peer().speed(), 4u);
+    EXPECT_EQ(receiver.peer().written(), commandOf(33) + commandOf(34));
+
+    receiver.send(answer(true) + answer(false));
+    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 33}, Answer{false, 34}));
+    EXPECT_THAT(textsOf(log), IsEmpty());
+}
+
+TEST_F(Setting, AnswersAndOtherRequestsDoNotWaitForASpeedChange) {
+    std::thread other;
+    receiver.peer().setWriteHook([&](std::string_view bytes) {
+        if (bytes == commandOf(GPS_SETTING_BAUD_38400)) {
+            other = std::thread([&] { request({GPS_SETTING_ZDA_ON}); });
+        } else if (bytes == kPortPoll) {
+            other.join();
+            EXPECT_TRUE(receiver.send(answer(true) + answer(true))) << "while the changing request has not returned";
+        }
+    });
+    request({GPS_SETTING_BAUD_38400});
+    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 33}, Answer{true, 1}));
+}
+
+TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
+    const auto expectEverywhere = [this](GeodeticSystem base, bool isFinished) {
+        EXPECT_EQ(manager.getBaseGeodeticSystem(), base);
+        EXPECT_EQ(manager.getSettingFinishFlg(), isFinished);
+        EXPECT_EQ(exitCodeOf(startProcess([&] {
+                      GpsSettingManager other;
+                      EXPECT_EQ(other.getBaseGeodeticSystem(), base);
+                      EXPECT_EQ(other.getSettingFinishFlg(), isFinished);
+                  })),
+                  0);
+    };
+    expectEverywhere(GEODETIC_SYSTEM_WGS84, false);
+    request({GPS_SETTING_DATUM_TOKYO});
+    expectEverywhere(GEODETIC_SYSTEM_TOKYO, false);
+    receiver.send(answer(false));
+    request({GPS_SETTING_SAVE_CONFIG});
+    expectEverywhere(GEODETIC_SYSTEM_TOKYO, true);
+    request({0, 6, 13, 25, 31, 35});
+    expectEverywhere(GEODETIC_SYSTEM_TOKYO, true);
+    EXPECT_EQ(contentsOf(kSettingSegment), "\x08\0\0\0\1\0\0\0\1\0\0\0"s);
+}
+
+TEST_F(Setting, NullArgumentsAreRefused) {
+    request({1});
+    const std::string frame = answer(true);
+    const LogCapture log;
+    EXPECT_FALSE(manager.analizeGpsSettingResponse(nullptr, 10, &listener));
+    EXPECT_FALSE(manager.analizeGpsSettingResponse(frame.data(), 0, &listener));
+    EXPECT_FALSE(manager.analizeGpsSettingResponse(frame.data(), 10, nullptr));
+    EXPECT_FALSE(manager.readLocalMemory(nullptr));
+    const std::string text = "GpsSettingManager::analizeGpsSettingResponse() Argument Error\n";
+    EXPECT_THAT(textsOf(log), ElementsAre(text, text, text, "GpsSettingManager::readLocalMemory() Argument Error!\n"));
+    EXPECT_TRUE(offer(frame)) << "still awaited";
+}
+
+TEST_F(Setting, UnmappedSegmentLeavesTheCopiesOfTheProcess) {
+    FreshSegments::remove();
+    createObject(kSettingSegment, "too short");
+    const LogCapture log;
+    GpsSettingManager unmapped;
+    EXPECT_EQ(unmapped.getBaseGeodeticSystem(), GEODETIC_SYSTEM_WGS84);
+    EXPECT_FALSE(unmapped.getSettingFinishFlg());
+    EXPECT_FALSE(unmapped.requestGpsSetting(GPS_SETTING_DATUM_TOKYO));
+    const GPS_SETTING_LOCAL_MEMORY record{};
+    EXPECT_FALSE(unmapped.writeLocalMemory(&record));
+    const std::string read = "GpsSettingManager::readLocalMemory() lpData = NULL\n";
+    EXPECT_THAT(textsOf(log),
+                ElementsAre("mmap error\n", read, "GpsSettingManager::getBaseGeodeticSystem() readLocalMemory Error!\n",
+                            read, "GpsSettingManager::getSettingFinishFlg() readLocalMemory Error!\n", read,
+                            "GpsSettingManager::requestGpsSetting() readLocalMemory Error!\n",
+                            "GpsSettingManager::writeLocalMemory() lpData = NULL\n"));
+    EXPECT_EQ(receiver.peer().written(), commandOf(GPS_SETTING_DATUM_TOKYO));
+    EXPECT_TRUE(unmapped.analizeGpsSettingResponse(answer(true).data(), 10, &listener)) << "the request stays queued";
+    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 5}));
+}
+
+}  // namespace

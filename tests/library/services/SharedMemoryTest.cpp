@@ -1,0 +1,198 @@
+#include "QvFramework/SharedMemory/QvSharedMemory.h"
+
+#include <gmock/gmock.h>
+#include <grp.h>
+#include <sched.h>
+#include <sys/mount.h>
+
+#include <functional>
+#include <memory>
+
+#include "Gps/private/Connection/GpsConnectionManager.h"
+#include "Gps/private/Setting/GpsSettingManager.h"
+#include "Gps/private/SharedMemory/LocationDataMemory.h"
+#include "tests/library/services/Processes.h"
+#include "tests/library/services/SharedState.h"
+
+namespace {
+
+using namespace std::string_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Memory = QvSharedMemory<int, 2>;  // 12 bytes
+
+std::string zeros(std::size_t size) {
+    return std::string(size, '\0');
+}
+
+class SharedMemory : public testing::Test {
+protected:
+    const FreshSegments segments;
+};
+
+TEST_F(SharedMemory, FirstHolderCreatesTheObjectWithItsHeaderAndZeros) {
+    using Holder = std::shared_ptr<QvSharedSyncObject>;
+    const struct {
+        const char* name;
+        std::function<Holder()> make;
+        std::string contents;
+    } cases[] = {
+        {kConnectionSegment, [] { return std::make_shared<GpsConnectionManager>(); }, "\x04\0\0\0"s + zeros(4)},
+        {kSettingSegment, [] { return std::make_shared<GpsSettingManager>(); }, "\x08\0\0\0"s + zeros(8)},
+        {kLocationSegment, [] { return std::make_shared<LocationDataMemory>(); }, "\x10\x04\0\0"s + zeros(4 + 1040)},
+    };
+    for (const auto& segment : cases) {
+        Holder holder = segment.make();
+        EXPECT_EQ(contentsOf(segment.name), segment.contents);
+        holder.reset();
+        EXPECT_EQ(contentsOf(segment.name), segment.contents) << "outlives its holder";
+    }
+}
+
+TEST_F(SharedMemory, EveryHolderInEveryProcessSeesTheSameRecords) {
+    const Memory first(kTestSegment);
+    first.getData()[1] = 1;
+    EXPECT_EQ(exitCodeOf(startProcess([] {
+                  const Memory inOtherProcess(kTestSegment);
+                  EXPECT_EQ(inOtherProcess.getData()[1], 1);
+                  inOtherProcess.getData()[1] = 2;
+              })),
+              0);
+    EXPECT_EQ(first.getData()[1], 2);
+    EXPECT_EQ(Memory(kTestSegment).getData()[1], 2);
+}
+
+TEST_F(SharedMemory, ModeDoesNotDependOnTheUmaskWhichStaysAsItWas) {
+    EXPECT_EQ(exitCodeOf(startProcess([] {
+                  umask(077);
+                  const Memory memory("QVSDK_TestMode");
+                  EXPECT_EQ(umask(077), 077u);
+              })),
+              0);
+    for (const char* const name : {"QVSDK_TestMode", "QVSDK_TestMode.lock"}) {
+        EXPECT_EQ(std::filesystem::status(objectPath(name)).permissions(), std::filesystem::perms(0664)) << name;
+        std::filesystem::remove(objectPath(name));
+    }
+}
+
+TEST_F(SharedMemory, ObjectThatExistsIsFinishedUsedOrRefusedByItsLength) {
+    for (std::size_t length = 0; length < 20; ++length) {
+        createObject(kTestSegment, std::string(length, 'x'));
+        std::filesystem::permissions(objectPath(kTestSegment), std::filesystem::perms(length == 0 ? 0600 : 0664));
+        const LogCapture log;
+        const bool isTaken = length == 0 || length >= 12;
+        EXPECT_EQ(Memory(kTestSegment).getData() != nullptr, isTaken) << length;
+        EXPECT_EQ(textsOf(log), isTaken ? Texts() : Texts{"mmap error\n"}) << length;
+        const std::string contents = length == 0 ? zeros(8) : std::string(length - (isTaken ? 4 : 0), 'x');
+        EXPECT_EQ(contentsOf(kTestSegment), isTaken ? "\x08\0\0\0"s + contents : contents);
+        const auto mode = std::filesystem::status(objectPath(kTestSegment)).permissions();
+        EXPECT_EQ(mode, std::filesystem::perms(0664)) << length;
+    }
+}
+
+void expectUnmapped(const char* name, const char* text) {
+    const LogCapture log;
+    EXPECT_EQ(Memory(name).getData(), nullptr);
+    EXPECT_EQ(log.texts().back(), text);
+}
+
+TEST_F(SharedMemory, ForeignKindOfObjectIsRefused) {
+    std::filesystem::create_directory(objectPath(kTestSegment));
+    expectUnmapped(kTestSegment, "mmap error\n");
+    std::filesystem::remove(objectPath(kTestSegment));
+    std::filesystem::create_symlink("/dev/zero", objectPath(kTestSegment));
+    expectUnmapped(kTestSegment, "mmap error\n");
+}
+
+constexpr int kNoRights = 77;
+
+/** Runs `work` in a process with a shared-memory directory of its own, mounted with these options. */
+void expectWithDirectory(const char* options, const std::function<void()>& work) {
+    const int code = exitCodeOf(startProcess([&] {
+        if (unshare(CLONE_NEWNS) != 0 || mount("tmpfs", "/dev/shm", "tmpfs", 0, options) != 0) _exit(kNoRights);
+        work();
+    }));
+    if (code == kNoRights) GTEST_SKIP() << "no right to mount or to become another user";
+    EXPECT_EQ(code, 0);
+}
+
+TEST_F(SharedMemory, FullFileSystemIsAnErrorAndNeverASignal) {
+    expectWithDirectory("size=64k,mode=1777", [] {
+        const QvSharedSyncObject lock(kLocationSegment);
+        createObject("filler", zeros(1 << 20));
+        const LogCapture log;
+        GPS_LOCATION_DATA_SHARE record;
+        EXPECT_FALSE(LocationDataMemory().read(&record));
+        EXPECT_THAT(textsOf(log),
+                    ElementsAre("ftruncate error\n", "mmap error\n", "LocationDataMemory::write() lpData = NULL\n",
+                                "LocationDataMemory::read() lpData = NULL\n"));
+        std::filesystem::remove(objectPath("filler"));
+        EXPECT_TRUE(LocationDataMemory().read(&record)) << "works as soon as there is memory again";
+    });
+}
+
+TEST_F(SharedMemory, MissingRightsAreAnError) {
+    expectWithDirectory("mode=0755", [] {
+        constexpr unsigned kNobody = 65534;
+        const Memory ours(kTestSegment);
+        if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0) _exit(kNoRights);
+        expectUnmapped(kTestSegment, "mmap error\n");
+        expectUnmapped("QVSDK_TestNew", "shm_open error\n");
+    });
+}
+
+TEST_F(SharedMemory, HoldersLeaveNeitherDescriptorsNorMappings) {
+    createObject(kTestSegment, "short");
+    const auto useOnce = [] {
+        const LogCapture quiet;
+        const LocationDataMemory mapped;
+        const Memory unmapped(kTestSegment);
+    };
+    const auto inUse = [] {
+        std::ifstream maps("/proc/self/maps");
+        const auto lines = std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}) + lines;
+    };
+    useOnce();
+    const auto before = inUse();
+    for (int i = 0; i < 1000; ++i) {
+        useOnce();
+    }
+    EXPECT_LT(inUse(), before + 100) << "the heap may have grown a bit";
+}
+
+GPS_LOCATION_DATA_SHARE filled(unsigned char byte) {
+    GPS_LOCATION_DATA_SHARE record;
+    std::memset(static_cast<void*>(&record), byte, sizeof(record));
+    return record;
+}
+
+std::string bytesOf(const GPS_LOCATION_DATA_SHARE& record) {
+    return {reinterpret_cast<const char*>(&record), sizeof(record)};
+}
+
+TEST_F(SharedMemory, LocationRecordIsKeptBitForBitUntilTheNextHolderResetsIt) {
+    LocationDataMemory memory;
+    const GPS_LOCATION_DATA_SHARE written = filled(0xF7);
+    GPS_LOCATION_DATA_SHARE seen = filled(1);
+    EXPECT_TRUE(memory.write(&written) && memory.read(&seen));
+    EXPECT_EQ(bytesOf(seen), bytesOf(written));
+    EXPECT_EQ(contentsOf(kLocationSegment).substr(8), bytesOf(written));
+    EXPECT_EQ(exitCodeOf(startProcess([] { const LocationDataMemory other; })), 0);
+    EXPECT_TRUE(memory.read(&seen));
+    EXPECT_EQ(bytesOf(seen), zeros(1040));
+}
+
+TEST_F(SharedMemory, UnmappedLocationHolderRefusesEverything) {
+    createObject(kLocationSegment, zeros(1047));
+    const LogCapture log;
+    LocationDataMemory memory;
+    GPS_LOCATION_DATA_SHARE record = filled(0x5A);
+    EXPECT_FALSE(memory.read(&record) || memory.write(&record) || memory.read(nullptr));
+    EXPECT_EQ(bytesOf(record), bytesOf(filled(0x5A)));
+    const std::string write = "LocationDataMemory::write() lpData = NULL\n";
+    EXPECT_THAT(textsOf(log), ElementsAre("mmap error\n", write, "LocationDataMemory::read() lpData = NULL\n", write,
+                                          "LocationDataMemory::read() Argument Error!\n"));
+}
+
+}  // namespace

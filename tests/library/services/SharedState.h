@@ -1,0 +1,61 @@
+#ifndef TESTS_LIBRARY_SERVICES_SHARED_STATE_H
+#define TESTS_LIBRARY_SERVICES_SHARED_STATE_H
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/support/LogCapture.h"
+
+constexpr char kConnectionSegment[] = "QVSDK_GpsConnectionLocalMemory";
+constexpr char kSettingSegment[] = "QVSDK_GpsSettingLocalMemory";
+constexpr char kLocationSegment[] = "QVSDK_GPS_LocationDataMemory";
+constexpr char kTestSegment[] = "QVSDK_Test";
+
+using Texts = std::vector<std::string>;
+
+inline std::filesystem::path objectPath(const std::string& name) {
+    return "/dev/shm/" + name;
+}
+
+inline std::string contentsOf(const std::string& name) {
+    std::ifstream file(objectPath(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+inline void createObject(const std::string& name, const std::string& contents) {
+    std::ofstream(objectPath(name), std::ios::binary) << contents;
+}
+
+/** Begins and ends as the system does after a start, but for the locks, which a process keeps. */
+struct FreshSegments {
+    FreshSegments() { remove(); }
+    ~FreshSegments() { remove(); }
+    static void remove() {
+        for (const char* name : {kConnectionSegment, kSettingSegment, kLocationSegment, kTestSegment}) {
+            std::filesystem::remove(objectPath(name));
+        }
+    }
+};
+
+/** What has been logged. Expects every line to come from the class and the operation that its text begins with. */
+inline Texts textsOf(const LogCapture& log) {
+    for (const LogCapture::Line& line : log.lines()) {
+        const std::string source = line.file.substr(line.file.rfind('/') + 1);
+        if (source == "QvSharedMemory") {
+            EXPECT_EQ(line.file + line.function, "QvFramework/SharedMemory/QvSharedMemoryQvSharedMemory");
+            continue;
+        }
+        const std::string start = line.text.substr(0, line.text.find("()"));
+        EXPECT_TRUE(start == source + "::" + line.function || start == source + ":" + line.function) << line.text;
+        EXPECT_EQ(line.file.substr(0, 23), "src/Public/Gps/private/") << line.text;
+        EXPECT_EQ(line.tag, 1) << line.text;
+    }
+    return log.texts();
+}
+
+#endif

@@ -1,0 +1,282 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <string>
+#include <thread>
+
+#include "GpsHal/GpsHal.h"
+#include "GpsHal/GpsHalFileLink.h"
+#include "GpsHal/GpsHalSerialLink.h"
+#include "tests/platform/ChildProcess.h"
+#include "tests/platform/ChunkObserver.h"
+#include "tests/support/LogCapture.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+constexpr int kLong = 20000;  // ms; a wait that fails, fails after this
+
+/** A directory of its own, gone with the test. */
+class TemporaryDirectory {
+public:
+    TemporaryDirectory() {
+        std::string path = testing::TempDir() + "gps-links-XXXXXX";
+        mPath = mkdtemp(path.data());
+    }
+    ~TemporaryDirectory() { std::filesystem::remove_all(mPath); }
+
+    std::string path(const std::string& name) const { return (mPath / name).string(); }
+
+private:
+    std::filesystem::path mPath;
+};
+
+/** The receiver's end of a pseudo-terminal, under a symbolic link, for its own lifetime. */
+class Receiver {
+public:
+    explicit Receiver(const std::string& link, bool echoes = true)
+        : mMaster(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        grantpt(mMaster);
+        unlockpt(mMaster);
+        termios initial = settings();
+        if (!echoes) initial.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+        tcsetattr(mMaster, TCSANOW, &initial);
+        std::filesystem::remove(link);
+        std::filesystem::create_symlink(ptsname(mMaster), link);
+    }
+    ~Receiver() { close(mMaster); }
+
+    void send(const std::string& bytes) {
+        for (std::size_t sent = 0; sent < bytes.size();) {
+            const ssize_t length = ::write(mMaster, &bytes[sent], bytes.size() - sent);
+            ASSERT_GT(length, 0);
+            sent += static_cast<std::size_t>(length);
+        }
+    }
+    std::string receive(std::size_t size) {
+        std::string bytes;
+        char buffer[4096];
+        pollfd source{mMaster, POLLIN, 0};
+        while (bytes.size() < size && poll(&source, 1, kLong) == 1) {
+            const ssize_t length = ::read(mMaster, buffer, sizeof(buffer));
+            if (length <= 0) break;
+            bytes.append(buffer, static_cast<std::size_t>(length));
+        }
+        return bytes;
+    }
+    termios settings() const {
+        termios settings{};
+        tcgetattr(mMaster, &settings);  // of the pair, so also those of the other end
+        return settings;
+    }
+
+private:
+    const int mMaster;
+};
+
+std::string readAll(GpsHalLink& link, std::size_t size) {
+    std::string bytes;
+    char buffer[1000];
+    while (bytes.size() < size) {
+        const int length = link.read(buffer, sizeof(buffer), kLong);
+        if (length <= 0) break;
+        bytes.append(buffer, static_cast<std::size_t>(length));
+    }
+    return bytes;
+}
+
+bool send(GpsHalLink& link, const std::string& bytes) {
+    return link.write(bytes.data(), static_cast<unsigned>(bytes.size()));
+}
+
+std::string everyByte() {
+    std::string bytes;
+    for (int byte = 0; byte < 256; ++byte) {
+        bytes += static_cast<char>(byte);
+    }
+    return bytes;
+}
+
+class SerialLinkTest : public testing::Test {
+protected:
+    TemporaryDirectory mDirectory;
+    const std::string mDevice = mDirectory.path("receiver");
+    std::unique_ptr<Receiver> mReceiver = std::make_unique<Receiver>(mDevice);
+    GpsHalSerialLink mLink{mDevice};
+    char mBuffer[100];
+};
+
+TEST_F(SerialLinkTest, CarriesEveryByteUnchangedBothWays) {
+    ASSERT_TRUE(mLink.open());
+    mReceiver->send(everyByte());
+    EXPECT_EQ(readAll(mLink, 256), everyByte());
+    EXPECT_TRUE(send(mLink, everyByte()));
+    EXPECT_EQ(mReceiver->receive(256), everyByte());
+    EXPECT_EQ(mLink.read(mBuffer, sizeof(mBuffer), 10), 0) << "nothing is echoed";
+}
+
+TEST_F(SerialLinkTest, WritesMoreThanTheDeviceTakesAtOnce) {
+    std::string bytes;
+    for (unsigned i = 0; i < 200000; ++i) {
+        bytes += static_cast<char>(i * i >> 7U);
+    }
+    ASSERT_TRUE(mLink.open());
+    auto received = std::async(std::launch::async, [&] { return mReceiver->receive(bytes.size()); });
+    EXPECT_TRUE(send(mLink, bytes));
+    EXPECT_EQ(received.get(), bytes);
+    EXPECT_FALSE(send(mLink, bytes)) << "nobody reads any more";
+}
+
+TEST_F(SerialLinkTest, KeepsItsSpeedAcrossReopening) {
+    struct {
+        unsigned value;
+        speed_t speed;
+    } const rows[] = {{2, B38400}, {4, B115200}, {0, B9600}, {4, B115200}};
+    ASSERT_TRUE(mLink.open());
+    for (const auto [value, speed] : rows) {
+        EXPECT_TRUE(mLink.setSpeed(value));
+        EXPECT_FALSE(mLink.setSpeed(1));
+        mLink.close();
+        EXPECT_FALSE(mLink.setSpeed(2)) << "closed";
+        mReceiver = std::make_unique<Receiver>(mDevice);
+        ASSERT_TRUE(mLink.open());
+        const termios settings = mReceiver->settings();
+        EXPECT_EQ(cfgetospeed(&settings), speed);
+        EXPECT_EQ(cfgetispeed(&settings), speed);
+        EXPECT_EQ(settings.c_cflag & (CSIZE | PARENB | CSTOPB | CRTSCTS), static_cast<tcflag_t>(CS8));
+        EXPECT_EQ(settings.c_iflag & (IXON | IXOFF), 0U);
+    }
+}
+
+TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
+    const auto openInChild = [this] { return mLink.open() ? 0 : errno; };
+    ASSERT_TRUE(mLink.open());
+    GpsHalSerialLink second(mDevice);
+    EXPECT_FALSE(second.open());
+    EXPECT_EQ(errno, EBUSY);
+    EXPECT_EQ(ChildProcess([&] { return second.open() ? 0 : errno; }).exitCode(), EBUSY);
+    EXPECT_EQ(readAll(mLink, (mReceiver->send("x"), 1)), "x") << "the refused ones do no harm";
+    mLink.close();
+    EXPECT_EQ(ChildProcess(openInChild).exitCode(), 0);
+
+    Signal opened;
+    ChildProcess holder([&] { return mLink.open() && opened.give() ? pause() : 1; });
+    ASSERT_TRUE(opened.wait(kLong));
+    EXPECT_FALSE(mLink.open());
+    holder.kill();
+    EXPECT_TRUE(mLink.open()) << "the death of its holder sets it free";
+}
+
+TEST_F(SerialLinkTest, LeavesNoDescriptorToExecutedPrograms) {
+    ASSERT_TRUE(mLink.open());
+    int found = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code ignored;
+        const std::string target = std::filesystem::read_symlink(entry.path(), ignored).string();
+        if (target != std::filesystem::canonical(mDevice) && target != "anon_inode:[eventfd]") continue;
+        ++found;
+        EXPECT_EQ(fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC) << target;
+    }
+    EXPECT_GE(found, 2);
+}
+
+TEST_F(SerialLinkTest, IsLostWhenTheDeviceVanishesAndOpensTheNewOne) {
+    ASSERT_TRUE(mLink.open());
+    auto waiting = std::async(std::launch::async, [this] { return mLink.read(mBuffer, sizeof(mBuffer), kLong); });
+    mReceiver.reset();
+    EXPECT_EQ(waiting.get(), -1);
+    EXPECT_FALSE(send(mLink, "x"));
+    mLink.close();
+    EXPECT_FALSE(mLink.open());
+    mReceiver = std::make_unique<Receiver>(mDevice);
+    ASSERT_TRUE(mLink.open());
+    mReceiver->send("new");
+    EXPECT_EQ(readAll(mLink, 3), "new");
+}
+
+TEST_F(SerialLinkTest, ClosingEndsAWaitingReadAndAWaitingWrite) {
+    for (int round = 0; round < 3; ++round) {
+        ASSERT_TRUE(mLink.open());
+        auto reading = std::async(std::launch::async, [this] { return mLink.read(mBuffer, sizeof(mBuffer), 600000); });
+        auto writing = std::async(std::launch::async, [this] { return send(mLink, std::string(100000, 'x')); });
+        EXPECT_EQ(mReceiver->receive(1).substr(0, 1), "x");
+        mLink.close();
+        EXPECT_EQ(reading.get(), -1);
+        EXPECT_FALSE(writing.get());
+        mReceiver = std::make_unique<Receiver>(mDevice);
+    }
+}
+
+TEST_F(SerialLinkTest, RefusesWhatIsNoSerialDevice) {
+    std::ofstream(mDirectory.path("file")) << "text";
+    mkfifo(mDirectory.path("fifo").c_str(), 0600);
+    for (const char* const name : {"file", "fifo", ".", "missing"}) {
+        GpsHalSerialLink link(mDirectory.path(name));
+        EXPECT_FALSE(link.open()) << name;
+        EXPECT_EQ(link.read(mBuffer, sizeof(mBuffer), 0), -1);
+        EXPECT_FALSE(send(link, "x"));
+    }
+}
+
+TEST_F(SerialLinkTest, ServesTheHalThatTheEnvironmentDirectsToIt) {
+    setenv("GPSHAL_DEVICE", mDevice.c_str(), 1);
+    setenv("GPSHAL_BAUD", "115200", 1);
+    const LogCapture log;
+    GpsHal* const hal = GpsHal::GetInstance();
+    ChunkObserver observer(hal);
+    ASSERT_TRUE(hal->start());
+    const termios settings = mReceiver->settings();
+    EXPECT_EQ(cfgetospeed(&settings), B115200);
+    EXPECT_FALSE(mLink.open()) << "in use";
+    mReceiver->send("$GPGGA*00\r\n");
+    EXPECT_TRUE(observer.waitForChunks(1));
+
+    mReceiver = std::make_unique<Receiver>(mDevice, false);
+    mReceiver->send("$GPGGA*00\r\n");
+    EXPECT_TRUE(observer.waitForChunks(2));
+    EXPECT_TRUE(hal->sendData("answer", 6));
+    EXPECT_EQ(mReceiver->receive(6), "answer");
+    EXPECT_TRUE(hal->stop());
+    EXPECT_THAT(log.texts(), ElementsAre(mDevice + " is lost\n", mDevice + " is back\n"));
+    EXPECT_TRUE(mLink.open()) << "set free";
+
+    observer.detach();
+    GpsHal::DelInstance();
+    unsetenv("GPSHAL_DEVICE");
+    unsetenv("GPSHAL_BAUD");
+}
+
+TEST(FileLink, GivesTheFileOnceAndThenSilence) {
+    const TemporaryDirectory directory;
+    std::string bytes;
+    while (bytes.size() < 10000)
+        bytes += everyByte();
+    std::ofstream(directory.path("log"), std::ios::binary) << bytes;
+    GpsHalFileLink link(directory.path("log"));
+    char buffer[10];
+    EXPECT_EQ(link.read(buffer, sizeof(buffer), 0), -1);
+    EXPECT_FALSE(send(link, "x") || link.setSpeed(2));
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(link.open());
+        EXPECT_EQ(readAll(link, bytes.size()), bytes);
+        EXPECT_EQ(link.read(buffer, sizeof(buffer), 10), 0);
+        EXPECT_TRUE(send(link, "x") && link.setSpeed(2));
+        auto waiting = std::async(std::launch::async, [&] { return link.read(buffer, sizeof(buffer), 600000); });
+        link.close();
+        EXPECT_EQ(waiting.get(), -1);
+    }
+    EXPECT_FALSE(GpsHalFileLink(directory.path("missing")).open());
+    EXPECT_FALSE(GpsHalFileLink(directory.path(".")).open());
+}
+
+}  // namespace

@@ -1,0 +1,338 @@
+#include "GpsHal/GpsHal.h"
+
+#include <gmock/gmock.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "GpsHal/GpsHalMemoryLink.h"
+#include "QvFramework/Foundation/QvEvent.h"
+#include "QvFramework/Foundation/QvSingletonFinalizer.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+#include "tests/platform/ChunkObserver.h"
+#include "tests/support/LogCapture.h"
+
+namespace {
+
+using namespace std::string_literals;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+constexpr unsigned kLong = 20000;  // ms; a wait that fails, fails after this
+
+const std::string kSentences[] = {"$GPGGA,1*00\r\n", "$GPRMC,2*00\r\n", "$GPGSA,3*00\r\n", "$GPVTG,4*00\r\n"};
+const std::string kAck = "\xB5\x62\x05\x01\x02\x00\x06\x08\x16\x3F"s;
+
+class GpsHalTest : public testing::Test {
+protected:
+    GpsHalTest() {
+        unsetenv("GPSHAL_DEVICE");
+        unsetenv("GPSHAL_BAUD");
+        auto [link, peer] = GpsHalMemoryLink::makePair();
+        GpsHal::setLink(std::move(link));
+        mPeer = peer;
+        mHal = GpsHal::GetInstance();
+    }
+    ~GpsHalTest() override {
+        if (mHal != nullptr) GpsHal::DelInstance();
+        GpsHal::setLink(nullptr);
+    }
+
+    bool send(const std::string& bytes) { return mHal->sendData(bytes.data(), static_cast<unsigned>(bytes.size())); }
+
+    LogCapture mLog;
+    GpsHal* mHal;
+    std::shared_ptr<GpsHalMemoryPeer> mPeer;
+};
+
+using GpsHalDeathTest = GpsHalTest;  // these run first, before threads of other tests
+
+TEST_F(GpsHalDeathTest, AnObserverMayEndTheProcess) {
+    const auto endInCallback = [this] {
+        ChunkObserver observer(mHal, [] { std::exit(7); });
+        QvSingletonFinalizer::addDestroyFunc([] {
+            GpsHal* const hal = GpsHal::GetInstance();
+            GpsHal::DelInstance();
+            hal->stop();
+            GpsHal::DelInstance();
+        });
+        mHal->start();
+        mPeer->send(kSentences[0]);
+        pause();
+    };
+    EXPECT_EXIT(endInCallback(), testing::ExitedWithCode(7), "");
+}
+
+TEST_F(GpsHalTest, HandsEveryChunkToEveryObserver) {
+    ChunkObserver first(mHal);
+    ChunkObserver second(mHal);
+    ASSERT_TRUE(mHal->start());
+    mPeer->send("noise" + kSentences[0] + kAck + kSentences[1].substr(0, 5));
+    ASSERT_TRUE(mPeer->waitUntilRead(kLong));
+    mPeer->send(kSentences[1].substr(5));
+    ASSERT_TRUE(mPeer->waitUntilRead(kLong));
+    EXPECT_THAT(first.chunks(), ElementsAre(kSentences[0], kAck, kSentences[1]));
+    EXPECT_EQ(second.chunks(), first.chunks());
+    EXPECT_THAT(mLog.texts(), IsEmpty());
+}
+
+TEST_F(GpsHalTest, ReceivesAndSendsBetweenStartAndStopOnly) {
+    ChunkObserver observer(mHal);
+    for (const std::string& sentence : kSentences) {
+        unsigned speed = 2;
+        EXPECT_FALSE(send("x") || mHal->sendCommand(0, speed) || mHal->stop());
+        ASSERT_TRUE(mHal->start());
+        mPeer->send(sentence);
+        ASSERT_TRUE(mPeer->waitUntilRead(kLong));
+        EXPECT_TRUE(send(sentence) && mHal->sendCommand(0, speed) && mHal->stop());
+        EXPECT_TRUE(mPeer->waitForOpen(false, 0));
+        mPeer->send("$unfinished");
+    }
+    EXPECT_THAT(observer.chunks(), ElementsAreArray(kSentences));
+    EXPECT_EQ(mPeer->written(), kSentences[0] + kSentences[1] + kSentences[2] + kSentences[3]);
+}
+
+TEST_F(GpsHalTest, SharesOneInstanceUntilTheLastShareIsGivenBack) {
+    EXPECT_EQ(GpsHal::GetInstance(), mHal);
+    ASSERT_TRUE(mHal->start());
+    GpsHal::DelInstance();
+    EXPECT_TRUE(mPeer->waitForOpen(true, 0));
+    GpsHal::DelInstance();
+    mHal = nullptr;
+    EXPECT_TRUE(mPeer->waitForOpen(false, 0));
+    GpsHal::DelInstance();
+}
+
+TEST_F(GpsHalTest, ComesBackAfterALostLink) {
+    ChunkObserver observer(mHal);
+    ASSERT_TRUE(mHal->start());
+    mPeer->send(kSentences[0] + "\xB5\x62\x06\x01\xFF\x1F" + kSentences[1] + "$half");
+    ASSERT_TRUE(mPeer->waitUntilRead(kLong));
+    mPeer->lose();
+    // What was whole behind a broken frame is delivered now, what was not is forgotten.
+    ASSERT_TRUE(observer.waitForChunks(2));
+    ASSERT_TRUE(mPeer->waitForOpen(false, kLong));
+    EXPECT_FALSE(send("x"));
+    EXPECT_FALSE(mPeer->waitForOpen(true, 600)) << "the first attempt to open it again is after 500 ms";
+
+    mPeer->restore();
+    mPeer->send("way" + kSentences[2]);
+    ASSERT_TRUE(observer.waitForChunks(3));
+    EXPECT_THAT(observer.chunks(), ElementsAre(kSentences[0], kSentences[1], kSentences[2]));
+    EXPECT_TRUE(send("x"));
+    EXPECT_THAT(mLog.texts(), ElementsAre("memory is lost\n", "memory is back\n"));
+}
+
+TEST_F(GpsHalTest, StopsWhileTheLinkIsLost) {
+    ASSERT_TRUE(mHal->start());
+    mPeer->lose();
+    ASSERT_TRUE(mPeer->waitForOpen(false, kLong));
+    EXPECT_TRUE(mHal->stop());
+    mPeer->restore();
+    EXPECT_TRUE(mPeer->waitForOpen(false, 0));
+}
+
+/** Gives one sentence and then nothing more; its close does not end a waiting read. Tells of its end. */
+class StubbornLink : public GpsHalLink {
+public:
+    explicit StubbornLink(QvEvent& isGone) : mIsGone(isGone) {}
+    ~StubbornLink() override { mIsGone.SetEvent(); }
+
+    bool open() override { return true; }
+    void close() override {}
+    int read(void* buffer, unsigned size, unsigned timeoutMs) override {
+        if (mIsRead) return mNever.WaitEvent(timeoutMs) == 0 ? -1 : 0;
+        mIsRead = true;
+        return static_cast<int>(kSentences[0].copy(static_cast<char*>(buffer), size));
+    }
+    bool write(const void*, unsigned) override { return true; }
+    bool setSpeed(unsigned) override { return true; }
+
+private:
+    QvEvent& mIsGone;
+    QvEvent mNever;
+    bool mIsRead = false;
+};
+
+TEST_F(GpsHalTest, StopsOnALinkWhoseReadNoCloseEnds) {
+    QvEvent isGone;
+    GpsHal::setLink(std::make_unique<StubbornLink>(isGone));
+    ChunkObserver observer(mHal);
+    ASSERT_TRUE(mHal->start());
+    ASSERT_TRUE(observer.waitForChunks(1));
+    auto stopping = std::async(std::launch::async, [this] { return mHal->stop(); });
+    EXPECT_EQ(stopping.wait_for(std::chrono::seconds(10)), std::future_status::ready);
+    EXPECT_TRUE(stopping.get());
+    GpsHal::setLink(nullptr);
+    EXPECT_EQ(isGone.WaitEvent(0), 0);
+}
+
+TEST_F(GpsHalTest, PassesFailuresOfTheLinkOn) {
+    ASSERT_TRUE(mHal->start());
+    mPeer->setWriteFails(true);
+    EXPECT_FALSE(send("x"));
+    mPeer->setWriteFails(false);
+    EXPECT_TRUE(send("y"));
+    EXPECT_EQ(mPeer->written(), "y");
+
+    struct {
+        unsigned code, value;
+        bool linkFails, expected;
+    } const rows[] = {{0, 2, false, true},  {0, 4, true, false},  {0, 1, false, false}, {0, 3, false, false},
+                      {0, 5, false, false}, {1, 2, false, false}, {0, 0, false, true},  {0, 4, false, true}};
+    unsigned speed = 0;
+    for (auto [code, value, linkFails, expected] : rows) {
+        mPeer->setSpeedFails(linkFails);
+        EXPECT_EQ(mHal->sendCommand(code, value), expected) << code << ' ' << value;
+        if (expected) speed = value;
+        EXPECT_EQ(mPeer->speed(), speed);
+    }
+}
+
+TEST_F(GpsHalTest, NeverWritesForTwoThreadsAtOnce) {
+    ASSERT_TRUE(mHal->start());
+    std::atomic<int> writers{0};
+    std::atomic<int> most{0};
+    mPeer->setWriteHook([&](std::string_view) {
+        const int now = ++writers;
+        if (now > most) most = now;
+        std::this_thread::yield();
+        --writers;
+    });
+    const auto sendMany = [&] {
+        for (int i = 0; i < 300; ++i) {
+            EXPECT_TRUE(send("12345"));
+        }
+    };
+    std::thread other(sendMany);
+    sendMany();
+    other.join();
+    EXPECT_EQ(most, 1);
+    EXPECT_EQ(mPeer->written().size(), 2U * 300U * 5U);
+}
+
+TEST_F(GpsHalTest, SendsFromObserversAndOtherThreadsWhileItStartsAndStops) {
+    ChunkObserver observer(mHal, [this] { send("a"); });
+    std::atomic<bool> isDone{false};
+    std::thread sender([&] {
+        unsigned speed = 2;
+        while (!isDone) {
+            send("b");
+            mHal->sendCommand(0, speed);
+        }
+    });
+    for (int i = 0; i < 30; ++i) {
+        mPeer->send(kSentences[0]);
+        QvSyncGuard guard(mHal->sync());
+        EXPECT_TRUE(mHal->start());
+        EXPECT_TRUE(mHal->stop());
+    }
+    isDone = true;
+    sender.join();
+}
+
+TEST_F(GpsHalTest, CallsNoObserverAfterItsRemoval) {
+    ChunkObserver staying(mHal);
+    ASSERT_TRUE(mHal->start());
+    for (std::size_t i = 0; i < 50; ++i) {
+        auto leaving = std::make_unique<ChunkObserver>(mHal);
+        mPeer->send(kSentences[0] + kSentences[1] + kSentences[2]);
+        ASSERT_TRUE(staying.waitForChunks(3 * i + 1));
+        leaving.reset();
+        ASSERT_TRUE(staying.waitForChunks(3 * i + 3));
+    }
+}
+
+TEST_F(GpsHalTest, StoppedOnTheReceiveThreadItDeliversNoMore) {
+    ChunkObserver observer(mHal, [this] { EXPECT_TRUE(mHal->stop()); });
+    ASSERT_TRUE(mHal->start());
+    mPeer->send(kSentences[0] + kSentences[1]);
+    ASSERT_TRUE(mPeer->waitForOpen(false, kLong));
+    EXPECT_FALSE(send("x"));
+    ASSERT_TRUE(mHal->start());
+    mPeer->send(kSentences[2]);
+    ASSERT_TRUE(observer.waitForChunks(2));
+    ASSERT_TRUE(mPeer->waitForOpen(false, kLong));
+    EXPECT_THAT(observer.chunks(), ElementsAre(kSentences[0], kSentences[2]));
+}
+
+TEST_F(GpsHalTest, RestartedOnTheReceiveThreadItGoesOn) {
+    ChunkObserver observer(mHal, [this] { EXPECT_TRUE(mHal->stop() && mHal->start()); });
+    ASSERT_TRUE(mHal->start());
+    for (std::size_t i = 0; i < 4; ++i) {
+        mPeer->send(kSentences[i]);
+        ASSERT_TRUE(observer.waitForChunks(i + 1));
+    }
+    EXPECT_THAT(observer.chunks(), ElementsAreArray(kSentences));
+}
+
+TEST_F(GpsHalTest, TheLastShareMayBeGivenBackOnTheReceiveThread) {
+    QvEvent isGone;
+    GpsHal::setLink(std::make_unique<StubbornLink>(isGone));
+    ChunkObserver observer(mHal, [&] {
+        observer.detach();
+        GpsHal::DelInstance();
+    });
+    ASSERT_TRUE(mHal->start());
+    mHal = nullptr;
+    GpsHal::setLink(nullptr);
+    EXPECT_EQ(isGone.WaitEvent(kLong), 0);
+    EXPECT_THAT(observer.chunks(), ElementsAre(kSentences[0]));
+}
+
+TEST_F(GpsHalTest, LeavesSignalsToOtherThreads) {
+    sigset_t blocked;
+    char name[32] = "";
+    ChunkObserver observer(mHal, [&] {
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+        pthread_getname_np(pthread_self(), name, sizeof(name));
+    });
+    ASSERT_TRUE(mHal->start());
+    mPeer->send(kSentences[0]);
+    ASSERT_TRUE(mPeer->waitUntilRead(kLong));
+    mHal->stop();
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGALRM, SIGCHLD, SIGUSR1}) {
+        EXPECT_EQ(sigismember(&blocked, signal), 1) << signal;
+    }
+    EXPECT_EQ(sigismember(&blocked, SIGSEGV), 0);
+    EXPECT_STREQ(name, "GpsHalReceive");
+    pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+    EXPECT_EQ(sigismember(&blocked, SIGTERM), 0) << "the starting thread keeps its own";
+}
+
+TEST_F(GpsHalTest, SaysWhyItCannotStart) {
+    struct {
+        const char* device;
+        const char* baud;
+        std::vector<std::string> log;
+    } const rows[] = {
+        {nullptr, nullptr, {}},
+        {nullptr, "9600", {}},
+        {"", "9600", {}},
+        {"/dev/no such device", nullptr, {"cannot use /dev/no such device: No such file or directory\n"}},
+        {"/dev/null", "38400", {"cannot use /dev/null: Inappropriate ioctl for device\n"}},
+        {"/dev/null", "4800", {"GPSHAL_BAUD is 4800, not 9600, 38400 or 115200\n"}},
+        {"/dev/null", "96000", {"GPSHAL_BAUD is 96000, not 9600, 38400 or 115200\n"}},
+        {"/dev/null", "", {"GPSHAL_BAUD is , not 9600, 38400 or 115200\n"}},
+    };
+    GpsHal::setLink(nullptr);
+    for (const auto& [device, baud, log] : rows) {
+        const LogCapture capture;
+        device != nullptr ? setenv("GPSHAL_DEVICE", device, 1) : unsetenv("GPSHAL_DEVICE");
+        baud != nullptr ? setenv("GPSHAL_BAUD", baud, 1) : unsetenv("GPSHAL_BAUD");
+        EXPECT_FALSE(mHal->start());
+        EXPECT_FALSE(send("x"));
+        EXPECT_THAT(capture.texts(), ElementsAreArray(log));
+    }
+}
+
+}  // namespace
