@@ -1,0 +1,152 @@
+#include "tools/gps-monitor/MonitorState.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tools/gps-monitor/ExampleLocation.h"
+#include "tools/gps-monitor/LinkStatus.h"
+
+namespace monitor {
+namespace {
+
+using std::chrono::seconds;
+
+constexpr Clock::time_point kNow{seconds(1000)};
+
+GPGSA usedSatellites(unsigned sentence, unsigned char first, unsigned char second) {
+    GPGSA gsa{};
+    gsa.SentenceNum = sentence;
+    gsa.SatUsed[0] = first;
+    gsa.SatUsed[1] = second;
+    return gsa;
+}
+
+GPGSV inView(SatelliteType system, std::initializer_list<unsigned char> ids) {
+    GPGSV gsv{};
+    gsv.SatType = system;
+    for (const unsigned char id : ids)
+        gsv.Sat[gsv.SatView++].SatID = id;
+    return gsv;
+}
+
+std::string usedIds(const MonitorState& state) {
+    std::string ids;
+    for (const Satellite& satellite : satellitesInView(state, kNow)) {
+        if (satellite.used) ids += std::to_string(satellite.id) + ' ';
+    }
+    return ids;
+}
+
+TEST(UsedSatellites, AreThoseOfAllTheEpochsSentences) {
+    MonitorState state;
+    apply(state, inView(SATELLITE_TYPE_GPS, {1, 2, 3, 0}), kNow);
+    apply(state, inView(SATELLITE_TYPE_GLONASS, {66, 67}), kNow);
+    apply(state, usedSatellites(1, 1, 3));
+    apply(state, usedSatellites(2, 67, 0));
+    EXPECT_EQ(usedIds(state), "1 3 67 ");
+
+    apply(state, usedSatellites(1, 2, 3));  // the second sentence of this epoch is still to come
+    EXPECT_EQ(usedIds(state), "1 2 3 67 ");
+    apply(state, usedSatellites(1, 2, 3));
+    EXPECT_EQ(usedIds(state), "2 3 ");
+}
+
+TEST(SatellitesInView, AreForgottenWhenTheirSystemIsNotToldAnyMore) {
+    MonitorState state;
+    apply(state, inView(SATELLITE_TYPE_GLONASS, {66}), kNow - seconds(11));
+    apply(state, inView(SATELLITE_TYPE_GPS, {9, 4}), kNow - seconds(1));
+    const auto satellites = satellitesInView(state, kNow);
+    ASSERT_EQ(satellites.size(), 2u);
+    EXPECT_EQ(satellites[0].id, 4u);
+    EXPECT_EQ(satellites[1].id, 9u);
+}
+
+TEST(SatellitesInView, StayWithinTheRecord) {
+    MonitorState state;
+    GPGSV gsv = inView(SATELLITE_TYPE_GPS, {1});
+    gsv.SatView = 100000;
+    apply(state, gsv, kNow);
+    gsv.SatType = static_cast<SatelliteType>(77);
+    apply(state, gsv, kNow);
+    EXPECT_EQ(satellitesInView(state, kNow).size(), 1u);
+}
+
+TEST(Requests, AreSettledByTheirName) {
+    MonitorState state;
+    addRequest(state, "A");
+    addRequest(state, "B");
+    EXPECT_TRUE(settleRequest(state, "A", Answer::refused));
+    EXPECT_FALSE(isWaiting(state, "A"));
+    EXPECT_TRUE(isWaiting(state, "B"));
+    EXPECT_FALSE(settleRequest(state, "A", Answer::acknowledged));
+    EXPECT_EQ(state.requests[0].answer, Answer::refused);
+
+    EXPECT_TRUE(settleRequest(state, "B", Answer::unanswered));
+    EXPECT_TRUE(settleRequest(state, "B", Answer::acknowledged));  // late
+    EXPECT_EQ(state.requests[1].answer, Answer::acknowledged);
+}
+
+TEST(Lists, KeepTheNewest) {
+    MonitorState state;
+    for (int i = 0; i < 1000; ++i) {
+        addRequest(state, std::to_string(i));
+        addLog(state, std::to_string(i));
+    }
+    EXPECT_LE(state.requests.size(), 100u);
+    EXPECT_LE(state.log.size(), 500u);
+    EXPECT_EQ(state.requests.back().name, "999");
+    EXPECT_EQ(state.log.back(), "999");
+}
+
+TEST(ExampleLocations, FollowTheReceiverOnceItHasAFix) {
+    MonitorState state;
+    state.gga = GPGGA{};
+    state.rmc = GPRMC{};
+    const GPS_LOCATION_SYNC_DATA example = makeLocation(state);
+    EXPECT_NE(example.Gga.Lat, 0);
+    EXPECT_EQ(example.Gga.Lat, example.Rmc.Lat);
+    EXPECT_EQ(example.Pascd.ValueA[49], 49.5);
+    EXPECT_EQ(example.Pascd.ValueB[49], -49.5);
+
+    state.gga->Quality = 1;
+    state.gga->Lat = -3500.5;
+    state.gga->Lon = -100.25;
+    state.gga->DGPS_ID = 7;
+    state.rmc->Mode = 2;
+    const GPS_LOCATION_SYNC_DATA received = makeLocation(state);
+    EXPECT_EQ(received.Gga.Lat, -3500.5);
+    EXPECT_EQ(received.Rmc.Lon, -100.25);
+    EXPECT_EQ(received.Gga.DGPS_ID, 7);
+    EXPECT_EQ(received.Rmc.Mode, 2u);
+}
+
+TEST(LinkStatuses, SayWhyNothingIsReceived) {
+    const std::optional<Clock::time_point> never;
+    const struct {
+        const char* device;
+        const char* startMessage;
+        int startAge;
+        std::optional<int> sentenceAge;
+        Health health;
+        const char* text;
+    } cases[] = {
+        {"", "", 0, {}, Health::bad, "no receiver: no device named"},
+        {"/dev/null", "cannot use it: busy", 0, {}, Health::bad, "no receiver: cannot use it: busy"},
+        {"/dev/null", "", 1, {}, Health::unsure, "waiting for /dev/null"},
+        {"/dev/null", "", 9, {}, Health::bad, "no data from /dev/null: silent, or at another speed"},
+        {"/dev/null", "not about the link", 9, 1, Health::good, "receiving from /dev/null"},
+        {"/dev/null", "", 9, 5, Health::bad, "no more data from /dev/null"},
+        {"/nonexistent/gps", "", 9, 5, Health::bad, "no receiver: /nonexistent/gps: No such file or directory"},
+        {"", "", 9, 1, Health::good, "receiving from the receiver"},
+    };
+    for (const auto& [device, startMessage, startAge, sentenceAge, health, text] : cases) {
+        const auto last = sentenceAge ? std::optional(kNow - seconds(*sentenceAge)) : never;
+        const LinkStatus status = linkStatus({device, startMessage, kNow - seconds(startAge), last}, kNow);
+        EXPECT_EQ(status.text, text);
+        EXPECT_EQ(status.health, health) << text;
+    }
+}
+
+}  // namespace
+}  // namespace monitor

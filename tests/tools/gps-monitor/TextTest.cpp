@@ -1,0 +1,119 @@
+#include "tools/gps-monitor/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+
+#include "tools/gps-monitor/Coordinates.h"
+#include "tools/gps-monitor/Names.h"
+#include "tools/gps-monitor/NmeaPosition.h"
+
+namespace monitor {
+namespace {
+
+TEST(FieldTexts, WriteEveryFieldWithItsName) {
+    GPVTG vtg{SATELLITE_TYPE_GNSS, 77.52, 0, 0.1, 1e-7, 2};
+    EXPECT_EQ(fieldText(vtg), " SatType=4 Dir=77.52 MagDir=0 SpeedKnot=0.1 SpeedKMH=1e-07 Mode=2");
+}
+
+TEST(FieldTexts, WriteArraysAndNestedRecordsFlat) {
+    GPGSA gsa{};
+    gsa.SatUsed[0] = 7;
+    gsa.SatUsed[11] = 193;
+    EXPECT_NE(fieldText(gsa).find(" SatUsed=7,0,0,0,0,0,0,0,0,0,0,193 PDOP=0"), std::string::npos);
+
+    PARSE_NMEA epoch{};
+    epoch.Gga.LatDeg = -35;
+    epoch.Gsv.SatView = 2;
+    epoch.Gsv.Sat[1] = {31, 1, 45, 38, 270};
+    const std::string text = fieldText(epoch);
+    EXPECT_NE(text.find(" Gga.LatDeg=-35 "), std::string::npos);
+    EXPECT_NE(text.find(" Gsv.Sat.1.SatID=31 Gsv.Sat.1.Used=1 Gsv.Sat.1.Elevation=45 Gsv.Sat.1.SNR=38 "
+                        "Gsv.Sat.1.Azimuth=270 Rmc.SatType=0"),
+              std::string::npos)
+        << text;
+}
+
+TEST(Numbers, ReadBackAsTheSameDouble) {
+    for (const double value : {0.1, 3539.12345, -1.0 / 3, 1e300, 5e-324, std::numeric_limits<double>::max()})
+        EXPECT_EQ(std::strtod(shortest(value).c_str(), nullptr), value);
+}
+
+TEST(Numbers, HaveTheDecimalsAskedFor) {
+    EXPECT_EQ(fixed(-0.05, 1), "-0.1");
+    EXPECT_EQ(fixed(1e15, 2), "1000000000000000.00");
+    EXPECT_EQ(fixed(std::numeric_limits<double>::max(), 7).size(), 309u + 8);
+    EXPECT_EQ(zeroPadded(7, 3), "007");
+    EXPECT_EQ(zeroPadded(65531, 2), "65531");
+}
+
+TEST(PrintableText, EscapesWhatATerminalWouldAct) {
+    EXPECT_EQ(printable("$GPGGA,~ \x1B[2J\xC3\x7F\\\r"), "$GPGGA,~ \\x1B[2J\\xC3\\x7F\\x5C\\x0D");
+    EXPECT_EQ(withoutLineEnd("a\rb\r\n\n"), "a\rb");
+    EXPECT_EQ(withoutLineEnd("\r\n"), "");
+}
+
+TEST(Settings, AreFoundUnderTheNameOfTheirEnumerator) {
+    const struct {
+        std::string_view name;
+        std::optional<GpsSetting> setting;
+    } cases[] = {
+        {"GPS_SETTING_PUBX00_ON", GPS_SETTING_PUBX00_ON},
+        {"GPS_SETTING_DATUM_TOKYO", GPS_SETTING_DATUM_TOKYO},
+        {"gps_setting_nmea_v40", GPS_SETTING_NMEA_V40},
+        {"GPS_SETTING_SBAS_EGNOS", GPS_SETTING_SBAS_EGNOS},
+        {"GPS_SETTING_UNASSIGNED_29", GPS_SETTING_UNASSIGNED_29},
+        {"GPS_SETTING_GNSS_GPS", GPS_SETTING_GNSS_GPS},
+        {"GPS_SETTING_DATUM_TOKY", std::nullopt},
+        {"DATUM_TOKYO", std::nullopt},
+        {"5", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [name, setting] : cases)
+        EXPECT_EQ(findSetting(name), setting) << name;
+    EXPECT_EQ(settingName(GPS_SETTING_SAVE_CONFIG), "GPS_SETTING_SAVE_CONFIG");
+    EXPECT_EQ(settingName(static_cast<GpsSetting>(36)), "36");
+    EXPECT_EQ(connectionStatusName(static_cast<GpsConnectionStatus>(-1)), "-1");
+}
+
+TEST(Coordinates, AreShownInMinutesAndDegrees) {
+    const struct {
+        Position position;
+        std::string minutes;
+        std::string degrees;
+    } cases[] = {
+        {{3539.1234, 13945.6789}, "35°39.12340' N  139°45.67890' E", "35.6520567  139.7613150"},
+        {{-4404.14066, -12118.85481}, "44°04.14066' S  121°18.85481' W", "-44.0690110  -121.3142468"},
+        {{-0.5, 0}, "00°00.50000' S  000°00.00000' E", "-0.0083333  0.0000000"},
+        {{3559.999999, 17959.999996}, "36°00.00000' N  180°00.00000' E", "36.0000000  180.0000000"},
+        {{1e300, std::numeric_limits<double>::quiet_NaN()}, "??  ??", "??  ??"},
+    };
+    for (const auto& [position, minutes, degrees] : cases) {
+        EXPECT_EQ(degreesAndMinutes(position), minutes);
+        EXPECT_EQ(decimalDegrees(position), degrees);
+    }
+    EXPECT_EQ(compassPoint(22.6), "NE");
+    EXPECT_EQ(compassPoint(359), "N");
+    EXPECT_EQ(compassPoint(-1), "");
+}
+
+TEST(RawPositions, ComeFromGgaSentencesWithAFix) {
+    const auto position =
+        ggaPosition("$GNGGA,171926.00,4404.14063,S,12118.85478,W,1,12,0.91,1147.2,M,-21.3,M,,*44\r\n");
+    ASSERT_TRUE(position);
+    EXPECT_EQ(position->lat, -4404.14063);
+    EXPECT_EQ(position->lon, -12118.85478);
+    for (const std::string_view none : {
+             "$GPGGA,171926.00,4404.14063,N,12118.85478,W,0,00,99.9,,M,,M,,*44\r\n",
+             "$GPGGA,171926.00,,,,,1,00,99.9,,M,,M,,*44\r\n",
+             "$GPGGA,171926.00,44x4.1,N,12118.85478,W,1,12,0.91\r\n",
+             "$GPRMC,171926.00,A,4404.14063,N,12118.85478,W,0.117,,180315,,,A*76\r\n",
+             "$GPGGA,171926.00,4404.14063,N",
+             "",
+         })
+        EXPECT_FALSE(ggaPosition(none)) << none;
+}
+
+}  // namespace
+}  // namespace monitor

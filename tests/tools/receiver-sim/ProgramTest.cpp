@@ -1,0 +1,132 @@
+#include <gmock/gmock.h>
+
+#include "Processes.h"
+
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::StartsWith;
+
+constexpr char kFirstText[] = "$GPTXT,01,01,02,u-blox ag - www.u-blox.com*50\r\n";
+constexpr char kLastText[] = "ANTSTATUS=OK*3B\r\n";
+
+const std::string kBaud38400(
+    "\xB5\x62\x06\x00\x14\x00\x01\x00\x00\x00\xD0\x08\x00\x00\x00\x96\x00\x00\x07\x00\x03\x00\x00\x00\x00\x00\x93\x90",
+    28);
+const std::string kPortAcknowledged("\xB5\x62\x05\x01\x02\x00\x06\x00\x0E\x37", 10);
+const std::string kPortPoll("\xB5\x62\x06\x00\x01\x00\x00\x07\x21", 9);
+
+TEST(Program, RefusesBadUseWithOneLineThatNamesTheOption) {
+    const ScratchDirectory scratch;
+    const std::string log = scratch.write("log", "$GPRMC,1*00\r\n");
+    const std::string empty = scratch.write("empty", "");
+    const struct {
+        std::vector<std::string> arguments;
+        const char* named;
+    } cases[] = {
+        {{"--rate", "3"}, "--rate"},
+        {{"--baud", "1234"}, "--baud"},
+        {{"--antenna", "ok,loose"}, "--antenna"},
+        {{"--antenna-every", "0"}, "--antenna-every"},
+        {{"--seconds", "-1"}, "--seconds"},
+        {{"--start-time", "noon"}, "--start-time"},
+        {{"--nak", "--nak-once", "1"}, "--nak"},
+        {{"--fast"}, "--fast"},
+        {{"--log", scratch.path("missing")}, "--log"},
+        {{"--log", empty}, "--log"},
+        {{"--log", log, "--truth", scratch.path("truth")}, "--log"},
+        {{"--log", log, "--fast", "--no-wait"}, "--fast"},
+        {{"--report", scratch.path("no/such/directory")}, "--report"},
+        {{"--link", log}, "--link"},
+        {{"--wrong"}, "--wrong"},
+    };
+    for (const auto& [arguments, named] : cases) {
+        SimulatorProcess simulator(arguments);
+        EXPECT_THAT(simulator.firstLine, HasSubstr(named));
+        EXPECT_EQ(simulator.output.until("\n"), "") << named;
+        EXPECT_EQ(simulator.end(0), 2) << named;
+    }
+    EXPECT_EQ(scratch.read("log"), "$GPRMC,1*00\r\n") << "an ordinary file is no link to replace";
+}
+
+TEST(Program, ReplaysALogByteForByteAndReportsIt) {
+    const ScratchDirectory scratch;
+    // More at once than a terminal holds, a frame, and bytes that a terminal would swallow or change.
+    std::string log(300000, 'x');
+    log += std::string("\xB5\x62\x05\x01\x02\x00\x06\x01\x0F\x38", 10);
+    for (int epoch = 0; epoch < 4000; ++epoch)
+        log += "$GNRMC," + std::to_string(epoch) + "*00\r\n" + std::string("\x03\n\x11\x13\x00\x1A\x7F\xFF", 8);
+    SimulatorProcess simulator(
+        {"--log", scratch.write("log", log), "--fast", "--exit-at-end", "--report", scratch.path("report")});
+    {
+        Client client(simulator.firstLine);
+        EXPECT_EQ(client.bytes(log.size()), log);
+    }
+    EXPECT_EQ(simulator.end(0), 0);
+    const std::string report = scratch.read("report");
+    EXPECT_THAT(report, HasSubstr(R"({"event":"frame","class":5,"id":1,"hex":"b562050102000601)"));
+    EXPECT_THAT(report, HasSubstr(R"({"event":"sentence","kind":"RMC","text":"$GNRMC,3999*00"})"));
+    EXPECT_THAT(report, EndsWith("{\"event\":\"end\"}\n"));
+}
+
+TEST(Program, SendsTheDriveAndTheTruthAtTheGivenTime) {
+    const ScratchDirectory scratch;
+    SimulatorProcess simulator({"--rate", "5", "--start-time", "2024-05-01T12:00:00Z", "--truth", scratch.path("truth"),
+                                "--antenna", "ok,short", "--antenna-every", "0.4"});
+    Client client(simulator.firstLine);
+    EXPECT_THAT(client.until(kLastText), StartsWith(kFirstText));
+    EXPECT_THAT(client.until("$GPGLL"), StartsWith("$GPRMC,120000.00,A,3539.81115,N,13943.80000,E,"));
+    client.until("ANTSTATUS=SHORT*6D\r\n");
+    EXPECT_THAT(client.until("A"), MatchesRegex("[$]GPRMC,12000[0-9].[02468]0,A"));
+    EXPECT_EQ(simulator.end(SIGTERM), 0);
+    EXPECT_THAT(scratch.read("truth"),
+                MatchesRegex("2024-05-01T12:00:00.000Z 35.663519168 139.730000000\n"
+                             "(2024-05-01T12:00:0[0-9].[02468]00Z 35.66351.... 139.73.......\n)+"));
+}
+
+TEST(Program, IsUnderstoodAndUnderstandsOnlyAtItsOwnSpeed) {
+    SimulatorProcess simulator({"--rate", "5"});
+    Client client(simulator.firstLine);
+    EXPECT_THAT(client.until(kLastText), EndsWith(kLastText));
+    client.send(kBaud38400);
+    EXPECT_THAT(client.until(kPortAcknowledged), EndsWith(kPortAcknowledged));
+    client.send("$PUBX,41,1,0007,0003,115200,0*18\r\n");
+    const std::string noise = client.bytes(2000);
+    EXPECT_EQ(noise.find("GPGSV"), std::string::npos);
+    client.setSpeed(B38400);
+    EXPECT_THAT(client.until("$GPRMC"), EndsWith("$GPRMC"));
+    client.send(kPortPoll);
+    EXPECT_THAT(client.until(kPortAcknowledged), EndsWith(kPortAcknowledged));
+}
+
+TEST(Program, KeepsItsLinkUntilItEnds) {
+    const ScratchDirectory scratch;
+    const auto link = scratch.path("gps");
+    std::filesystem::create_symlink(scratch.path("nowhere"), link);
+    SimulatorProcess simulator({"--link", link});
+    EXPECT_EQ(std::filesystem::read_symlink(link), simulator.firstLine);
+    SimulatorProcess second({"--link", link});
+    EXPECT_EQ(second.end(0), 2) << "the link is in use";
+    EXPECT_EQ(std::filesystem::read_symlink(link), simulator.firstLine);
+    EXPECT_EQ(simulator.end(SIGINT), 0);
+    EXPECT_FALSE(std::filesystem::is_symlink(link));
+}
+
+TEST(Program, ServesOneClientAfterAnother) {
+    const ScratchDirectory scratch;
+    SimulatorProcess simulator(
+        {"--log", scratch.write("log", "$GPRMC,1*00\r\n$GPRMC,2*00\r\n"), "--loop", "--rate", "5"});
+    for (int visit = 0; visit < 4; ++visit) {
+        Client client(simulator.firstLine);
+        EXPECT_THAT(client.until("*00\r\n"), MatchesRegex("[$]GPRMC,[12][*]00\r\n")) << "visit " << visit;
+    }
+}
+
+TEST(Program, EndsWhenItsTimeIsOver) {
+    SimulatorProcess simulator({"--seconds", "0.2", "--no-wait"});
+    EXPECT_EQ(simulator.end(0), 0);
+}
+
+}  // namespace

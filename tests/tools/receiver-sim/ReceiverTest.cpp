@@ -1,0 +1,145 @@
+#include "Receiver.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "SimulatedReceiver.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::MatchesRegex;
+using testing::Pair;
+using testing::StartsWith;
+
+TEST(Epoch, ConsistsOfSentencesWithChecksumAndLineEnd) {
+    SimulatedReceiver sim;
+    sim.answerTo(kZdaOn + kPubxOn + kFiveHertz + kTokyo);
+    for (int epoch = 0; epoch < 3000; ++epoch) {
+        for (const std::string& sentence : sim.nextEpoch()) {
+            ASSERT_THAT(sentence, MatchesRegex("[$][ -)+-~]*[*][0-9A-F][0-9A-F]\r\n"));
+            unsigned sum = 0;
+            for (const char character : sentence.substr(1, sentence.size() - 6))
+                sum ^= static_cast<unsigned char>(character);
+            ASSERT_EQ(std::stoul(sentence.substr(sentence.size() - 4), nullptr, 16), sum) << sentence;
+            ASSERT_LE(sentence.size(), 128u) << sentence;
+        }
+    }
+}
+
+TEST(Epoch, TellsTimePositionAndMotion) {
+    SimulatedReceiver sim;
+    sim.answerTo(kZdaOn + kPubxOn);
+    std::string epoch;
+    for (const std::string& sentence : sim.nextEpoch())
+        epoch += sentence;
+    // The drive begins 1500 m north of 35.65 N 139.73 E, heading east at 50 km/h; a degree is 110953 m there.
+    EXPECT_NEAR(sim.truth.position.latitude, 35.65 + 1500 / 110953.0, 1e-6);
+    EXPECT_THAT(epoch, MatchesRegex("[$]GPRMC,120000.00,A,3539.81115,N,13943.80000,E,26.998,90.00,010524,,,A[*]..\r\n"
+                                    "[$]GPVTG,90.00,T,,M,26.998,N,50.000,K,A[*]..\r\n"
+                                    "[$]GPGGA,120000.00,3539.81115,N,13943.80000,E,1,10,1.01,23.3,M,36.7,M,,[*]..\r\n"
+                                    "[$]GPGSA,A,3(,..){10},,,1.74,1.01,1.42[*]..\r\n"
+                                    "([$]GPGSV,.,.,..(,..,..,...,..)*[*]..\r\n)*"
+                                    "[$]GPGLL,3539.81115,N,13943.80000,E,120000.00,A,A[*]..\r\n"
+                                    "[$]GPZDA,120000.00,01,05,2024,00,00[*]..\r\n"
+                                    "[$]PUBX,00,120000.00,3539.81115,N,13943.80000,E,60.000,G3,2.0,2.8,50.000,90.00,"
+                                    "-0.185,,1.01,1.42,0.81,10,0,0[*]..\r\n"));
+}
+
+TEST(Epoch, NamesTheSameSatellitesInAllSentences) {
+    SimulatedReceiver sim;
+    for (int hour = 0; hour < 24; ++hour) {
+        sim.receiver.runEpoch(SimulatedReceiver::kStart + hour * 1h);
+        std::set<std::string> tracked;
+        std::set<std::string> used;
+        std::size_t inFix = 0;
+        std::size_t announced = 0;
+        std::size_t inView = 0;
+        for (const std::string& sentence : sim.nextEpoch()) {
+            const auto fields = sim::nmeaFields(sentence);
+            if (fields[0] == "GPGGA") inFix = std::stoul(fields[7]);
+            if (fields[0] == "GPGSA") used.insert(fields.begin() + 3, fields.begin() + 15);
+            if (fields[0] != "GPGSV") continue;
+            announced = std::stoul(fields[3]);
+            for (std::size_t i = 4; i < fields.size(); i += 4, ++inView) {
+                if (!fields[i + 3].empty()) tracked.insert(fields[i]);
+            }
+        }
+        used.erase("");
+        EXPECT_EQ(used.size(), inFix);
+        EXPECT_EQ(announced, inView);
+        EXPECT_TRUE(std::includes(tracked.begin(), tracked.end(), used.begin(), used.end()));
+    }
+}
+
+TEST(Epoch, KeepsToTheGridAndLeavesOutWhatWasMissed) {
+    sim::Receiver::Setup setup;
+    setup.interval = 200ms;
+    SimulatedReceiver sim(setup);
+    const auto start = SimulatedReceiver::kStart;
+    EXPECT_EQ(sim.receiver.nextEpoch(), start);
+    EXPECT_EQ(sim.receiver.runEpoch(start).time, start);
+    EXPECT_EQ(sim.receiver.runEpoch(start + 1399ms).time, start + 1200ms);
+    EXPECT_EQ(sim.receiver.nextEpoch(), start + 1400ms);
+    sim.answerTo(hex("B5 62 06 08 06 00 E8 03 01 00 01 00 01 39"));  // back to one second
+    EXPECT_EQ(sim.receiver.nextEpoch(), start + 2000ms);
+}
+
+TEST(Datum, TokyoIsTheSamePlaceInOtherCoordinates) {
+    // 35 39' N 139 44' E of Tokyo is 35.6532411 N 139.7301031 E of WGS84. Over the ring road, and with its height, the
+    // difference changes by less than 0.4 m.
+    constexpr double kLatitudeShift = 35.6532411 - 35.65;
+    constexpr double kLongitudeShift = 139.7301031 - (139 + 44 / 60.0);
+    SimulatedReceiver sim;
+    sim.answerTo(kTokyo + kPubxOn);
+    for (int epoch = 0; epoch < 700; ++epoch) {
+        std::map<std::string, std::vector<std::string>> fields;
+        for (const std::string& sentence : sim.nextEpoch())
+            fields[sim::nmeaKind(sentence)] = sim::nmeaFields(sentence);
+        for (const auto& [kind, at] : {std::pair("RMC", 3u), {"GGA", 2u}, {"GLL", 1u}, {"PUBX", 3u}}) {
+            const auto& found = fields[kind];
+            EXPECT_NEAR(sim.truth.position.latitude - angle(found[at], found[at + 1]), kLatitudeShift, 4e-6);
+            EXPECT_NEAR(sim.truth.position.longitude - angle(found[at + 2], found[at + 3]), kLongitudeShift, 4e-6);
+        }
+        const double aboveSea = sim.truth.position.height - 36.7;
+        EXPECT_NEAR(std::stod(fields["GGA"][9]), aboveSea, 0.06) << "the sea level has no datum";
+    }
+}
+
+TEST(Antenna, IsTextedAtTheStartAndWithEveryChange) {
+    using sim::Antenna;
+    sim::Receiver::Setup setup;
+    setup.antenna = {Antenna::Ok, Antenna::Open, Antenna::Open, Antenna::Short};
+    setup.antennaEvery = 2s;
+    SimulatedReceiver sim(setup);
+    sim.receiver.announce();
+    EXPECT_THAT(sim.bytesSent(), EndsWith("\r\n$GPTXT,01,01,02,ANTSTATUS=OK*3B\r\n"));
+    std::map<int, std::string> texts;
+    for (int second = 0; second < 12; ++second) {
+        const std::string first = sim.nextEpoch().front();
+        if (sim::nmeaKind(first) == "TXT") texts[second] = first;
+    }
+    EXPECT_THAT(texts, ElementsAre(Pair(2, "$GPTXT,01,01,02,ANTSTATUS=OPEN*2B\r\n"),
+                                   Pair(6, "$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n")));
+}
+
+TEST(Report, SaysWhatIsSentAndWhatHappens) {
+    SimulatedReceiver sim;
+    sim.receiver.receive(kBaud38400 + kReset);
+    std::string lines;
+    for (const sim::PortAction& action : sim.receiver.takeActions()) {
+        for (const sim::Report& report : action.reports)
+            lines += report.dump();
+    }
+    EXPECT_THAT(lines, StartsWith(R"({"event":"ack","accepted":true,"class":6,"id":0}{"event":"speed","baud":38400})"
+                                  R"({"event":"ack","accepted":true,"class":6,"id":4}{"event":"restart"})"
+                                  R"({"event":"speed","baud":9600}{"event":"sentence","kind":"TXT")"));
+    EXPECT_THAT(lines, EndsWith(R"("text":"$GPTXT,01,01,02,ANTSTATUS=OK*3B"}{"event":"antenna","status":"OK"})"));
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+#include "tools/gps-decode/Decoder.h"
+
+#include "Gps/private/Connection/GpsConnectionManager.h"
+#include "Gps/private/GpsReceiveRules.h"
+
+namespace decode {
+
+Decoder::Decoder(const Setup& setup, Format& format, std::string& text)
+    : mSetup(setup), mListeners([this, &format, &text](const char* name, const Event::Content& content) {
+          mIsDelivered = true;
+          format.write({name, content, mChunk}, text);
+      }) {}
+
+void Decoder::feed(const char* data, unsigned length) {
+    mFramer.feed(data, length, [this](const unsigned char* chunk, unsigned size) { take(chunk, size); });
+}
+
+void Decoder::finish() {
+    mFramer.finish([this](const unsigned char* chunk, unsigned size) { take(chunk, size); });
+}
+
+void Decoder::take(const unsigned char* chunk, unsigned length) {
+    mChunk = {reinterpret_cast<const char*>(chunk), length};
+    mIsDelivered = false;
+    dispatch(mChunk.data(), length);
+    if (mIsDelivered) ++mDelivered;
+}
+
+void Decoder::dispatch(const char* chunk, unsigned length) {
+    switch (classifyChunk(chunk, length)) {
+        case ChunkKind::AntennaText:
+            tellStatus(chunk, length);
+            break;
+        case ChunkKind::Sentence:
+            tellSentence(chunk, length);
+            tellRecords(chunk, length);
+            break;
+        case ChunkKind::Acknowledgement:
+            break;  // answers a request, and nobody has made one
+        case ChunkKind::Other:
+            mProduction.parseGpsProductionData(chunk, &mListeners, length);
+            break;
+    }
+}
+
+void Decoder::tellStatus(const char* chunk, unsigned length) {
+    const std::string text(chunk, length);
+    GpsConnectionStatus status = GPS_CONNECTION_STATUS_OK;
+    if (GpsConnectionManager::recognizeStatus(text.c_str(), &status)) mListeners.notifyGpsConnectionStatus(status);
+}
+
+void Decoder::tellSentence(const char* chunk, unsigned length) {
+    char converted[GpsParseNmeaManager::REGENERATED_SIZE] = {};
+    unsigned int convertedLength = 0;
+    switch (datumDelivery(mSetup.base, mSetup.wanted)) {
+        case DatumDelivery::Impossible:
+            break;
+        case DatumDelivery::AsReceived:
+            mListeners.notifyReceiveNmeaSentence(chunk, length);
+            break;
+        case DatumDelivery::AsReceivedOnceFinished:
+            if (mSetup.settingFinished) mListeners.notifyReceiveNmeaSentence(chunk, length);
+            break;
+        case DatumDelivery::Converted:
+            if (mParser.convertTokyoToWgs84ForNmea(chunk, length, mSetup.wanted, converted, &convertedLength)) {
+                mListeners.notifyReceiveNmeaSentence(converted, convertedLength);
+            }
+            break;
+    }
+}
+
+void Decoder::tellRecords(const char* chunk, unsigned length) {
+    const GPS_PARSE_NMEA_LISTENER_LIST registry[] = {{&mListeners, mSetup.wanted}};
+    mParser.parseNmeaSentence(chunk, length, registry, 1, mSetup.base, mSetup.settingFinished);
+}
+
+}  // namespace decode

@@ -1,0 +1,31 @@
+#ifndef GPS_DECODE_INPUT_H
+#define GPS_DECODE_INPUT_H
+
+#include <optional>
+#include <string>
+
+namespace decode {
+
+/** A file or standard input, read from front to end. Errors are thrown as std::system_error that names the input. */
+class Input {
+public:
+    /** @param path empty or "-" for standard input */
+    explicit Input(const std::string& path);
+    ~Input();
+    Input(const Input&) = delete;
+    Input& operator=(const Input&) = delete;
+
+    int fd() const { return mFd; }
+    /** Bytes in a regular file; none for anything else. */
+    std::optional<std::size_t> size() const;
+    /** Reads what there is, at least one byte; waits for it. 0 at the end. */
+    std::size_t read(char* buffer, std::size_t size);
+
+private:
+    std::string mName;
+    int mFd;
+};
+
+}  // namespace decode
+
+#endif

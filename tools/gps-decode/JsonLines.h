@@ -1,0 +1,20 @@
+#ifndef GPS_DECODE_JSON_LINES_H
+#define GPS_DECODE_JSON_LINES_H
+
+#include "tools/gps-decode/Event.h"
+
+namespace decode {
+
+/**
+ * One JSON object a line: "event", then the fields under their own names and in their order. Integer fields never have
+ * a point, doubles always have a point or an exponent and read back as the same bits; those that are not finite, which
+ * JSON cannot express, become null.
+ */
+class JsonLines : public Format {
+public:
+    void write(const Event& event, std::string& text) override;
+};
+
+}  // namespace decode
+
+#endif

@@ -1,0 +1,34 @@
+#ifndef GPS_DECODE_PROGRESS_H
+#define GPS_DECODE_PROGRESS_H
+
+#include <chrono>
+#include <optional>
+
+namespace decode {
+
+/**
+ * A line on standard error that says how far a long input has been read; it is gone when this object is. There is none
+ * unless standard error is a terminal, standard output is not, and the input is known to be long.
+ */
+class Progress {
+public:
+    /** @param size bytes of the whole input, where known */
+    explicit Progress(std::optional<std::size_t> size);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    /** So many more bytes have been read. */
+    void advance(std::size_t bytes);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    std::size_t mSize = 0;  // 0: no line is shown
+    std::size_t mRead = 0;
+    std::optional<Clock::time_point> mShown;
+};
+
+}  // namespace decode
+
+#endif

@@ -1,0 +1,101 @@
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "QvFramework/Foundation/QvDbgOutput.h"
+#include "tools/gps-decode/Decoder.h"
+#include "tools/gps-decode/GpxTrack.h"
+#include "tools/gps-decode/Input.h"
+#include "tools/gps-decode/Interrupt.h"
+#include "tools/gps-decode/JsonLines.h"
+#include "tools/gps-decode/Options.h"
+#include "tools/gps-decode/Output.h"
+#include "tools/gps-decode/Progress.h"
+#include "tools/gps-decode/RawSentences.h"
+
+namespace {
+
+constexpr std::size_t kBlock = 128 * 1024;
+constexpr int kSignalStatus = 128;  // plus the signal's number, as shells have it
+
+/** Keeps files from taking the place of a standard stream that the caller has closed: using that is an error. */
+void keepStandardStreams() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
+void discardMessage(void*, const char*, const char*, int, int, const char*) {}
+
+int complain(std::string problem, int status) {
+    std::replace(problem.begin(), problem.end(), '\n', ' ');
+    std::fprintf(stderr, "gps-decode: %s\n", problem.c_str());
+    return status;
+}
+
+std::unique_ptr<decode::Format> formatOf(const decode::Options& options) {
+    if (options.isRaw) return std::make_unique<decode::RawSentences>();
+    if (options.isGpx) return std::make_unique<decode::GpxTrack>();
+    return std::make_unique<decode::JsonLines>();
+}
+
+/** Feeds the input to the decoder, and writes what comes of every block before it waits for the next one. */
+void decodeAll(decode::Input& input, const decode::Interrupt& interrupt, decode::Decoder& decoder, std::string& text) {
+    decode::Progress progress(input.size());
+    std::vector<char> block(kBlock);
+    while (interrupt.waitToRead(input.fd())) {
+        const std::size_t length = input.read(block.data(), block.size());
+        if (length == 0) break;
+        decoder.feed(block.data(), static_cast<unsigned>(length));
+        decode::writeOutput(text);
+        text.clear();
+        progress.advance(length);
+    }
+    decoder.finish();
+}
+
+int decodeStream(const decode::Options& options) {
+    if (!options.isVerbose) QvDbgOutput::setSink(&discardMessage, nullptr);
+    decode::Input input(options.file);
+    const decode::Interrupt interrupt;
+    const auto format = formatOf(options);
+    std::string text;
+    decode::Decoder decoder(options.setup, *format, text);
+
+    format->begin(text);
+    decodeAll(input, interrupt, decoder, text);
+    format->end(text);
+    decode::writeOutput(text);
+    std::fprintf(stderr, "gps-decode: %lu chunks, %lu delivered, %lu refused, %lu bytes dropped\n", decoder.chunks(),
+                 decoder.delivered(), decoder.chunks() - decoder.delivered(), decoder.droppedBytes());
+    return interrupt.signal() == 0 ? 0 : kSignalStatus + interrupt.signal();
+}
+
+int run(int argc, char** argv) {
+    const auto options = decode::parseOptions(argc, argv);
+    if (std::holds_alternative<int>(options)) return std::get<int>(options);
+    return decodeStream(std::get<decode::Options>(options));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    constexpr int kBadUseStatus = 2;
+    keepStandardStreams();
+    signal(SIGPIPE, SIG_IGN);
+    try {
+        return run(argc, argv);
+    } catch (const decode::ReaderGone&) {
+        return 0;
+    } catch (const decode::BadUse& problem) {
+        return complain(problem.what(), kBadUseStatus);
+    } catch (const std::exception& problem) {
+        return complain(problem.what(), 1);
+    }
+}

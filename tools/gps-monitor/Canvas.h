@@ -1,0 +1,77 @@
+#ifndef GPS_MONITOR_CANVAS_H
+#define GPS_MONITOR_CANVAS_H
+
+#include <string_view>
+#include <vector>
+
+namespace monitor {
+
+/** What a piece of the screen is; the terminal chooses how it looks. */
+enum class Style : unsigned char { normal, title, rule, label, strong, good, warning, bad, faint };
+
+struct Cell {
+    char32_t glyph = U' ';
+    Style style = Style::normal;
+};
+
+/** A rectangle of cells; nothing is shown when it has no width or no height. */
+struct Rect {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+
+    bool isEmpty() const { return width <= 0 || height <= 0; }
+};
+
+/** A screenful of cells in memory. Every glyph is one column wide. */
+class Canvas {
+public:
+    Canvas(int width, int height);
+
+    int width() const { return mWidth; }
+    int height() const { return mHeight; }
+    const Cell& at(int x, int y) const { return mCells[index(x, y)]; }
+    Cell& at(int x, int y) { return mCells[index(x, y)]; }
+
+private:
+    std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(mWidth) + static_cast<std::size_t>(x);
+    }
+
+    int mWidth;
+    int mHeight;
+    std::vector<Cell> mCells;
+};
+
+/** A part of a canvas with coordinates of its own. What would fall outside is not drawn. */
+class Panel {
+public:
+    /** The part of `canvas` that `area` covers; it may reach over the canvas's edges. */
+    Panel(Canvas& canvas, Rect area) : mCanvas(canvas), mArea(area) {}
+
+    int width() const { return mArea.width; }
+    int height() const { return mArea.height; }
+
+    void put(int x, int y, char32_t glyph, Style style = Style::normal);
+    /** @param utf8 text @return the column after it */
+    int text(int x, int y, std::string_view utf8, Style style = Style::normal);
+    /** Ends at the right edge. */
+    void textRight(int y, std::string_view utf8, Style style = Style::normal);
+    /** Gives a whole row a style. */
+    void fillRow(int y, Style style);
+
+    /** Draws a rule with a title in the first row. @return the panel below it */
+    Panel titled(std::string_view title);
+
+private:
+    Canvas& mCanvas;
+    Rect mArea;
+};
+
+/** Columns that a text takes. */
+int columns(std::string_view utf8);
+
+}  // namespace monitor
+
+#endif

@@ -1,0 +1,81 @@
+#include "tools/gps-monitor/Options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "tools/gps-monitor/Keys.h"
+#include "tools/gps-monitor/Names.h"
+
+namespace monitor {
+
+namespace {
+
+constexpr int kBadUse = 2;
+constexpr int kLongestRun = 365 * 24 * 3600;
+
+std::string checkSetting(const std::string& name) {
+    return findSetting(name) ? "" : "no setting has the name " + name;
+}
+
+std::string footer() {
+    std::string text = "Keys on the screen:\n";
+    for (const Key& key : kKeys)
+        text += std::string("  ") + key.key + "  " + std::string(key.description) + '\n';
+    text += "\nSettings:\n";
+    for (const std::string_view name : kSettingNames)
+        text += "  " + std::string(name) + '\n';
+    return text;
+}
+
+/** Values of options that are not yet what Options holds. */
+struct Texts {
+    std::string datum = "wgs84";
+    std::vector<std::string> settings;
+    int seconds = 0;
+};
+
+void addOptions(CLI::App& app, Options& options, Texts& texts) {
+    app.add_option("--device", options.device, "Receiver's serial device (default: GPSHAL_DEVICE of the environment)")
+        ->type_name("PATH");
+    app.add_option("--baud", options.baud, "Speed of the device (default: GPSHAL_BAUD of the environment)")
+        ->check(CLI::IsMember({"9600", "38400", "115200"}));
+    app.add_option("--datum", texts.datum, "Datum of the sentences to be told: wgs84 (default) or tokyo")
+        ->check(CLI::IsMember({"wgs84", "tokyo"}));
+    app.add_option("--setting", texts.settings,
+                   "Request this setting after the start, and wait for its answer; repeatable")
+        ->type_name("NAME")
+        ->allow_extra_args(false)
+        ->check(checkSetting);
+    app.add_option("--seconds", texts.seconds, "End after this many seconds")->check(CLI::Range(1, kLongestRun));
+    app.add_flag("--set-location", options.setsLocation, "Publish a location once a second");
+    app.add_flag("--plain", options.isPlain, "One line per notification instead of the screen");
+}
+
+}  // namespace
+
+CommandLine parseCommandLine(int argc, const char* const* argv) {
+    CLI::App app("Shows what the GPS service tells its clients.", "gps-monitor");
+    app.footer(footer());
+    CommandLine commandLine;
+    Options& options = commandLine.options;
+    Texts texts;
+    addOptions(app, options, texts);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        std::cout << app.help();
+        commandLine.exitCode = EXIT_SUCCESS;
+        return commandLine;
+    } catch (const CLI::ParseError& error) {
+        std::cerr << "gps-monitor: " << error.what() << '\n';
+        commandLine.exitCode = kBadUse;
+        return commandLine;
+    }
+    if (texts.datum == "tokyo") options.datum = GEODETIC_SYSTEM_TOKYO;
+    for (const std::string& name : texts.settings)
+        options.settings.push_back(*findSetting(name));
+    if (texts.seconds > 0) options.runTime = std::chrono::seconds(texts.seconds);
+    return commandLine;
+}
+
+}  // namespace monitor

@@ -1,0 +1,40 @@
+#include <poll.h>
+#include <signal.h>
+
+#include "tools/gps-monitor/Monitor.h"
+#include "tools/gps-monitor/Session.h"
+
+namespace monitor {
+
+namespace {
+
+constexpr std::chrono::seconds kStatusInterval{1};
+
+/** True when a signal that came asks the program to end. */
+bool isEndAsked(Signals& signals) {
+    while (const auto signal = signals.take()) {
+        if (isEndSignal(*signal)) return true;
+        if (*signal == SIGTSTP) raise(SIGSTOP);  // Ctrl-Z still stops the program
+    }
+    return false;
+}
+
+}  // namespace
+
+void runPlain(const Options& options, Model& model, Signals& signals, PlainWriter& writer) {
+    Session session(options, model, &writer);
+    // This thread writes nothing: a reader that has stopped must not keep it from seeing a signal.
+    const Periodic statusReport(kStatusInterval, [&, shown = std::string()]() mutable {
+        const std::string status = session.link(model.snapshot()).text;
+        if (status != shown) writer.line("status " + status);
+        shown = status;
+    });
+    do {
+        pollfd waited[] = {{signals.fd(), POLLIN, 0}, {writer.readerGone().fd(), POLLIN, 0}};
+        poll(waited, 2, millisecondsUntil(session.end()));
+        if (waited[1].revents != 0) break;
+    } while (!session.isOver() && !isEndAsked(signals));
+    writer.stop();
+}
+
+}  // namespace monitor

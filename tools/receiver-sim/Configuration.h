@@ -1,0 +1,38 @@
+#ifndef RECEIVER_SIM_CONFIGURATION_H
+#define RECEIVER_SIM_CONFIGURATION_H
+
+#include <array>
+#include <cstdint>
+
+#include "Geodesy.h"
+#include "Sentences.h"
+#include "UtcTime.h"
+
+namespace sim {
+
+/** What commands change and what a restart takes back. The sections are those that can be saved one by one. */
+struct Configuration {
+    struct Port {
+        unsigned baud;
+    };
+    struct Messages {
+        std::array<unsigned char, kSentenceKinds> rates; /**< as SentenceKind::defaultRate, in the same order */
+    };
+    struct Navigation {
+        Milliseconds interval; /**< from one epoch to the next */
+        Datum datum;
+    };
+    Port port;
+    Messages messages;
+    Navigation navigation;
+};
+
+/** As the receiver leaves the factory: WGS84, the default rates, the given speed and interval. */
+Configuration defaultConfiguration(unsigned baud, Milliseconds interval);
+
+/** Copies the sections whose bit is set in a mask of the save command: 0 port, 1 messages, 3 navigation. */
+void copySections(const Configuration& from, Configuration& to, std::uint64_t mask);
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,38 @@
+#include "DeviceLink.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "Options.h"
+
+namespace sim {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+bool leadsTo(const std::string& path, const std::string& device) {
+    std::error_code error;
+    return fs::read_symlink(path, error) == device && !error;
+}
+
+bool isLeftOver(const std::string& path, const std::string& device) {
+    std::error_code error;
+    return fs::is_symlink(fs::symlink_status(path, error)) && (leadsTo(path, device) || !fs::exists(path, error));
+}
+
+}  // namespace
+
+DeviceLink::DeviceLink(const std::string& path, const std::string& device) : mPath(path), mDevice(device) {
+    std::error_code error;
+    if (isLeftOver(path, device)) fs::remove(path, error);
+    fs::create_symlink(device, path, error);
+    if (error) throw BadUse("--link: " + path + ": " + error.message());
+}
+
+DeviceLink::~DeviceLink() {
+    std::error_code error;
+    if (leadsTo(mPath, mDevice)) fs::remove(mPath, error);
+}
+
+}  // namespace sim

@@ -1,0 +1,38 @@
+#ifndef RECEIVER_SIM_OPTIONS_H
+#define RECEIVER_SIM_OPTIONS_H
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <variant>
+
+#include "Receiver.h"
+
+namespace sim {
+
+/** The command line asks for something that cannot be done; the text names the option. */
+class BadUse : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct Options {
+    Receiver::Setup receiver;
+    std::optional<UtcTime> startTime; /**< empty: the time at which the receiver is switched on */
+    std::optional<double> seconds;    /**< empty: until a signal comes */
+    std::string log;                  /**< file to replay; empty: a drive */
+    bool isLooping = false;
+    bool isFast = false;
+    bool endsWithLog = false;
+    bool waitsForClient = true;
+    std::string link;
+    std::string reportFile;
+    std::string truthFile;
+};
+
+/** The options, or the exit status of a program that has said all there is to say (help, version, bad use). */
+std::variant<Options, int> parseOptions(int argc, char** argv);
+
+}  // namespace sim
+
+#endif

@@ -1,0 +1,61 @@
+#ifndef RECEIVER_SIM_PTY_PORT_H
+#define RECEIVER_SIM_PTY_PORT_H
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+#include "Descriptor.h"
+
+namespace sim {
+
+/** The receiver's serial port: a pseudo-terminal that clients open, use and close as they like. */
+class PtyPort {
+public:
+    /**
+     * Raw, and with its terminal speed set to the receiver's, so that a client that sets nothing reads plain text.
+     * @throws std::system_error when there is no pseudo-terminal to be had
+     */
+    explicit PtyPort(unsigned baud);
+
+    const std::string& devicePath() const { return mDevicePath; }
+
+    /** Descriptors to poll: for bytes of the client or room for bytes to it, and for its coming and going. The first
+     *  may change, and be -1, which poll leaves out. */
+    int dataDescriptor() const { return mHasClient || mSlave.get() >= 0 ? mMaster.get() : -1; }
+    int presenceDescriptor() const { return mWatch.get(); }
+
+    /** Whether a client has the terminal open, as far as the last update or check has seen. */
+    bool hasClient() const { return mHasClient; }
+    /** To be called when the presence descriptor is readable. */
+    void updatePresence();
+    /**
+     * Looks whether a client has the terminal open. To be called now and then, because a client that comes or goes
+     * during this very look raises no event.
+     */
+    void checkPresence();
+
+    /** What the client has sent; empty when there is nothing. */
+    std::string read();
+    /** Hands bytes to the client, as many as there is room for, and returns their number. */
+    std::size_t write(std::string_view bytes);
+
+    /** Whether the client's end has this speed. */
+    bool clientHasSpeed(unsigned baud) const;
+
+private:
+    void openSlave();
+    void makeRaw();
+    unsigned takeEvents();
+
+    Descriptor mMaster;
+    // The simulator's own hold on the client's end, by which it undoes what a client leaves behind.
+    Descriptor mSlave;
+    Descriptor mWatch;
+    std::string mDevicePath;
+    bool mHasClient = false;
+};
+
+}  // namespace sim
+
+#endif

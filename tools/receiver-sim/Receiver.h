@@ -1,0 +1,106 @@
+#ifndef RECEIVER_SIM_RECEIVER_H
+#define RECEIVER_SIM_RECEIVER_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Configuration.h"
+#include "Drive.h"
+#include "PortAction.h"
+#include "StreamFramer.h"
+
+namespace sim {
+
+enum class Antenna { Ok, Open, Short };
+
+/**
+ * The receiver behind the port: it composes the sentences of each epoch and obeys the commands that reach it.
+ *
+ * It does nothing of itself. Whoever owns it passes in bytes and time, and carries out the actions that come of it.
+ */
+class Receiver {
+public:
+    struct Setup {
+        unsigned baud = 9600;                      /**< default speed of the port */
+        Milliseconds interval{1000};               /**< default interval of the epochs, above 0 */
+        std::vector<Antenna> antenna{Antenna::Ok}; /**< states in turn, at least one; the last one stays */
+        Milliseconds antennaEvery{5000};           /**< how long each state lasts, above 0 */
+        bool refusesAll = false;                   /**< every configuration message is refused */
+        unsigned refusesOnce = 0;                  /**< number, from 1, of the one that is refused; 0: none */
+    };
+
+    Receiver(const Setup& setup, UtcTime start);
+
+    /** Sends the start-up texts. */
+    void announce();
+
+    /** Takes bytes that a client has sent. */
+    void receive(std::string_view bytes);
+    /** Whether a command has begun whose rest is missing; receivePause() then gives it up. */
+    bool isMidCommand() const { return mFramer.isUnfinished(); }
+    void receivePause();
+
+    /** When the next epoch is due: the first multiple of the interval after the last one. */
+    UtcTime nextEpoch() const;
+
+    /** Sends the epoch of the last multiple of the interval up to `now`; epochs that were missed are left out. */
+    struct Truth {
+        UtcTime time;
+        Geodetic position; /**< WGS84, whatever the receiver reports */
+    };
+    Truth runEpoch(UtcTime now);
+
+    /** What has come up since the last call. */
+    std::vector<PortAction> takeActions();
+
+private:
+    /** How the receiver answers a message, and what it does after the answer. */
+    struct Answer {
+        bool isAccepted;
+        void (Receiver::*afterwards)() = nullptr;
+    };
+    struct Command {
+        MessageId id;
+        Answer (Receiver::*obey)(std::string_view payload);
+    };
+    static const Command kCommands[];
+
+    void obey(const std::vector<Piece>& pieces);
+    void obeySentence(const std::string& sentence);
+    void obeyFrame(const std::string& frame);
+    bool isRefused();
+    Answer obeyMessageRate(std::string_view payload);
+    Answer obeyDatum(std::string_view payload);
+    Answer obeyRate(std::string_view payload);
+    Answer obeyPort(std::string_view payload);
+    Answer obeyRestart(std::string_view payload);
+    Answer obeySave(std::string_view payload);
+    Answer obeyStartCheck(std::string_view payload);
+
+    bool setBaud(unsigned baud);
+    void restart();
+    void restartNavigation();
+    void sendCheckResults();
+    void switchSpeed();
+    void updateAntenna(UtcTime now);
+    void announceAntenna();
+    Fix fixAt(UtcTime time, const Motion& motion) const;
+
+    const Setup mSetup;
+    const UtcTime mStart;
+    const Configuration mDefaults;
+    Configuration mSaved;
+    Configuration mCurrent;
+    unsigned mPortBaud;  // speed of the port once all actions are carried out
+    Antenna mAntenna;
+    UtcTime mLastEpoch;
+    unsigned long mEpochs = 0;
+    unsigned mConfigurationMessages = 0;
+    StreamFramer mFramer;
+    std::vector<PortAction> mActions;
+};
+
+}  // namespace sim
+
+#endif

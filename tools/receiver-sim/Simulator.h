@@ -1,0 +1,78 @@
+#ifndef RECEIVER_SIM_SIMULATOR_H
+#define RECEIVER_SIM_SIMULATOR_H
+
+#include <chrono>
+#include <deque>
+#include <fstream>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "Descriptor.h"
+#include "DeviceLink.h"
+#include "LogReplay.h"
+#include "Options.h"
+#include "PtyPort.h"
+#include "Receiver.h"
+
+namespace sim {
+
+/** Runs a receiver, and perhaps a log in place of its drive, at a port in real time. */
+class Simulator {
+public:
+    /** @throws BadUse when a file or link that the options name cannot be used */
+    explicit Simulator(const Options& options);
+
+    const std::string& devicePath() const { return mPort.devicePath(); }
+
+    /** Returns when the options' time is over or a signal to end has come. */
+    void run();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void waitForEvents();
+    Clock::time_point nextDeadline() const;
+    void lookForClient(Clock::time_point now);
+    void switchOn(Clock::time_point now);
+    void takeInput(Clock::time_point now);
+    void produce(Clock::time_point now);
+    void runDrive(Clock::time_point now);
+    void runReplay(Clock::time_point now);
+    bool mayReplay() const;
+    bool isOver(Clock::time_point now) const;
+
+    void enqueue(std::vector<PortAction> actions, Clock::time_point now);
+    void carryOut(Clock::time_point now);
+    bool send(PortAction& action, Clock::time_point now);
+    void giveUpSending();
+    std::string noise(std::size_t size);
+
+    const Options mOptions;
+    PtyPort mPort;
+    std::optional<DeviceLink> mLink;
+    std::ofstream mReport;
+    std::ofstream mTruth;
+    std::optional<LogReplay> mReplay;
+    Descriptor mSignals;
+    bool mIsSignalled = false;
+    bool mHasPresenceEvent = false;
+
+    std::optional<Receiver> mReceiver;  // once it is switched on
+    Clock::time_point mSwitchedOn;
+    UtcTime mStart;  // the receiver's time then
+    Clock::time_point mNextReplay;
+    Clock::time_point mNextLook;
+    Clock::time_point mLastInput;
+    Clock::time_point mLastProgress;
+
+    std::deque<PortAction> mActions;
+    std::size_t mSent = 0;  // bytes of the first action
+    unsigned mBaud;
+    std::mt19937 mNoise;
+};
+
+}  // namespace sim
+
+#endif
