@@ -1,0 +1,32 @@
+#ifndef FUZZ_EXACT_BUFFER_H
+#define FUZZ_EXACT_BUFFER_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "QvFramework/Foundation/QvDbgOutput.h"
+
+/** The input in memory of its own, so that a read past its end is seen. */
+class ExactBuffer {
+public:
+    ExactBuffer(const std::uint8_t* data, std::size_t size) : mBytes(data, data + size) {}
+
+    char* data() { return reinterpret_cast<char*>(mBytes.data()); }
+    unsigned int size() const { return static_cast<unsigned int>(mBytes.size()); }
+
+private:
+    std::vector<std::uint8_t> mBytes;
+};
+
+/** Messages are expected by the million: nobody reads them. */
+inline void silenceLog() {
+    QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);
+}
+
+/** For what must never be: ends the fuzzer with a finding. */
+inline void require(bool condition) {
+    if (!condition) __builtin_trap();
+}
+
+#endif

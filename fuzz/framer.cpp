@@ -1,0 +1,56 @@
+#include <string>
+#include <vector>
+
+#include "GpsHal/GpsHalFramer.h"
+#include "fuzz/ExactBuffer.h"
+
+namespace {
+
+struct Frames {
+    std::vector<std::string> chunks;
+    unsigned long dropped = 0;
+};
+
+/** Feeds the stream in pieces of a size; what comes out must not depend on it. */
+Frames frame(const std::uint8_t* data, std::size_t size, std::size_t piece) {
+    Frames frames;
+    GpsHalFramer framer;
+    const auto keep = [&](const void* chunk, unsigned length) {
+        frames.chunks.emplace_back(static_cast<const char*>(chunk), length);
+    };
+    for (std::size_t at = 0; at < size; at += piece) {
+        ExactBuffer part(data + at, std::min(piece, size - at));
+        framer.feed(part.data(), part.size(), keep);
+    }
+    framer.finish(keep);
+    frames.dropped = framer.droppedBytes();
+    return frames;
+}
+
+bool isIntact(const std::string& chunk) {
+    if (chunk[0] == '$') return chunk.back() == '\n' && chunk.find('$', 1) == std::string::npos;
+    unsigned a = 0;
+    unsigned b = 0;
+    for (std::size_t i = 2; i + 2 < chunk.size(); ++i) {
+        a = (a + static_cast<unsigned char>(chunk[i])) & 0xFF;
+        b = (b + a) & 0xFF;
+    }
+    return static_cast<unsigned char>(chunk[chunk.size() - 2]) == a &&
+           static_cast<unsigned char>(chunk[chunk.size() - 1]) == b;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) return 0;
+    const Frames whole = frame(data, size, size);
+    const Frames pieces = frame(data, size, 1 + data[0] % 16);
+    require(whole.chunks == pieces.chunks && whole.dropped == pieces.dropped);
+    std::size_t kept = 0;
+    for (const std::string& chunk : whole.chunks) {
+        require(isIntact(chunk));
+        kept += chunk.size();
+    }
+    require(kept + whole.dropped == size);
+    return 0;
+}
