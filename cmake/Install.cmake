@@ -23,6 +23,7 @@ install(FILES ${PROJECT_BINARY_DIR}/QvGpsConfig.cmake ${PROJECT_BINARY_DIR}/QvGp
   DESTINATION ${package_directory} COMPONENT development)
 install(EXPORT QvGpsTargets NAMESPACE QvGps:: DESTINATION ${package_directory} COMPONENT development)
 
+file(RELATIVE_PATH prefix_from_pkgconfig /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/qvgps.pc.in ${PROJECT_BINARY_DIR}/qvgps.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qvgps.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 

@@ -16,6 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr auto kPowerUp = 300ms;  // before a receiver says its first word; clients register meanwhile
 constexpr auto kLookInterval = 1s;
 constexpr auto kInputPause = 200ms;  // longer than a client ever pauses inside a command
 constexpr auto kStallLimit = 10s;    // how long bytes wait for a client that reads nothing
@@ -128,7 +129,7 @@ void Simulator::lookForClient(Clock::time_point now) {
 
 void Simulator::switchOn(Clock::time_point now) {
     mSwitchedOn = now;
-    mNextReplay = now;
+    mNextReplay = now + kPowerUp;
     mStart = mOptions.startTime.value_or(std::chrono::floor<Milliseconds>(std::chrono::system_clock::now()));
     mReceiver.emplace(mOptions.receiver, mStart);
     if (mReplay) return;

@@ -103,7 +103,7 @@ pthread_mutex_t* makeLocal() {
 
 /** Every name is mapped once a process and stays mapped: the death of a holder is noticed only while it is. */
 pthread_mutex_t* lockOf(const char* name) {
-    static QvSync sync;
+    static QvSync& sync = *new QvSync;  // never destroyed: a client may build the service while its process exits
     static auto* const locks = new std::map<std::string, pthread_mutex_t*>();
     QvSyncGuard guard(sync);
     pthread_mutex_t*& mutex = (*locks)[name];

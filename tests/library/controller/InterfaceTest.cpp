@@ -6,10 +6,12 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "Gps/Gps.h"
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/GpsController.h"
+#include "Gps/private/Setting/GpsSettingManager.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
 #include "GpsHal/GpsHal.h"
 
@@ -31,45 +33,36 @@ std::size_t slotOf(Operation operation) {
 }
 
 TEST(VirtualSlots, areInTheOrderThatClientsAreCompiledFor) {
-    const struct {
-        const char* name;
-        std::size_t slot;
-        std::size_t expected;
-    } rows[] = {
-#define SLOT(operation, expected) {#operation, slotOf(&operation), expected}
-        SLOT(GpsNmeaListener::notifyReceiveNmeaSentence, 2),
-        SLOT(GpsParseNmeaListener::notifyParseNmeaSentence, 2),
-        SLOT(GpsParseNmeaListener::notifyParseGgaSentence, 3),
-        SLOT(GpsParseNmeaListener::notifyParseGllSentence, 4),
-        SLOT(GpsParseNmeaListener::notifyParseGsaSentence, 5),
-        SLOT(GpsParseNmeaListener::notifyParseGsvSentence, 6),
-        SLOT(GpsParseNmeaListener::notifyParseRmcSentence, 7),
-        SLOT(GpsParseNmeaListener::notifyParseVtgSentence, 8),
-        SLOT(GpsParseNmeaListener::notifyParseZdaSentence, 9),
-        SLOT(GpsParseNmeaListener::notifyParsePubxSentence, 10),
-        SLOT(GpsLocationDataListener::notifyLocationData, 2),
-        SLOT(GpsLocationDataListener::notifyRmcData, 3),
-        SLOT(GpsLocationDataListener::notifyGgaData, 4),
-        SLOT(GpsLocationDataListener::notifyPascdData, 5),
-        SLOT(GpsVersionListener::notifyGpsVersionInfo, 2),
-        SLOT(GpsConnectionListener::notifyGpsConnectionStatus, 2),
-        SLOT(GpsSettingListener::notifyGpsSettingRequestResponse, 2),
-        SLOT(GpsProductionListener::notyfySwitchGpsProductionModeRequestResponse, 2),
-        SLOT(GpsProductionListener::notifyStartGpsProductionCheckResponse, 3),
-        SLOT(GpsProductionListener::notyfyGpsColdStartRequestResponse, 4),
-        SLOT(GpsProductionListener::notifyReceiveGpsProductionData, 5),
-        SLOT(GpsProductionListener::notifyReceiveGpsProductionCheckData, 6),
-        SLOT(QvObserver<GpsController>::Update, 2),
-        SLOT(GpsHal::start, 2),
-        SLOT(GpsHal::stop, 3),
-        SLOT(LocationDataMemory::lock, 2),
-        SLOT(LocationDataMemory::unlock, 3),
-        SLOT(GpsConnectionManager::lock, 2),
-        SLOT(GpsConnectionManager::unlock, 3),
-#undef SLOT
+    using Nmea = GpsNmeaListener;
+    using Parse = GpsParseNmeaListener;
+    using Location = GpsLocationDataListener;
+    using Production = GpsProductionListener;
+    const std::vector<std::size_t> classes[] = {
+        {slotOf(&Nmea::notifyReceiveNmeaSentence)},
+        {slotOf(&Parse::notifyParseNmeaSentence), slotOf(&Parse::notifyParseGgaSentence),
+         slotOf(&Parse::notifyParseGllSentence), slotOf(&Parse::notifyParseGsaSentence),
+         slotOf(&Parse::notifyParseGsvSentence), slotOf(&Parse::notifyParseRmcSentence),
+         slotOf(&Parse::notifyParseVtgSentence), slotOf(&Parse::notifyParseZdaSentence),
+         slotOf(&Parse::notifyParsePubxSentence)},
+        {slotOf(&Location::notifyLocationData), slotOf(&Location::notifyRmcData), slotOf(&Location::notifyGgaData),
+         slotOf(&Location::notifyPascdData)},
+        {slotOf(&GpsVersionListener::notifyGpsVersionInfo)},
+        {slotOf(&GpsConnectionListener::notifyGpsConnectionStatus)},
+        {slotOf(&GpsSettingListener::notifyGpsSettingRequestResponse)},
+        {slotOf(&Production::notyfySwitchGpsProductionModeRequestResponse),
+         slotOf(&Production::notifyStartGpsProductionCheckResponse),
+         slotOf(&Production::notyfyGpsColdStartRequestResponse), slotOf(&Production::notifyReceiveGpsProductionData),
+         slotOf(&Production::notifyReceiveGpsProductionCheckData)},
+        {slotOf(&QvObserver<GpsController>::Update)},
+        {slotOf(&GpsHal::start), slotOf(&GpsHal::stop)},
+        {slotOf(&LocationDataMemory::lock), slotOf(&LocationDataMemory::unlock)},
+        {slotOf(&GpsConnectionManager::lock), slotOf(&GpsConnectionManager::unlock)},
+        {slotOf(&GpsSettingManager::lock), slotOf(&GpsSettingManager::unlock)},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.slot, row.expected) << row.name;
+    for (const auto& slots : classes) {
+        for (std::size_t i = 0; i < slots.size(); ++i) {
+            EXPECT_EQ(slots[i], i + 2) << "operation " << i << " of class " << &slots - classes;
+        }
     }
     EXPECT_TRUE(std::has_virtual_destructor_v<GpsController> && std::has_virtual_destructor_v<Gps>);
 }

@@ -88,6 +88,7 @@ TEST_P(Lifetimes, unregisteringOnAnotherThreadWaitsUntilTheListenerHasReturned) 
         mA.take();
         fire();
         EXPECT_THAT(mA.take(), testing::IsEmpty());
+        mA.setHook({});
     }
 }
 

@@ -19,24 +19,15 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr long kStart = 1000000000;  // seconds
-
 timeval at(long ms, long microseconds = 0) {
-    const long sum = ms * 1000 + microseconds;
-    const long seconds = sum >= 0 ? sum / 1000000 : -((999999 - sum) / 1000000);
-    return {kStart + seconds, static_cast<suseconds_t>(sum - seconds * 1000000)};
+    constexpr long kStart = 1000000000000000;
+    const long sum = kStart + ms * 1000 + microseconds;
+    return {sum / 1000000, sum % 1000000};
 }
 
-/** A record that arrives before the poll at that time, or a delivery in it. */
-struct Event {
-    long ms;
-    unsigned int counter;
-    bool operator==(const Event&) const = default;
-};
-std::ostream& operator<<(std::ostream& out, const Event& event) {
-    return out << event.counter << " at " << event.ms;
-}
-using Events = std::vector<Event>;
+/** Times in milliseconds, and update counters of records that arrive before the poll at that time, or are delivered in
+ *  it. */
+using Events = std::vector<std::pair<long, unsigned int>>;
 
 class Pipeline : public testing::Test {
 protected:
@@ -48,18 +39,22 @@ protected:
         return mPipeline.take(record);
     }
 
+    unsigned int pop() {
+        GPS_LOCATION_DATA_SHARE record = {};
+        mPipeline.pop(record);
+        return record.UpdateCounter;
+    }
+
     /** Polls every 100 ms, as the worker does, and delivers what is due. */
-    Events run(long fromMs, long toMs, const Events& arrivals) {
+    Events run(const Events& arrivals) {
         Events deliveries;
-        for (long ms = fromMs; ms <= toMs; ms += 100) {
-            for (const Event& arrival : arrivals) {
-                if (arrival.ms == ms) take(arrival.counter);
+        for (long ms = 100; ms <= 4000; ms += 100) {
+            for (const auto& [arrivalMs, counter] : arrivals) {
+                if (arrivalMs == ms) take(counter);
             }
             if (!mPipeline.isDue(at(ms))) continue;
-            GPS_LOCATION_DATA_SHARE record = {};
-            mPipeline.pop(record);
             mPipeline.noteDelivery(at(ms));
-            deliveries.push_back({ms, record.UpdateCounter});
+            deliveries.emplace_back(ms, pop());
         }
         return deliveries;
     }
@@ -86,7 +81,7 @@ TEST_F(Pipeline, deliversAsThePaceAndTheBacklogWant) {
     };
     for (const auto& row : rows) {
         mPipeline.reset(at(0));
-        EXPECT_EQ(run(100, 4000, row.arrivals), row.deliveries) << row.name;
+        EXPECT_EQ(run(row.arrivals), row.deliveries) << row.name;
     }
 }
 
@@ -108,8 +103,7 @@ TEST_F(Pipeline, creepsFromAHurryBackToFiveMillisecondsOverTheInterval) {
         mPipeline.noteDelivery(at(0));
         take(counter);
         const bool isDue = mPipeline.isDue(at(ms));
-        GPS_LOCATION_DATA_SHARE record = {};
-        mPipeline.pop(record);
+        pop();
         return isDue;
     };
     const auto idle = [this](int polls) {
@@ -128,9 +122,8 @@ TEST_F(Pipeline, creepsFromAHurryBackToFiveMillisecondsOverTheInterval) {
     take(5);
     take(6);
     EXPECT_FALSE(mPipeline.isDue(at(904)));  // takes 100 ms off
-    GPS_LOCATION_DATA_SHARE record = {};
-    mPipeline.pop(record);
-    mPipeline.pop(record);
+    pop();
+    pop();
     idle(30);
     EXPECT_FALSE(isDueAfter(934, 7));
     EXPECT_TRUE(isDueAfter(935, 8));
@@ -153,7 +146,7 @@ TEST_F(Pipeline, goesOnWithinAnIntervalWhenTheClockIsSet) {
     EXPECT_TRUE(mPipeline.isDue(at(-1))) << "a millisecond back counts as elapsed";
 }
 
-TEST_F(Pipeline, takesOnlyNewerRecordsAndSaysWhichWereMissed) {
+TEST_F(Pipeline, takesOnlyNewerRecordsAndSaysWhichWereMissedAndWhenOneGivesWay) {
     const unsigned int largest = std::numeric_limits<unsigned int>::max();
     EXPECT_FALSE(take(0));
     EXPECT_TRUE(take(7)) << "the first is never a drop";
@@ -165,21 +158,20 @@ TEST_F(Pipeline, takesOnlyNewerRecordsAndSaysWhichWereMissed) {
     EXPECT_FALSE(take(1)) << "not beyond the counter's end";
     EXPECT_EQ(mPipeline.lastUpdateCounter(), largest);
     EXPECT_THAT(mLog.texts(), ElementsAre("- Gps - DATA DROP 8->10 \n", "- Gps - DATA DROP 10->-1 \n"));
-    mPipeline.reset(at(0));
-    EXPECT_TRUE(take(1));
-}
 
-TEST_F(Pipeline, saysWhenARecordGivesWay) {
-    for (unsigned int counter = 1; counter <= 5; ++counter) {
-        EXPECT_THAT(mLog.texts(), IsEmpty());
-        take(counter);
+    mPipeline.reset(at(0));
+    mLog.take();
+    for (const unsigned int counter : {1U, 2U, 3U, 4U}) {
+        EXPECT_TRUE(take(counter));
     }
-    take(7);
-    const std::vector<LogCapture::Line> lines = mLog.lines();
-    EXPECT_THAT(mLog.texts(),
-                ElementsAre("- Gps - QUEUE IS FULL \n", "- Gps - DATA DROP 5->7 \n", "- Gps - QUEUE IS FULL \n"));
-    EXPECT_EQ(lines[0].function, "MainProc");
-    EXPECT_EQ(lines[1].file, "src/Public/Gps/private/GpsController");
+    EXPECT_THAT(mLog.texts(), IsEmpty());
+    EXPECT_TRUE(take(6));
+    EXPECT_THAT(mLog.texts(), ElementsAre("- Gps - DATA DROP 4->6 \n", "- Gps - QUEUE IS FULL \n"));
+    for (const LogCapture::Line& line : mLog.lines()) {
+        EXPECT_EQ(line.function, "MainProc");
+        EXPECT_EQ(line.file, "src/Public/Gps/private/GpsController");
+        EXPECT_EQ(line.tag, 1);
+    }
 }
 
 /** The segment as every process sees it. */
