@@ -10,23 +10,24 @@ QvSubject::QvSubject() = default;
 QvSubject::~QvSubject() = default;
 
 void QvSubject::AddObserver(QvObserver_* observer) {
-    QvSyncGuard guard(mObserverSync);
+    QvSyncGuard guard(mListSync);
     mObservers.push_back(observer);
 }
 
 void QvSubject::RemoveObserver(QvObserver_* observer) {
-    QvSyncGuard guard(mObserverSync);
-    const auto found = std::find(mObservers.begin(), mObservers.end(), observer);
-    if (found == mObservers.end()) return;
-    if (found - mObservers.begin() < mNext) --mNext;  // it leaves from inside a notification
-    mObservers.erase(found);
+    QvSyncGuard notifyGuard(mNotifySync);
+    QvSyncGuard guard(mListSync);
+    std::erase(mObservers, observer);
 }
 
 void QvSubject::notifyObservers(unsigned int eventCode, void* data, unsigned int length) {
-    QvSyncGuard guard(mObserverSync);
-    for (mNext = 0; mNext < std::ssize(mObservers);) {
-        QvObserver_* const observer = mObservers[static_cast<std::size_t>(mNext)];
-        ++mNext;
+    QvSyncGuard guard(mNotifySync);
+    for (std::size_t i = 0; QvObserver_* const observer = observerAt(i); ++i) {  // an observer may remove itself
         observer->Update(eventCode, data, length);
     }
+}
+
+QvObserver_* QvSubject::observerAt(std::size_t index) const {
+    QvSyncGuard guard(mListSync);
+    return index < mObservers.size() ? mObservers[index] : nullptr;
 }

@@ -1,9 +1,5 @@
 #include "QvFramework/Foundation/QvSync.h"
 
-QvSync::~QvSync() {
-    pthread_mutex_destroy(&mMutex);
-}
-
 void QvSync::lock() const QV_NO_THREAD_SAFETY_ANALYSIS {
     pthread_mutex_lock(&mMutex);
 }

@@ -138,7 +138,8 @@ void GpsController::settleWorker() {
 }
 
 void GpsController::endWorker() {
-    if (mThread->IsCurrentThread()) {  // the process exits from inside a location notification, which never returns
+    const GpsListenerCalls::Wait wait(this);
+    if (!wait.canEnd()) {  // the process exits from inside a location notification, which never returns
         mThread = nullptr;
         return;
     }
