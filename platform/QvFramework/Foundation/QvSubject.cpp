@@ -1,7 +1,6 @@
 #include "QvFramework/Foundation/QvSubject.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
@@ -17,17 +16,25 @@ void QvSubject::AddObserver(QvObserver_* observer) {
 void QvSubject::RemoveObserver(QvObserver_* observer) {
     QvSyncGuard notifyGuard(mNotifySync);
     QvSyncGuard guard(mListSync);
-    std::erase(mObservers, observer);
+    const auto found = std::find(mObservers.begin(), mObservers.end(), observer);
+    if (found == mObservers.end()) return;
+    const auto index = static_cast<std::size_t>(found - mObservers.begin());
+    if (index < mNext) --mNext;  // one that has been called leaves from inside the notification
+    mObservers.erase(found);
 }
 
 void QvSubject::notifyObservers(unsigned int eventCode, void* data, unsigned int length) {
     QvSyncGuard guard(mNotifySync);
-    for (std::size_t i = 0; QvObserver_* const observer = observerAt(i); ++i) {  // an observer may remove itself
+    {
+        QvSyncGuard listGuard(mListSync);
+        mNext = 0;
+    }
+    while (QvObserver_* const observer = takeNext()) {
         observer->Update(eventCode, data, length);
     }
 }
 
-QvObserver_* QvSubject::observerAt(std::size_t index) const {
+QvObserver_* QvSubject::takeNext() {
     QvSyncGuard guard(mListSync);
-    return index < mObservers.size() ? mObservers[index] : nullptr;
+    return mNext < mObservers.size() ? mObservers[mNext++] : nullptr;
 }

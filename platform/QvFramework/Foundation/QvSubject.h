@@ -30,12 +30,12 @@ protected:
     void notifyObservers(unsigned int eventCode, void* data, unsigned int length);
 
 private:
-    QvObserver_* observerAt(std::size_t index) const;
+    QvObserver_* takeNext();
 
     QvSync mNotifySync;  // held while observers run, so that a removal waits for a call in progress
     QvSync mListSync;    // held for single steps only: who attaches an observer waits for nobody
     std::vector<QvObserver_*> mObservers QV_GUARDED_BY(mListSync);
-    std::ptrdiff_t mNext QV_GUARDED_BY(mObserverSync) = 0;  // the observer to be called next
+    std::size_t mNext QV_GUARDED_BY(mListSync) = 0;  // the observer to be called next
 };
 
 #endif
