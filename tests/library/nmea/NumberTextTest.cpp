@@ -45,9 +45,10 @@ using Values = std::vector<std::uint64_t>;
 Values read(const std::string& token) {
     const std::vector<char> exact(token.begin(), token.end());
     const std::string_view text(exact.data(), exact.size());
-    return {static_cast<std::uint64_t>(number_text::toInteger(text)), number_text::toUnsigned(text),
+    const number_text::Token read(text);
+    return {static_cast<std::uint64_t>(read.toInteger()), read.toUnsigned(),
             text.size() < 2 ? 0 : number_text::toUnsignedHex(text.substr(0, 2)),
-            std::bit_cast<std::uint64_t>(number_text::toDouble(text))};
+            std::bit_cast<std::uint64_t>(read.toDouble())};
 }
 
 Values readByLibrary(const std::string& token) {

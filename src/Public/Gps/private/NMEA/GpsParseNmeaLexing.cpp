@@ -10,6 +10,9 @@ using sentence_text::nmeaLog;
 
 namespace sentence_text {
 
+using number_text::isDigit;
+using number_text::kPowersOfTen;
+
 namespace {
 
 constexpr struct {
@@ -39,8 +42,21 @@ std::string_view part(std::string_view field, std::size_t start, std::size_t len
     return start < field.size() ? field.substr(start, length) : std::string_view();
 }
 
+/** The end of a line from its last "$" on; empty without one. Most lines have one, which begins them. */
+std::string_view fromLastDollar(std::string_view line) {
+    std::string_view found;
+    for (std::size_t at = line.find('$'); at != std::string_view::npos; at = line.find('$', 1)) {
+        line.remove_prefix(at);
+        found = line;
+    }
+    return found;
+}
+
 unsigned short shortOf(std::string_view text) {
-    return static_cast<unsigned short>(number_text::toInteger(text));
+    if (text.size() == 2 && isDigit(text[0]) && isDigit(text[1])) {
+        return static_cast<unsigned short>((text[0] - '0') * 10 + (text[1] - '0'));
+    }
+    return static_cast<unsigned short>(Token(text).toInteger());
 }
 
 }  // namespace
@@ -72,10 +88,7 @@ bool takeSentence(const char* data, unsigned int length, Sentence& sentence) {
     const std::string_view head(data, std::min(length, GpsParseNmeaManager::SENTENCE_SIZE));
     const std::size_t stop = std::min(head.find('\n'), head.find('\0'));
     if (stop == std::string_view::npos) return false;
-    const std::size_t start = head.substr(0, stop).rfind('$');
-    if (start == std::string_view::npos) return false;
-
-    const std::string_view text = head.substr(start, stop - start);
+    const std::string_view text = fromLastDollar(head.substr(0, stop));
     if (text.size() < 2 || !isCheckSumRight(text)) return false;
     std::memcpy(sentence.text, text.data(), text.size());
     sentence.text[text.size()] = '\0';
@@ -97,27 +110,37 @@ const char* noField(const char* text) {
     return nullptr;
 }
 
-bool splitCoordinate(std::string_view field, unsigned int degreeDigits, double& value, int& degrees, double& minutes) {
+bool splitCoordinate(const Token& field, unsigned int degreeDigits, double& value, int& degrees, double& minutes) {
     constexpr std::size_t kMinuteCharacters = 7;
-    value = number_text::toDouble(field);
-    degrees = static_cast<int>(number_text::toInteger(part(field, 0, degreeDigits)));
-    minutes = number_text::toDouble(part(field, degreeDigits, kMinuteCharacters));
+    value = field.toDouble();
+    const std::size_t cut = field.text().size() - std::min(field.text().size(), degreeDigits + kMinuteCharacters);
+    const number_text::Decimal& decimal = field.decimal();
+    if (field.isPlain() && decimal.wholeDigits >= degreeDigits && cut <= decimal.decimals) {
+        // The digits of both parts are at hand; those that are cut off all stand behind the point.
+        const std::uint64_t scale = kPowersOfTen<std::uint64_t>[decimal.wholeDigits - degreeDigits + decimal.decimals];
+        degrees = static_cast<int>(decimal.digits / scale);
+        const auto digits = static_cast<std::int64_t>(decimal.digits % scale / kPowersOfTen<std::uint64_t>[cut]);
+        minutes = static_cast<double>(digits) / kPowersOfTen<double>[decimal.decimals - cut];
+        return true;
+    }
+    degrees = static_cast<int>(Token(part(field.text(), 0, degreeDigits)).toInteger());
+    minutes = Token(part(field.text(), degreeDigits, kMinuteCharacters)).toDouble();
     return true;
 }
 
-bool splitDate(std::string_view field, unsigned short& year, unsigned short& month, unsigned short& day) {
-    day = shortOf(part(field, 0, 2));
-    month = shortOf(part(field, 2, 2));
-    year = shortOf(part(field, 4, 2));
+bool splitDate(const Token& field, unsigned short& year, unsigned short& month, unsigned short& day) {
+    day = shortOf(part(field.text(), 0, 2));
+    month = shortOf(part(field.text(), 2, 2));
+    year = shortOf(part(field.text(), 4, 2));
     return true;
 }
 
-bool splitTime(std::string_view field, unsigned short* hour, unsigned short* minute, unsigned short* second,
+bool splitTime(const Token& field, unsigned short* hour, unsigned short* minute, unsigned short* second,
                unsigned short* milliSecond) {
     std::size_t position = 0;
     const auto take = [&](unsigned short* output, std::size_t width, std::size_t step) {
         if (output == nullptr) return;
-        *output = shortOf(part(field, position, width));
+        *output = shortOf(part(field.text(), position, width));
         position += step;
     };
     take(hour, 2, 2);
@@ -158,10 +181,11 @@ const char* GpsParseNmeaManager::getNextToken(const char* cursor, char* token) {
         nmeaLog("getNextToken", "GpsParseNmeaManager::getNextToken() Argument Error\n");
         return nullptr;
     }
-    std::string_view field;
+    number_text::Token field;
     const char* const next = sentence_text::readField(cursor, field);
-    std::memcpy(token, field.data(), field.size());
-    token[field.size()] = '\0';
+    const std::string_view text = field.text();
+    std::memcpy(token, text.data(), text.size());
+    token[text.size()] = '\0';
     return next;
 }
 
@@ -201,19 +225,19 @@ bool GpsParseNmeaManager::parseCoordinate(const char* field, Identifier identifi
         return nmeaLog.failure(kFunction, "GpsParseNmeaManager::parseCoordinate() nIdentifier Error");
     }
     const unsigned int degreeDigits = identifier == IDENTIFIER_LATITUDE ? 2 : 3;
-    return sentence_text::splitCoordinate(field, degreeDigits, *value, *degrees, *minutes);
+    return sentence_text::splitCoordinate(number_text::Token(field), degreeDigits, *value, *degrees, *minutes);
 }
 
 bool GpsParseNmeaManager::divideDate(const char* field, unsigned short* year, unsigned short* month,
                                      unsigned short* day) {
     if (field == nullptr) return nmeaLog.failure("divideDate", "GpsParseNmeaManager::divideDate() Argument Error");
-    return sentence_text::splitDate(field, *year, *month, *day);
+    return sentence_text::splitDate(number_text::Token(field), *year, *month, *day);
 }
 
 bool GpsParseNmeaManager::divideTime(const char* field, unsigned short* hour, unsigned short* minute,
                                      unsigned short* second, unsigned short* milliSecond) {
     if (field == nullptr) return nmeaLog.failure("divideTime", "GpsParseNmeaManager::divideTime() Argument Error");
-    return sentence_text::splitTime(field, hour, minute, second, milliSecond);
+    return sentence_text::splitTime(number_text::Token(field), hour, minute, second, milliSecond);
 }
 
 unsigned int GpsParseNmeaManager::convertStatus(const char* field) {

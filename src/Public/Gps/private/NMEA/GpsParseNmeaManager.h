@@ -150,7 +150,6 @@ private:
     GPVTG vtgData;
     GPZDA zdaData;
     PUBX pubxData;
-    PARSE_NMEA parseNmeaData;
     ParsedFlags parsedFlags;
     unsigned int usedSatCount;
     unsigned int gsvSatCount;

@@ -104,11 +104,11 @@ bool readPosition(GpsParseNmeaManager& manager, const Frame& frame, const char* 
  * means that one.
  */
 bool readDeadReckoning(const char* cursor, PUBX& record) {
-    std::string_view field;
+    Token field;
     cursor = sentence_text::readField(cursor, field);
     if (cursor != nullptr && cursor[-1] != '*') cursor = sentence_text::readField(cursor, field);
     if (cursor == nullptr) return nmeaLog.failure(kPubx.function, kPubxDeadReckoningMissing);
-    record.DR_MODE = static_cast<int>(number_text::toInteger(field));
+    record.DR_MODE = static_cast<int>(field.toInteger());
     return true;
 }
 

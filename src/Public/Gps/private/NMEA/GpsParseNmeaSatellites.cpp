@@ -94,10 +94,10 @@ bool GpsParseNmeaManager::parseGsaSentence(const char* sentence, const GPS_PARSE
     const char* cursor = begin(*this, kGsa, sentence, recipients, *record);
     if (cursor == nullptr || !readAll<kGsaFix>(kGsa.function, cursor, *record)) return false;
     for (unsigned char& used : record->SatUsed) {
-        std::string_view field;
+        Token field;
         cursor = sentence_text::readField(cursor, field);
         if (cursor == nullptr) return nmeaLog.failure(kGsa.function, kGsaSatelliteMissing);
-        used = static_cast<unsigned char>(number_text::toInteger(field));
+        used = static_cast<unsigned char>(field.toInteger());
         ++usedSatCount;
     }
     if (!readAll<kGsaDilution>(kGsa.function, cursor, *record)) return false;

@@ -49,7 +49,6 @@ double toDoubleSlowly(std::string_view text) {
 
 namespace {
 
-constexpr std::uint64_t kIntegerPowersOfTen[] = {1, 10, 100, 1000, 10000, 100000};
 constexpr double kSmallestFast = 0x1p-11;  // below it the last bit of a double is worth less than 2^-64
 constexpr double kLargestFast = 1e9;
 
@@ -73,14 +72,14 @@ unsigned int writeDigits(char* out, std::uint64_t value, unsigned int minimum) {
 unsigned int writeMagnitude(char* out, double magnitude, unsigned int precision) {
     auto whole = static_cast<std::uint64_t>(magnitude);
     const auto fraction = static_cast<std::uint64_t>((magnitude - static_cast<double>(whole)) * 0x1p64);
-    const std::uint64_t low = (fraction & 0xFFFFFFFF) * kIntegerPowersOfTen[precision];
-    const std::uint64_t high = (fraction >> 32) * kIntegerPowersOfTen[precision] + (low >> 32);
+    const std::uint64_t low = (fraction & 0xFFFFFFFF) * kPowersOfTen<std::uint64_t>[precision];
+    const std::uint64_t high = (fraction >> 32) * kPowersOfTen<std::uint64_t>[precision] + (low >> 32);
     const std::uint64_t rest = high << 32 | (low & 0xFFFFFFFF);
     std::uint64_t decimals = high >> 32;
     constexpr std::uint64_t kHalf = std::uint64_t{1} << 63;
     const std::uint64_t last = precision == 0 ? whole : decimals;
     if (rest > kHalf || (rest == kHalf && (last & 1) != 0)) ++decimals;
-    if (decimals == kIntegerPowersOfTen[precision]) {
+    if (decimals == kPowersOfTen<std::uint64_t>[precision]) {
         decimals = 0;
         ++whole;
     }

@@ -1,6 +1,8 @@
 #ifndef GPS_PRIVATE_NMEA_NUMBER_TEXT_H
 #define GPS_PRIVATE_NMEA_NUMBER_TEXT_H
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -23,66 +25,95 @@ constexpr bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/** Reads the digits that a text begins with. False when there are none, or too many to be sure of the value. */
-constexpr bool readDigits(std::string_view text, std::uint64_t& value) {
-    constexpr std::size_t kSafeDigits = std::numeric_limits<long>::digits10;  // as many nines fit
-    std::size_t count = 0;
-    value = 0;
-    for (; count < text.size() && isDigit(text[count]); ++count) {
-        if (count == kSafeDigits) return false;
-        value = value * 10 + static_cast<std::uint64_t>(text[count] - '0');
+/** 10^0 to 10^19, each exact in both types. */
+template <class Number>
+inline constexpr auto kPowersOfTen = [] {
+    std::array<Number, 20> powers{};
+    std::uint64_t power = 1;
+    for (Number& each : powers) {
+        each = static_cast<Number>(power);
+        power *= 10;
     }
-    return count != 0;
-}
+    return powers;
+}();
 
-/**
- * Reads a number of nothing but digits with at most one point. An integer below 2^53 divided by a power of ten below
- * 10^23 is rounded once, so the result is the correctly rounded one (Clinger, "How to read floating point numbers
- * accurately", 1990).
- */
-constexpr bool readPlainDecimal(std::string_view text, double& value) {
-    constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8, 1e9,
-                                       1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18};
-    constexpr std::uint64_t kLargestExactInteger = std::uint64_t{1} << 53;
-    constexpr std::size_t kSafeCharacters = std::numeric_limits<std::int64_t>::digits10;
-    if (text.empty() || text.size() > kSafeCharacters || !isDigit(text[0])) return false;
-    std::uint64_t digits = 0;
-    std::size_t i = 0;
-    for (; i < text.size() && isDigit(text[i]); ++i) {
-        digits = digits * 10 + static_cast<std::uint64_t>(text[i] - '0');
+/** Digits with at most one point before, among or behind them; 19 characters at most, possibly none. */
+struct Decimal {
+    static constexpr std::size_t LONGEST_TEXT = 19;
+
+    std::uint64_t digits = 0;     ///< all of them as an integer
+    std::size_t wholeDigits = 0;  ///< how many stand before the point
+    std::size_t decimals = 0;     ///< how many stand behind it
+    std::size_t length = 0;       ///< characters, the point included
+
+    /** Reads as much of a text as is a decimal: up to `limit` characters or the first that is none of it. */
+    static constexpr Decimal read(const char* text, std::size_t limit) {
+        limit = std::min(limit, LONGEST_TEXT);
+        std::uint64_t digits = 0;
+        const std::size_t point = takeDigits(text, 0, limit, digits);
+        if (point == limit || text[point] != '.') return {digits, point, 0, point};
+        const std::size_t end = takeDigits(text, point + 1, limit, digits);
+        return {digits, point, end - (point + 1), end};
     }
-    std::size_t decimals = 0;
-    if (i < text.size() && text[i] == '.') {
-        for (++i; i < text.size() && isDigit(text[i]); ++i) {
-            digits = digits * 10 + static_cast<std::uint64_t>(text[i] - '0');
-            ++decimals;
+
+    /** Without the digits behind the point. */
+    constexpr std::uint64_t whole() const {
+        return decimals == 0 ? digits : digits / kPowersOfTen<std::uint64_t>[decimals];
+    }
+
+private:
+    static constexpr std::size_t takeDigits(const char* text, std::size_t i, std::size_t limit, std::uint64_t& digits) {
+        for (; i != limit; ++i) {
+            const unsigned int digit = static_cast<unsigned char>(text[i]) - unsigned{'0'};
+            if (digit > 9) break;
+            digits = digits * 10 + digit;
         }
+        return i;
     }
-    if (i != text.size() || digits > kLargestExactInteger) return false;
-    value = static_cast<double>(digits) / kPowersOfTen[decimals];
-    return true;
-}
+};
 
-// Text of at most 127 characters without a NUL; leading blanks, signs and whatever follows the number included.
+/** A text of at most 127 characters without a NUL, and the number that it is, if it is a plain one. */
+class Token {
+public:
+    Token() = default;
+    explicit Token(std::string_view text) : Token(text, Decimal::read(text.data(), text.size())) {}
+    /** @param decimal what `text` begins with */
+    Token(std::string_view text, const Decimal& decimal) : mText(text), mDecimal(decimal) {}
 
-inline long toInteger(std::string_view text) {
-    std::uint64_t digits = 0;
-    if (text.empty()) return 0;
-    return readDigits(text, digits) ? static_cast<long>(digits) : toIntegerSlowly(text);
-}
+    std::string_view text() const { return mText; }
+    /** Whether the text is a decimal and nothing else, small enough for exact arithmetic. */
+    bool isPlain() const { return mDecimal.length == mText.size() && mDecimal.digits <= kLargest; }
+    const Decimal& decimal() const { return mDecimal; }
 
-inline unsigned long toUnsigned(std::string_view text) {
-    std::uint64_t digits = 0;
-    if (text.empty()) return 0;
-    return readDigits(text, digits) ? static_cast<unsigned long>(digits) : toUnsignedSlowly(text);
-}
+    // As the C library reads the text; leading blanks, signs and whatever follows the number included.
 
-inline double toDouble(std::string_view text) {
-    double value = 0.0;
-    if (text.empty() || readPlainDecimal(text, value)) return value;
-    if (text[0] == '-' && readPlainDecimal(text.substr(1), value)) return -value;
-    return toDoubleSlowly(text);
-}
+    long toInteger() const { return isPlain() ? static_cast<long>(mDecimal.whole()) : toIntegerSlowly(mText); }
+    unsigned long toUnsigned() const {
+        return isPlain() ? static_cast<unsigned long>(mDecimal.whole()) : toUnsignedSlowly(mText);
+    }
+    /**
+     * An integer below 2^53 divided by a power of ten below 10^23 is rounded once, so the result is the correctly
+     * rounded one (Clinger, "How to read floating point numbers accurately", 1990).
+     */
+    double toDouble() const { return isPlain() ? magnitude() : toSignedDouble(); }
+
+private:
+    static constexpr std::uint64_t kLargest =
+        std::min(std::uint64_t{1} << 53, static_cast<std::uint64_t>(std::numeric_limits<long>::max()));
+
+    double magnitude() const {
+        return static_cast<double>(static_cast<std::int64_t>(mDecimal.digits)) /
+               kPowersOfTen<double>[mDecimal.decimals];
+    }
+    double toSignedDouble() const {
+        if (!mText.starts_with('-')) return toDoubleSlowly(mText);
+        const Token positive(mText.substr(1));
+        return positive.isPlain() && positive.mDecimal.digits != 0 ? -positive.magnitude() : toDoubleSlowly(mText);
+    }
+
+    std::string_view mText;
+    Decimal mDecimal;
+};
 
 /** Value of a hexadecimal digit, -1 for any other character. */
 constexpr int hexDigit(char c) {

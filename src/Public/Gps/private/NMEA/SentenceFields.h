@@ -13,10 +13,12 @@
 /** Field lists of sentences as data: each row says where a field goes and what is said when the field is missing. */
 namespace sentence_fields {
 
+using number_text::Token;
+
 /** One field of a sentence that is read into `Record`. */
 template <class Record>
 struct Field {
-    bool (*store)(std::string_view field, Record& record);
+    bool (*store)(const Token& field, Record& record);
     const char* missing;
     const char* unreadable = "";  // said when the field's text cannot be split; only fields of several parts
 };
@@ -24,67 +26,67 @@ struct Field {
 // What a row may do with its field. All numbers are narrowed to the record's field as a cast does.
 
 template <class Record>
-bool skip(std::string_view, Record&) {
+bool skip(const Token&, Record&) {
     return true;
 }
 
 template <auto member, class Record>
-bool integer(std::string_view field, Record& record) {
+bool integer(const Token& field, Record& record) {
     using Value = std::remove_reference_t<decltype(record.*member)>;
-    record.*member = static_cast<Value>(number_text::toInteger(field));
+    record.*member = static_cast<Value>(field.toInteger());
     return true;
 }
 
 template <auto member, class Record>
-bool natural(std::string_view field, Record& record) {
+bool natural(const Token& field, Record& record) {
     using Value = std::remove_reference_t<decltype(record.*member)>;
-    record.*member = static_cast<Value>(number_text::toUnsigned(field));
+    record.*member = static_cast<Value>(field.toUnsigned());
     return true;
 }
 
 template <auto member, class Record>
-bool number(std::string_view field, Record& record) {
-    record.*member = number_text::toDouble(field);
+bool number(const Token& field, Record& record) {
+    record.*member = field.toDouble();
     return true;
 }
 
 template <auto member, auto codeOf, class Record>
-bool code(std::string_view field, Record& record) {
-    record.*member = codeOf(field);
+bool code(const Token& field, Record& record) {
+    record.*member = codeOf(field.text());
     return true;
 }
 
 template <class Record>
-bool time(std::string_view field, Record& record) {
+bool time(const Token& field, Record& record) {
     return sentence_text::splitTime(field, &record.Hour, &record.Minute, &record.Second, &record.MilliSecond);
 }
 
 template <class Record>
-bool date(std::string_view field, Record& record) {
+bool date(const Token& field, Record& record) {
     return sentence_text::splitDate(field, record.Year, record.Month, record.Day);
 }
 
 template <class Record>
-bool latitude(std::string_view field, Record& record) {
+bool latitude(const Token& field, Record& record) {
     return sentence_text::splitCoordinate(field, 2, record.Lat, record.LatDeg, record.LatMin);
 }
 
 template <class Record>
-bool longitude(std::string_view field, Record& record) {
+bool longitude(const Token& field, Record& record) {
     return sentence_text::splitCoordinate(field, 3, record.Lon, record.LonDeg, record.LonMin);
 }
 
 template <class Record>
-bool northSouth(std::string_view field, Record& record) {
-    if (!field.starts_with('S')) return true;
+bool northSouth(const Token& field, Record& record) {
+    if (!field.text().starts_with('S')) return true;
     record.Lat = -record.Lat;
     record.LatDeg = -record.LatDeg;
     return true;
 }
 
 template <class Record>
-bool eastWest(std::string_view field, Record& record) {
-    if (!field.starts_with('W')) return true;
+bool eastWest(const Token& field, Record& record) {
+    if (!field.text().starts_with('W')) return true;
     record.Lon = -record.Lon;
     record.LonDeg = -record.LonDeg;
     return true;
@@ -92,8 +94,8 @@ bool eastWest(std::string_view field, Record& record) {
 
 /** "W" makes an earlier field negative. */
 template <auto member, class Record>
-bool westNegates(std::string_view field, Record& record) {
-    if (field.starts_with('W')) record.*member = -(record.*member);
+bool westNegates(const Token& field, Record& record) {
+    if (field.text().starts_with('W')) record.*member = -(record.*member);
     return true;
 }
 
@@ -101,7 +103,7 @@ bool westNegates(std::string_view field, Record& record) {
 template <class Record>
 [[gnu::always_inline]] inline bool read(const Field<Record>& field, const char* function, const char*& cursor,
                                         Record& record) {
-    std::string_view text;
+    Token text;
     cursor = sentence_text::readField(cursor, text);
     if (cursor == nullptr) [[unlikely]]
         return sentence_text::nmeaLog.failure(function, field.missing);
@@ -127,7 +129,7 @@ struct Frame {
 
 /** Reads the address field of a terminated sentence; null, with the message logged, when it is missing. */
 inline const char* readAddress(const Frame& frame, const char* sentence) {
-    std::string_view address;
+    Token address;
     const char* const cursor = sentence_text::readField(sentence, address);
     if (cursor == nullptr) sentence_text::nmeaLog(frame.function, frame.addressError);
     return cursor;

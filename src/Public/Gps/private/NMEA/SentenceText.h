@@ -5,9 +5,12 @@
 
 #include "Gps/private/GpsLog.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/NumberText.h"
 
 /** The text of sentences: framing, kinds and fields. Shared by parsing and rewriting. */
 namespace sentence_text {
+
+using number_text::Token;
 
 inline constexpr GpsLog nmeaLog("src/Public/Gps/private/NMEA/GpsParseNmeaManager");
 
@@ -42,31 +45,31 @@ const char* noField(const char* text);
  * Reads the field at the cursor of a terminated text; "," and "*" end fields.
  * @return the place behind the separator, or null when none ends the field within 19 characters
  */
-inline const char* readField(const char* cursor, std::string_view& field) {
-    for (unsigned int i = 0; i < GpsParseNmeaManager::TOKEN_SIZE; ++i) {
-        const char c = cursor[i];
-        if (c == ',' || c == '*') {
-            field = {cursor, i};
-            return cursor + i + 1;
-        }
-        if (c == '\0' && i != 0) {
-            field = {cursor, i};
-            return nullptr;
-        }
-        if (c == '\0') break;
+inline const char* readField(const char* cursor, Token& field) {
+    constexpr unsigned int kLongest = GpsParseNmeaManager::TOKEN_SIZE - 1;
+    const auto decimal = number_text::Decimal::read(cursor, kLongest);
+    std::size_t length = decimal.length;
+    for (;; ++length) {
+        if (static_cast<unsigned char>(cursor[length]) > ',') continue;  // digits, letters and points, at one glance
+        if (cursor[length] == ',' || cursor[length] == '*' || cursor[length] == '\0') break;
     }
-    field = {cursor, 0};
-    return noField(cursor);
+    const bool isAtEnd = cursor[length] == '\0';
+    if (length > kLongest || (isAtEnd && length == 0)) {
+        field = Token();
+        return noField(cursor);
+    }
+    field = Token({cursor, length}, decimal);
+    return isAtEnd ? nullptr : cursor + length + 1;
 }
 
 // Fields of several parts. Any text can be split: a part that is not there gives 0.
 
-/** Splits ddmm.mmmm or dddmm.mmmm, by the number of degree digits. */
-bool splitCoordinate(std::string_view field, unsigned int degreeDigits, double& value, int& degrees, double& minutes);
+/** Splits ddmm.mmmm or dddmm.mmmm, by the number of degree digits. The minutes are seven characters at most. */
+bool splitCoordinate(const Token& field, unsigned int degreeDigits, double& value, int& degrees, double& minutes);
 /** Splits ddmmyy. */
-bool splitDate(std::string_view field, unsigned short& year, unsigned short& month, unsigned short& day);
+bool splitDate(const Token& field, unsigned short& year, unsigned short& month, unsigned short& day);
 /** Splits hhmmss.sss; outputs that are null take no characters. */
-bool splitTime(std::string_view field, unsigned short* hour, unsigned short* minute, unsigned short* second,
+bool splitTime(const Token& field, unsigned short* hour, unsigned short* minute, unsigned short* second,
                unsigned short* milliSecond);
 
 // Codes of status and mode letters, as the records document them.
