@@ -39,15 +39,88 @@ double toRadians(double value) {
     return decimalDegrees * kPi / 180.0;
 }
 
-double quantise(double degrees) {
-    return static_cast<double>(truncateToInt(degrees * 3600.0 * 256.0)) / kQuantaPerDegree;
+/** A Tokyo position, and the same point in WGS84's Cartesian coordinates. */
+struct TokyoPoint {
+    TokyoPoint(double latitude, double longitude)
+        : phi(toRadians(latitude)),
+          lambda(toRadians(longitude)),
+          sinPhi(std::sin(phi)),
+          cosPhi(std::cos(phi)),
+          sinLambda(std::sin(lambda)),
+          cosLambda(std::cos(lambda)),
+          n(kBesselSemiMajor / std::sqrt(1.0 - kBesselEccentricitySquared * sinPhi * sinPhi)),
+          x(n * cosPhi * cosLambda + kShiftX),
+          y(n * cosPhi * sinLambda + kShiftY),
+          z(n * kBesselOneMinusEccentricitySquared * sinPhi + kShiftZ),
+          p(std::sqrt(x * x + y * y)) {}
+
+    double phi, lambda;  // radians
+    double sinPhi, cosPhi, sinLambda, cosLambda;
+    double n, x, y, z, p;  // metres
+};
+
+struct Quanta {
+    int latitude, longitude;
+};
+
+int quantise(double radians) {
+    return truncateToInt(radians / kRadiansPerDegree * 3600.0 * 256.0);
 }
 
-void decompose(double quantised, double& value, int& degrees, double& minutes) {
-    const int whole = truncateToInt(quantised);
-    const double signedMinutes = (quantised - whole) * 60.0;
-    value = signedMinutes + 100.0 * whole;
-    degrees = whole;
+/** The formula itself: what it gives is right by definition. */
+Quanta toWgs84Exactly(const TokyoPoint& point) {
+    const double theta = std::atan2(point.z, point.p * kWgs84AxisRatio);
+    const double sinTheta = std::sin(theta);
+    const double cosTheta = std::cos(theta);
+    const double phi = std::atan2(point.z + kWgs84SecondTimesSemiMinor * sinTheta * sinTheta * sinTheta,
+                                  point.p - kWgs84FirstTimesSemiMajor * cosTheta * cosTheta * cosTheta);
+    return {quantise(phi), quantise(std::atan2(point.y, point.x))};
+}
+
+/** The arc tangent of at most a hundredth, by its series; the first term left out is below 2^-62. */
+double smallArcTangent(double t) {
+    const double square = t * t;
+    return t - t * square * (1.0 / 3 - square * (1.0 / 5 - square * (1.0 / 7 - square * (1.0 / 9))));
+}
+
+/** Quantises what is known to a ten-thousandth of a quantum. False when the steps on either side come too near. */
+bool quantiseSafely(double radians, int& quanta) {
+    constexpr double kQuantaPerRadian = kQuantaPerDegree / kRadiansPerDegree;
+    constexpr double kDoubt = 1e-4;
+    const double exact = radians * kQuantaPerRadian;
+    quanta = static_cast<int>(exact);
+    const double rest = std::fabs(exact - quanta);
+    return rest > kDoubt && rest < 1.0 - kDoubt;
+}
+
+/**
+ * The same by the small angles that the shift turns a position through: the sine and cosine of Bowring's angle come
+ * from its sides, and no large arc tangent is needed. The rounding errors, below 1e-6 of a quantum, cannot show but
+ * near a step of the quantisation. False there, and near the poles and the date line, where angles are not small or
+ * wrap.
+ */
+bool toWgs84Quickly(const TokyoPoint& point, Quanta& result) {
+    constexpr double kLargestPhi = 1.5;
+    constexpr double kLargestLambda = 3.13;
+    if (!(std::fabs(point.phi) < kLargestPhi && std::fabs(point.lambda) < kLargestLambda)) return false;
+    const double adjacent = point.p * kWgs84AxisRatio;
+    const double scale = 1.0 / std::sqrt(adjacent * adjacent + point.z * point.z);
+    const double sinTheta = point.z * scale;
+    const double cosTheta = adjacent * scale;
+    const double up = point.z + kWgs84SecondTimesSemiMinor * sinTheta * sinTheta * sinTheta;
+    const double out = point.p - kWgs84FirstTimesSemiMajor * cosTheta * cosTheta * cosTheta;
+    const double phiTurn = (up * point.cosPhi - out * point.sinPhi) / (out * point.cosPhi + up * point.sinPhi);
+    const double lambdaTurn = (kShiftY * point.cosLambda - kShiftX * point.sinLambda) /
+                              (point.n * point.cosPhi + kShiftX * point.cosLambda + kShiftY * point.sinLambda);
+    return quantiseSafely(point.phi + smallArcTangent(phiTurn), result.latitude) &&
+           quantiseSafely(point.lambda + smallArcTangent(lambdaTurn), result.longitude);
+}
+
+void decompose(int quanta, double& value, int& degrees, double& minutes) {
+    const double quantised = quanta / kQuantaPerDegree;
+    degrees = static_cast<int>(quantised);
+    const double signedMinutes = (quantised - degrees) * 60.0;
+    value = signedMinutes + 100.0 * degrees;
     minutes = std::fabs(signedMinutes);
 }
 
@@ -59,28 +132,11 @@ bool GpsParseNmeaManager::convertTokyoToWgs84(double* lat, int* latDeg, double* 
         lonMin == nullptr) {
         return nmeaLog.failure("convertTokyoToWgs84", "GpsParseNmeaManager::convertTokyoToWgs84() Argument Error");
     }
-    const double phi = toRadians(*lat);
-    const double lambda = toRadians(*lon);
-    const double sinPhi = std::sin(phi);
-    const double cosPhi = std::cos(phi);
-    const double sinLambda = std::sin(lambda);
-    const double cosLambda = std::cos(lambda);
-
-    const double n = kBesselSemiMajor / std::sqrt(1.0 - kBesselEccentricitySquared * sinPhi * sinPhi);
-    const double x = n * cosPhi * cosLambda + kShiftX;
-    const double y = n * cosPhi * sinLambda + kShiftY;
-    const double z = n * kBesselOneMinusEccentricitySquared * sinPhi + kShiftZ;
-
-    const double p = std::sqrt(x * x + y * y);
-    const double theta = std::atan2(z, p * kWgs84AxisRatio);
-    const double sinTheta = std::sin(theta);
-    const double cosTheta = std::cos(theta);
-    const double newPhi = std::atan2(z + kWgs84SecondTimesSemiMinor * sinTheta * sinTheta * sinTheta,
-                                     p - kWgs84FirstTimesSemiMajor * cosTheta * cosTheta * cosTheta);
-    const double newLambda = std::atan2(y, x);
-
-    decompose(quantise(newPhi / kRadiansPerDegree), *lat, *latDeg, *latMin);
-    decompose(quantise(newLambda / kRadiansPerDegree), *lon, *lonDeg, *lonMin);
+    const TokyoPoint point(*lat, *lon);
+    Quanta wgs84;
+    if (!toWgs84Quickly(point, wgs84)) wgs84 = toWgs84Exactly(point);
+    decompose(wgs84.latitude, *lat, *latDeg, *latMin);
+    decompose(wgs84.longitude, *lon, *lonDeg, *lonMin);
     return true;
 }
 
