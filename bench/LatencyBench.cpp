@@ -14,7 +14,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <stop_token>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Gps/Gps.h"
@@ -22,7 +24,8 @@
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
 
 // The time from the last byte of a sentence written to a pseudo-terminal until a client has the sentence: through this
-// library in the client's process, and through gpsd (where it is installed) over its socket.
+// library in the client's process, and through gpsd (where it is installed) over its socket. Beside them stands the
+// time until a thread that does nothing but wait for the terminal has read it: below that no client can come.
 
 extern char** environ;
 
@@ -86,7 +89,8 @@ double microsecondsSince(Clock::time_point start, Clock::time_point end) {
 
 class Stopwatch : public GpsNmeaListener {
 public:
-    void notifyReceiveNmeaSentence(const char*, unsigned int) override {
+    void notifyReceiveNmeaSentence(const char*, unsigned int) override { stop(); }
+    void stop() {
         mArrival = Clock::now();
         mArrived.SetEvent();
     }
@@ -101,22 +105,46 @@ private:
     QvEvent mArrived;
 };
 
-Result measureLibrary() {
-    PseudoTerminal terminal;
-    setenv("GPSHAL_DEVICE", terminal.device(), 1);
-    Stopwatch stopwatch;
-    Gps::GetInstance()->registerGpsNmeaListener(&stopwatch, GEODETIC_SYSTEM_WGS84);
+Result measure(const PseudoTerminal& terminal, Stopwatch& stopwatch) {
     std::vector<double> microseconds;
     for (int i = 0; i < kSentences; ++i) {
         const std::string sentence = sentenceOf(i);
         const auto start = Clock::now();
         terminal.write(sentence);
         microseconds.push_back(microsecondsSince(start, stopwatch.await()));
-        usleep(static_cast<useconds_t>(std::chrono::microseconds(kPause).count()));
+        std::this_thread::sleep_for(kPause);
     }
+    return evaluate(microseconds);
+}
+
+Result measureLibrary() {
+    const PseudoTerminal terminal;
+    setenv("GPSHAL_DEVICE", terminal.device(), 1);
+    Stopwatch stopwatch;
+    Gps::GetInstance()->registerGpsNmeaListener(&stopwatch, GEODETIC_SYSTEM_WGS84);
+    const Result result = measure(terminal, stopwatch);
     Gps::GetInstance()->unRegisterGpsNmeaListener(&stopwatch);
     QvSingletonFinalizer::finalize();
-    return evaluate(microseconds);
+    return result;
+}
+
+Result measureBareRead() {
+    const PseudoTerminal terminal;
+    const int device = open(terminal.device(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    Stopwatch stopwatch;
+    std::jthread reader([&](const std::stop_token& isEnding) {
+        char buffer[4096];
+        pollfd readable{device, POLLIN, 0};
+        while (!isEnding.stop_requested()) {
+            if (poll(&readable, 1, 100) != 1) continue;
+            const ssize_t count = read(device, buffer, sizeof(buffer));
+            if (count > 0 && buffer[count - 1] == '\n') stopwatch.stop();
+        }
+    });
+    const Result result = measure(terminal, stopwatch);
+    reader = {};
+    close(device);
+    return result;
 }
 
 /** Connects to gpsd as soon as it listens; -1 when it never does. */
@@ -171,7 +199,7 @@ bool measureGpsd(Result& result) {
         terminal.write(sentence);
         isMeasured = awaitText(client, sentence.substr(0, 20));
         microseconds.push_back(microsecondsSince(start, Clock::now()));
-        usleep(static_cast<useconds_t>(std::chrono::microseconds(kPause).count()));
+        std::this_thread::sleep_for(kPause);
     }
     if (client >= 0) close(client);
     kill(gpsd, SIGTERM);
@@ -180,17 +208,22 @@ bool measureGpsd(Result& result) {
     return isMeasured;
 }
 
+void print(const char* what, const Result& result) {
+    std::printf("latency/%s median %.1f us, 99th percentile %.1f us\n", what, result.medianUs, result.p99Us);
+}
+
 }  // namespace
 
 int main() {
+    print("bare read", measureBareRead());
     const Result library = measureLibrary();
-    std::printf("latency/library median %.1f us, 99th percentile %.1f us\n", library.medianUs, library.p99Us);
+    print("library", library);
     Result gpsd{};
     if (!measureGpsd(gpsd)) {
         std::puts("latency/gpsd skipped: gpsd is not installed, or did not pass the sentences on");
         return 0;
     }
-    std::printf("latency/gpsd median %.1f us, 99th percentile %.1f us\n", gpsd.medianUs, gpsd.p99Us);
+    print("gpsd", gpsd);
     std::printf("latency/ratio median %.1f, 99th percentile %.1f\n", gpsd.medianUs / library.medianUs,
                 gpsd.p99Us / library.p99Us);
     return 0;

@@ -34,3 +34,11 @@ build_preset() {
   rm -f "$log"
   cmake --build "$top/build/$preset" ${1:+--target "$@"}
 }
+
+# privately COMMAND...: runs it with a /dev/shm of its own, where the system allows that.
+privately() {
+  local private=()
+  if unshare -m true 2>/dev/null; then private=(unshare -m); elif unshare -rm true 2>/dev/null; then private=(unshare -rm); fi
+  [ ${#private[@]} -eq 0 ] || set -- "${private[@]}" sh -c 'mount -t tmpfs tmpfs /dev/shm && exec "$@"' sh "$@"
+  "$@"
+}
