@@ -52,7 +52,7 @@ public:
     explicit SkyMap(const Panel& panel)
         : mCentreX((panel.width() - 1) / 2),
           mCentreY((panel.height() - 1) / 2),
-          mRadius(std::min((panel.width() - 4) / 4.0, (panel.height() - 1) / 2.0)) {}
+          mRadius(std::min((panel.width() - 4) / 4.0, static_cast<double>(mCentreY))) {}
 
     struct Place {
         int x;

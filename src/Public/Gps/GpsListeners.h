@@ -9,6 +9,7 @@
 #include "Gps/GpsSetting.h"
 
 /**
+ * @file
  * The seven listener interfaces. A client derives from those it needs, overrides what it cares about and registers the
  * object through `Gps`. The library never owns, copies or deletes a listener: the object must live until its
  * unregistration has returned. When an unregistration returns on one thread, the listener is not being called and will
@@ -94,6 +95,7 @@ public:
     /**
      * The receiver's answer to the oldest request of this process that awaits one.
      * @param acknowledged true when the receiver accepted the setting, false when it refused it
+     * @param setting the setting that was requested
      */
     virtual void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting);
 };

@@ -6,6 +6,7 @@
 #include "Gps/GpsNmeaRecords.h"
 
 /**
+ * @file
  * Records of the location-data path. A client hands in a GPS_LOCATION_SYNC_DATA; location listeners in every process
  * are told the LOCATION_DATA made of it. The PASCD block belongs to its producer and its listeners: the library copies
  * it bit for bit and does not look into it.

@@ -2,6 +2,7 @@
 #define GPS_GPS_NMEA_RECORDS_H
 
 /**
+ * @file
  * Records of the parsed NMEA 0183 sentences.
  *
  * All records are plain structures; a record or field that nothing has been read into is zero.
