@@ -1,7 +1,8 @@
 #include "tools/gps-decode/Options.h"
 
-#include <CLI/CLI.hpp>
 #include <map>
+
+#include "tools/common/CommandLine.h"
 
 namespace decode {
 
@@ -64,18 +65,11 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     Typed typed;
     CLI::App app(kDescription, "gps-decode");
     app.footer(kFooter);
-    app.set_version_flag("--version", "gps-decode " GPS_DECODE_VERSION);
     addOptions(app, options, typed);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& helpOrVersion) {
-        return app.exit(helpOrVersion);
-    } catch (const CLI::ParseError& error) {
-        throw BadUse(error.what());
-    }
+    if (const auto status = tool::parseCommandLine(app, argc, argv)) return *status;
     options.setup = {kDatums.at(typed.base), kDatums.at(typed.wanted), !typed.isUnfinished};
     if (options.isGpx && options.setup.wanted != GEODETIC_SYSTEM_WGS84) {
-        throw BadUse("--gpx excludes --want tokyo: a track is in WGS84");
+        throw tool::BadUse("--gpx excludes --want tokyo: a track is in WGS84");
     }
     return options;
 }

@@ -1,19 +1,12 @@
 #ifndef GPS_DECODE_OPTIONS_H
 #define GPS_DECODE_OPTIONS_H
 
-#include <stdexcept>
 #include <string>
 #include <variant>
 
 #include "tools/gps-decode/Decoder.h"
 
 namespace decode {
-
-/** The command line asks for something that cannot be done; the text names the option. */
-class BadUse : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 struct Options {
     Setup setup;
@@ -23,7 +16,8 @@ struct Options {
     bool isVerbose = false;
 };
 
-/** The options, or the exit status of a program that has said all there is to say (help, version). Throws BadUse. */
+/** The options, or the exit status of a program that has said all there is to say (help, version). Throws tool::BadUse.
+ */
 std::variant<Options, int> parseOptions(int argc, char** argv);
 
 }  // namespace decode

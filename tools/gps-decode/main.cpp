@@ -1,14 +1,10 @@
-#include <fcntl.h>
-#include <signal.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "QvFramework/Foundation/QvDbgOutput.h"
+#include "tools/common/Program.h"
 #include "tools/gps-decode/Decoder.h"
 #include "tools/gps-decode/GpxTrack.h"
 #include "tools/gps-decode/Input.h"
@@ -24,20 +20,7 @@ namespace {
 constexpr std::size_t kBlock = 128 * 1024;
 constexpr int kSignalStatus = 128;  // plus the signal's number, as shells have it
 
-/** Keeps files from taking the place of a standard stream that the caller has closed: using that is an error. */
-void keepStandardStreams() {
-    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-    }
-}
-
 void discardMessage(void*, const char*, const char*, int, int, const char*) {}
-
-int complain(std::string problem, int status) {
-    std::replace(problem.begin(), problem.end(), '\n', ' ');
-    std::fprintf(stderr, "gps-decode: %s\n", problem.c_str());
-    return status;
-}
 
 std::unique_ptr<decode::Format> formatOf(const decode::Options& options) {
     if (options.isRaw) return std::make_unique<decode::RawSentences>();
@@ -86,16 +69,11 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    constexpr int kBadUseStatus = 2;
-    keepStandardStreams();
-    signal(SIGPIPE, SIG_IGN);
-    try {
-        return run(argc, argv);
-    } catch (const decode::ReaderGone&) {
-        return 0;
-    } catch (const decode::BadUse& problem) {
-        return complain(problem.what(), kBadUseStatus);
-    } catch (const std::exception& problem) {
-        return complain(problem.what(), 1);
-    }
+    return tool::runProgram("gps-decode", [&] {
+        try {
+            return run(argc, argv);
+        } catch (const decode::ReaderGone&) {
+            return 0;
+        }
+    });
 }

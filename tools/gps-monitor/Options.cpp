@@ -1,8 +1,6 @@
 #include "tools/gps-monitor/Options.h"
 
-#include <CLI/CLI.hpp>
-#include <iostream>
-
+#include "tools/common/CommandLine.h"
 #include "tools/gps-monitor/Keys.h"
 #include "tools/gps-monitor/Names.h"
 
@@ -10,7 +8,6 @@ namespace monitor {
 
 namespace {
 
-constexpr int kBadUse = 2;
 constexpr int kLongestRun = 365 * 24 * 3600;
 
 std::string checkSetting(const std::string& name) {
@@ -53,29 +50,18 @@ void addOptions(CLI::App& app, Options& options, Texts& texts) {
 
 }  // namespace
 
-CommandLine parseCommandLine(int argc, const char* const* argv) {
+std::variant<Options, int> parseOptions(int argc, const char* const* argv) {
     CLI::App app("Shows what the GPS service tells its clients.", "gps-monitor");
     app.footer(footer());
-    CommandLine commandLine;
-    Options& options = commandLine.options;
+    Options options;
     Texts texts;
     addOptions(app, options, texts);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::CallForHelp&) {
-        std::cout << app.help();
-        commandLine.exitCode = EXIT_SUCCESS;
-        return commandLine;
-    } catch (const CLI::ParseError& error) {
-        std::cerr << "gps-monitor: " << error.what() << '\n';
-        commandLine.exitCode = kBadUse;
-        return commandLine;
-    }
+    if (const auto status = tool::parseCommandLine(app, argc, argv)) return *status;
     if (texts.datum == "tokyo") options.datum = GEODETIC_SYSTEM_TOKYO;
     for (const std::string& name : texts.settings)
         options.settings.push_back(*findSetting(name));
     if (texts.seconds > 0) options.runTime = std::chrono::seconds(texts.seconds);
-    return commandLine;
+    return options;
 }
 
 }  // namespace monitor

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "Gps/GpsNmeaRecords.h"
@@ -21,14 +22,9 @@ struct Options {
     bool isPlain = false;
 };
 
-/** What the command line asks for: to run with `options`, or to end at once with `exitCode`. */
-struct CommandLine {
-    Options options;
-    std::optional<int> exitCode;
-};
-
-/** Prints the help, or one line about what is wrong, when the program is to end at once. */
-CommandLine parseCommandLine(int argc, const char* const* argv);
+/** The options, or the exit status of a program that has said all there is to say (help, version). Throws tool::BadUse.
+ */
+std::variant<Options, int> parseOptions(int argc, const char* const* argv);
 
 }  // namespace monitor
 

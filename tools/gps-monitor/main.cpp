@@ -1,18 +1,20 @@
-#include <cstdio>
-#include <cstdlib>
-#include <exception>
+#include <variant>
 
+#include "tools/common/Program.h"
 #include "tools/gps-monitor/Monitor.h"
 #include "tools/gps-monitor/Options.h"
 
+namespace {
+
+int run(int argc, char** argv) {
+    const auto options = monitor::parseOptions(argc, argv);
+    if (std::holds_alternative<int>(options)) return std::get<int>(options);
+    monitor::runMonitor(std::get<monitor::Options>(options));
+    return 0;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
-    try {
-        const monitor::CommandLine commandLine = monitor::parseCommandLine(argc, argv);
-        if (commandLine.exitCode) return *commandLine.exitCode;
-        monitor::runMonitor(commandLine.options);
-        return EXIT_SUCCESS;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "gps-monitor: %s\n", error.what());
-        return 1;
-    }
+    return tool::runProgram("gps-monitor", [&] { return run(argc, argv); });
 }

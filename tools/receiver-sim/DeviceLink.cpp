@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "Options.h"
+#include "tools/common/Program.h"
 
 namespace sim {
 
@@ -27,7 +27,7 @@ DeviceLink::DeviceLink(const std::string& path, const std::string& device) : mPa
     std::error_code error;
     if (isLeftOver(path, device)) fs::remove(path, error);
     fs::create_symlink(device, path, error);
-    if (error) throw BadUse("--link: " + path + ": " + error.message());
+    if (error) throw tool::BadUse("--link: " + path + ": " + error.message());
 }
 
 DeviceLink::~DeviceLink() {

@@ -10,7 +10,7 @@ class DeviceLink {
 public:
     /**
      * Replaces a link that leads nowhere, or to the terminal itself (one that a killed simulator left behind).
-     * @throws BadUse when the path is anything else, or cannot be made
+     * @throws tool::BadUse when the path is anything else, or cannot be made
      */
     DeviceLink(const std::string& path, const std::string& device);
     /** Removes the link, unless someone has made it lead elsewhere. */

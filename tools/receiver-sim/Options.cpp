@@ -1,10 +1,9 @@
 #include "Options.h"
 
-#include <CLI/CLI.hpp>
-#include <iostream>
 #include <map>
 
 #include "PortSpeed.h"
+#include "tools/common/CommandLine.h"
 
 namespace sim {
 
@@ -103,17 +102,10 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     Typed typed;
     CLI::App app(kDescription, "receiver-sim");
     app.footer(kFooter);
-    app.set_version_flag("--version", "receiver-sim " RECEIVER_SIM_VERSION);
     addReceiverOptions(app, options, typed);
     addRunOptions(app, options, typed);
     addReplayOptions(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& helpOrVersion) {
-        return app.exit(helpOrVersion);
-    } catch (const CLI::ParseError& error) {
-        throw BadUse(error.what());
-    }
+    if (const auto status = tool::parseCommandLine(app, argc, argv)) return *status;
     options.receiver.interval = Milliseconds(1000 / typed.rate);
     options.receiver.antenna.clear();
     for (const std::string& name : typed.antenna)

@@ -2,19 +2,12 @@
 #define RECEIVER_SIM_OPTIONS_H
 
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <variant>
 
 #include "Receiver.h"
 
 namespace sim {
-
-/** The command line asks for something that cannot be done; the text names the option. */
-class BadUse : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 struct Options {
     Receiver::Setup receiver;

@@ -9,6 +9,7 @@
 #include <numeric>
 
 #include "Nmea.h"
+#include "tools/common/Program.h"
 
 namespace sim {
 
@@ -34,7 +35,7 @@ Descriptor endingSignals() {
 LogReplay openLog(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    if (bytes.empty()) throw BadUse("--log: there is nothing to read in " + path);
+    if (bytes.empty()) throw tool::BadUse("--log: there is nothing to read in " + path);
     return LogReplay(bytes);
 }
 
@@ -42,7 +43,7 @@ std::ofstream openOutput(const char* option, const std::string& path) {
     std::ofstream file;
     if (path.empty()) return file;
     file.open(path);
-    if (!file) throw BadUse(std::string(option) + ": cannot write " + path);
+    if (!file) throw tool::BadUse(std::string(option) + ": cannot write " + path);
     return file;
 }
 

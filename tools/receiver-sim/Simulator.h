@@ -21,7 +21,7 @@ namespace sim {
 /** Runs a receiver, and perhaps a log in place of its drive, at a port in real time. */
 class Simulator {
 public:
-    /** @throws BadUse when a file or link that the options name cannot be used */
+    /** @throws tool::BadUse when a file or link that the options name cannot be used */
     explicit Simulator(const Options& options);
 
     const std::string& devicePath() const { return mPort.devicePath(); }

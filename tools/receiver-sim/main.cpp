@@ -1,30 +1,11 @@
-#include <fcntl.h>
-#include <signal.h>
-#include <unistd.h>
-
-#include <algorithm>
 #include <iostream>
-#include <string>
 #include <variant>
 
 #include "Options.h"
 #include "Simulator.h"
+#include "tools/common/Program.h"
 
 namespace {
-
-/** What is written to a stream that the caller has closed must not end up at the receiver's port. */
-void keepStandardStreams() {
-    int descriptor = open("/dev/null", O_RDWR);
-    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
-        descriptor = open("/dev/null", O_RDWR);
-    if (descriptor >= 0) close(descriptor);
-}
-
-int complain(std::string problem, int status) {
-    std::replace(problem.begin(), problem.end(), '\n', ' ');
-    std::cerr << "receiver-sim: " << problem << "\n";
-    return status;
-}
 
 int runSimulator(int argc, char** argv) {
     const auto options = sim::parseOptions(argc, argv);
@@ -38,14 +19,5 @@ int runSimulator(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    constexpr int kBadUseStatus = 2;
-    keepStandardStreams();
-    signal(SIGPIPE, SIG_IGN);
-    try {
-        return runSimulator(argc, argv);
-    } catch (const sim::BadUse& problem) {
-        return complain(problem.what(), kBadUseStatus);
-    } catch (const std::exception& problem) {
-        return complain(problem.what(), 1);
-    }
+    return tool::runProgram("receiver-sim", [&] { return runSimulator(argc, argv); });
 }

@@ -1,0 +1,55 @@
+#ifndef TOOLS_COMMON_PROGRAM_H
+#define TOOLS_COMMON_PROGRAM_H
+
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+/** What the tools' main functions have in common. */
+namespace tool {
+
+/** What the user asks for cannot be done; the text names the option. */
+class BadUse : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** Keeps files from taking the place of a standard stream that the caller has closed: using that is an error. */
+inline void keepStandardStreams() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
+inline int complain(const char* program, std::string problem, int status) {
+    std::replace(problem.begin(), problem.end(), '\n', ' ');
+    std::fprintf(stderr, "%s: %s\n", program, problem.c_str());
+    return status;
+}
+
+/**
+ * Runs a tool; a problem is one line on standard error.
+ * @return exit status: what `run` answers, 2 for bad use, 1 for any other problem
+ */
+template <class Run>
+int runProgram(const char* program, Run run) {
+    keepStandardStreams();
+    signal(SIGPIPE, SIG_IGN);
+    try {
+        return run();
+    } catch (const BadUse& problem) {
+        return complain(program, problem.what(), 2);
+    } catch (const std::exception& problem) {
+        return complain(program, problem.what(), 1);
+    }
+}
+
+}  // namespace tool
+
+#endif
