@@ -72,17 +72,25 @@ TEST(FastPath, OfTheDatumShiftGivesTheFormulasResult) {
     }
 }
 
+/** Goes to where a coordinate's result takes its next step, down to the last bit of the coordinate. */
+void compareNearAStep(Position from, double Position::*moved) {
+    Position to = from;
+    to.*moved += 1.0 / 15360;
+    const double before = byFormula(from.lat, from.lon).*moved;
+    while (std::nextafter(from.*moved, to.*moved) < to.*moved) {
+        Position middle = from;
+        middle.*moved = std::midpoint(from.*moved, to.*moved);
+        const Position expected = byFormula(middle.lat, middle.lon);
+        ASSERT_EQ(byManager(middle.lat, middle.lon), expected) << std::hexfloat << middle.lat << " " << middle.lon;
+        (expected.*moved == before ? from : to) = middle;
+    }
+}
+
 TEST(FastPath, OfTheDatumShiftKnowsWhereTheStepsAre) {
     for (int i = 0; i < 2000; ++i) {
-        double low = between(3000, 3059);
-        double high = low + 1.0 / 15360;  // one step of the result further, or nearly
-        const double lon = between(13000, 13059);
-        const double below = byFormula(low, lon).lat;
-        while (std::nextafter(low, high) < high) {  // down to the last bit
-            const double middle = std::midpoint(low, high);
-            ASSERT_EQ(byManager(middle, lon), byFormula(middle, lon)) << std::hexfloat << middle << " " << lon;
-            (byFormula(middle, lon).lat == below ? low : high) = middle;
-        }
+        const Position position = {between(3000, 3059), between(13000, 13059), 0, 0, 0, 0};
+        compareNearAStep(position, &Position::lat);
+        compareNearAStep(position, &Position::lon);
     }
 }
 

@@ -6,7 +6,7 @@
 
 // Three-parameter datum shift through Earth-centred Cartesian coordinates. The way back is Bowring's closed formula
 // (B. R. Bowring, "Transformation from spatial to geographical coordinates", Survey Review 181, 1976), one step: its
-// error stays far below the quantum of the result near the ellipsoid. The order of operations is part of the result.
+// error stays far below the quantum of the result near the ellipsoid.
 
 using sentence_text::nmeaLog;
 
@@ -67,7 +67,7 @@ int quantise(double radians) {
     return truncateToInt(radians / kRadiansPerDegree * 3600.0 * 256.0);
 }
 
-/** The formula itself: what it gives is right by definition. */
+/** The formula itself: what it gives is right by definition, and the order of its operations is part of it. */
 Quanta toWgs84Exactly(const TokyoPoint& point) {
     const double theta = std::atan2(point.z, point.p * kWgs84AxisRatio);
     const double sinTheta = std::sin(theta);
@@ -77,7 +77,7 @@ Quanta toWgs84Exactly(const TokyoPoint& point) {
     return {quantise(phi), quantise(std::atan2(point.y, point.x))};
 }
 
-/** The arc tangent of at most a hundredth, by its series; the first term left out is below 2^-62. */
+/** The arc tangent of at most a hundredth, by its series; the first term left out is below 2^-76. */
 double smallArcTangent(double t) {
     const double square = t * t;
     return t - t * square * (1.0 / 3 - square * (1.0 / 5 - square * (1.0 / 7 - square * (1.0 / 9))));
@@ -96,8 +96,8 @@ bool quantiseSafely(double radians, int& quanta) {
 /**
  * The same by the small angles that the shift turns a position through: the sine and cosine of Bowring's angle come
  * from its sides, and no large arc tangent is needed. The rounding errors, below 1e-6 of a quantum, cannot show but
- * near a step of the quantisation. False there, and near the poles and the date line, where angles are not small or
- * wrap.
+ * near a step of the quantisation. False there, near the poles and the date line, where angles are not small or wrap,
+ * and for what is no position.
  */
 bool toWgs84Quickly(const TokyoPoint& point, Quanta& result) {
     constexpr double kLargestPhi = 1.5;

@@ -13,6 +13,7 @@ GpsParseNmeaManager::GpsParseNmeaManager()
       vtgData{},
       zdaData{},
       pubxData{},
+      parseNmeaData{},
       parsedFlags{},
       usedSatCount(0),
       gsvSatCount(0),
@@ -75,7 +76,7 @@ void GpsParseNmeaManager::parseKind(const sentence_text::Sentence& sentence, con
  *  again. */
 bool GpsParseNmeaManager::deliverEpoch(const Recipients& recipients) {
     if (parsedFlags.gsv) checkGsvStatus(&gsvData, &gsaData);
-    PARSE_NMEA parseNmeaData = {ggaData, gllData, gsaData, gsvData, rmcData, vtgData};
+    parseNmeaData = {ggaData, gllData, gsaData, gsvData, rmcData, vtgData};
     const auto convert = [this](PARSE_NMEA& aggregate) {
         return convertTokyoToWgs84ForAllData(&aggregate.Gga, &aggregate.Gll, &aggregate.Rmc);
     };
@@ -92,6 +93,7 @@ void GpsParseNmeaManager::clearData() {
     rmcData = {};
     vtgData = {};
     zdaData = {};
+    parseNmeaData = {};
     parsedFlags = {};
     gsaSentenceCount = 0;
 }

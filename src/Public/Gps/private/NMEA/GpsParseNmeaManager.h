@@ -150,6 +150,7 @@ private:
     GPVTG vtgData;
     GPZDA zdaData;
     PUBX pubxData;
+    PARSE_NMEA parseNmeaData;
     ParsedFlags parsedFlags;
     unsigned int usedSatCount;
     unsigned int gsvSatCount;

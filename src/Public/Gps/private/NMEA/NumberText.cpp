@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 
 namespace number_text {
 
@@ -49,7 +48,7 @@ double toDoubleSlowly(std::string_view text) {
 
 namespace {
 
-constexpr double kSmallestFast = 0x1p-11;  // below it the last bit of a double is worth less than 2^-64
+constexpr double kSmallestFast = 0x1p-12;  // below it the last bit of a double is worth less than 2^-64
 constexpr double kLargestFast = 1e9;
 
 unsigned int writeDigits(char* out, std::uint64_t value, unsigned int minimum) {

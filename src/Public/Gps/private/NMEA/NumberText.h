@@ -10,7 +10,8 @@
 
 /**
  * Numbers as the C locale reads and writes them, whatever locale the host has set: what strtol, strtoul, strtod and
- * printf would make of them there, bit for bit. Plain numbers take a fast path, everything else the C library's.
+ * printf would make of them there, bit for bit as long as the host rounds to nearest. Plain numbers take a fast path,
+ * everything else the C library's.
  */
 namespace number_text {
 
@@ -81,7 +82,8 @@ public:
     Token(std::string_view text, const Decimal& decimal) : mText(text), mDecimal(decimal) {}
 
     std::string_view text() const { return mText; }
-    /** Whether the text is a decimal and nothing else, small enough for exact arithmetic. */
+    /** Whether the text is a decimal and nothing else, small enough for exact arithmetic. No text, and a point alone,
+     * is such a decimal: 0. */
     bool isPlain() const { return mDecimal.length == mText.size() && mDecimal.digits <= kLargest; }
     const Decimal& decimal() const { return mDecimal; }
 
@@ -92,8 +94,8 @@ public:
         return isPlain() ? static_cast<unsigned long>(mDecimal.whole()) : toUnsignedSlowly(mText);
     }
     /**
-     * An integer below 2^53 divided by a power of ten below 10^23 is rounded once, so the result is the correctly
-     * rounded one (Clinger, "How to read floating point numbers accurately", 1990).
+     * An integer of at most 2^53 divided by a power of ten of at most 10^22 is rounded once, so the result is the
+     * correctly rounded one (Clinger, "How to read floating point numbers accurately", 1990).
      */
     double toDouble() const { return isPlain() ? magnitude() : toSignedDouble(); }
 

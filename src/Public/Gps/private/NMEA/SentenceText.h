@@ -49,17 +49,16 @@ inline const char* readField(const char* cursor, Token& field) {
     constexpr unsigned int kLongest = GpsParseNmeaManager::TOKEN_SIZE - 1;
     const auto decimal = number_text::Decimal::read(cursor, kLongest);
     std::size_t length = decimal.length;
-    for (;; ++length) {
+    for (; length <= kLongest; ++length) {
         if (static_cast<unsigned char>(cursor[length]) > ',') continue;  // digits, letters and points, at one glance
         if (cursor[length] == ',' || cursor[length] == '*' || cursor[length] == '\0') break;
     }
-    const bool isAtEnd = cursor[length] == '\0';
-    if (length > kLongest || (isAtEnd && length == 0)) {
-        field = Token();
+    if (length > kLongest || *cursor == '\0') {
+        field = Token(std::string_view(cursor, 0));
         return noField(cursor);
     }
     field = Token({cursor, length}, decimal);
-    return isAtEnd ? nullptr : cursor + length + 1;
+    return cursor[length] == '\0' ? nullptr : cursor + length + 1;
 }
 
 // Fields of several parts. Any text can be split: a part that is not there gives 0.
