@@ -65,16 +65,6 @@ std::shared_ptr<GpsHalLink> linkToUse() {
     return process.link != nullptr ? process.link : linkFromEnvironment();
 }
 
-/** All signals but those of a thread's own faults, which its process may want to report. */
-sigset_t signalsOfOtherThreads() {
-    sigset_t signals;
-    sigfillset(&signals);
-    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) {
-        sigdelset(&signals, fault);
-    }
-    return signals;
-}
-
 }  // namespace
 
 /** Reception from a start to its stop: the link, the receive thread and what it has read. */
@@ -105,9 +95,10 @@ private:
 
 bool GpsHal::Reception::begin(const std::shared_ptr<Reception>& reception) {
     auto* const threadsOwn = new std::shared_ptr<Reception>(reception);
-    const sigset_t blocked = signalsOfOtherThreads();
+    sigset_t all;  // the new thread takes its mask over, and leaves every signal to the client's threads
     sigset_t callers;
-    pthread_sigmask(SIG_SETMASK, &blocked, &callers);
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &callers);
     const int result = pthread_create(&reception->mThread, nullptr, &Reception::runThread, threadsOwn);
     pthread_sigmask(SIG_SETMASK, &callers, nullptr);
     if (result == 0) return true;

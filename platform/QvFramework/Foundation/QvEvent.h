@@ -9,7 +9,7 @@
 class QvEvent : private QvUncopyable {
 public:
     /** Result of WaitEvent when the time ran out. */
-    static const int TIMED_OUT = -2;
+    static constexpr int TIMED_OUT = -2;
 
     QvEvent();
     ~QvEvent();
