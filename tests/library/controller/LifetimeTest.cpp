@@ -146,12 +146,12 @@ TEST_F(Threads, mayUnregisterOneObjectInItsNotificationsOnTheReceiveThreadAndOnT
     mController->registerGpsNmeaListener(&mRaw, GEODETIC_SYSTEM_WGS84);
     mController->registerGpsLocationDataListener(&mRaw);
     std::latch bothInside(2);
-    mRaw.setHook([&] {
+    mRaw.setHook([&, controller = mController.get()] {  // reset() below clears the pointer first
         thread_local bool isInside = false;
         if (std::exchange(isInside, true)) return;
         bothInside.arrive_and_wait();
-        mController->unRegisterGpsNmeaListener(&mRaw);
-        mController->unRegisterGpsLocationDataListener(&mRaw);
+        controller->unRegisterGpsNmeaListener(&mRaw);
+        controller->unRegisterGpsLocationDataListener(&mRaw);
     });
     mController->setLocationData(&kNowhere);
     auto delivery = run([this] { receive("$X"); });  // the worker comes a second later
