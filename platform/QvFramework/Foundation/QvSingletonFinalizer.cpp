@@ -1,5 +1,8 @@
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
 
+#include <pthread.h>
+
+#include <atomic>
 #include <cstdlib>
 #include <vector>
 
@@ -11,12 +14,26 @@ namespace {
 struct DestroyFunctions {
     QvSync sync;
     std::vector<void (*)()> functions QV_GUARDED_BY(sync);
+    const DestroyFunctions* const parents;  // what the process had that this one was forked from
+
+    explicit DestroyFunctions(const DestroyFunctions* ofParent) : parents(ofParent) {}
+
+    static DestroyFunctions& instance() { return *current(); }
 
     // Never destroyed: a singleton may be built, and must be ended, after this library's static destructors.
-    static DestroyFunctions& instance() {
-        static DestroyFunctions* const functions = new DestroyFunctions();
-        return *functions;
+    static std::atomic<DestroyFunctions*>& current() {
+        static auto& current = *new std::atomic<DestroyFunctions*>(makeFirst());
+        return current;
     }
+
+    static DestroyFunctions* makeFirst() {
+        pthread_atfork(nullptr, nullptr, &beginAnew);
+        return new DestroyFunctions(nullptr);
+    }
+
+    /** In a forked child, which has none of the threads that its parent's singletons would wait for at their end, and
+     *  may have the lock as another thread held it: it ends its own singletons only. */
+    static void beginAnew() { current() = new DestroyFunctions(current()); }
 
     bool add(void (*function)()) {
         QvSyncGuard guard(sync);

@@ -1,7 +1,7 @@
 #ifndef QVFRAMEWORK_FOUNDATION_QV_SINGLETON_FINALIZER_H
 #define QVFRAMEWORK_FOUNDATION_QV_SINGLETON_FINALIZER_H
 
-/** Ends the process's singletons. */
+/** Ends the process's singletons. A forked child never ends those of its parent. */
 class QvSingletonFinalizer {
 public:
     /** Adds a function to run once, at process exit or at the next finalize(), whichever comes first. */
