@@ -1,0 +1,176 @@
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <clocale>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <string>
+#include <thread>
+
+#include "tests/endurance/Endurance.h"
+#include "tests/library/services/Processes.h"
+
+// The service as the guest of a process that knows nothing of it, brought along by a client that is loaded.
+
+namespace {
+
+const pid_t gHost = getpid();
+
+}  // namespace
+
+/** What only the stacks of the parent's threads point to would look like a leak in a forked child. */
+extern "C" __attribute__((visibility("default"))) int __lsan_is_turned_off() {
+    return getpid() != gHost;
+}
+
+namespace {
+
+using Names = std::set<std::string>;
+
+Names entriesOf(const char* directory) {
+    Names names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        names.insert(entry.path().filename());
+    }
+    return names;
+}
+
+/** The lines of a file in /proc that begin with one of some names. */
+std::string linesOf(const std::string& path, const Names& names) {
+    std::string lines;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        if (names.contains(line.substr(0, line.find(':')))) lines += line + '\n';
+    }
+    return lines;
+}
+
+/** What belongs to the host alone. */
+std::string hostState() {
+    std::string state = linesOf("/proc/self/status", {"Umask", "SigBlk", "SigIgn", "SigCgt"});
+    for (const int signal : {SIGTERM, SIGUSR1, SIGPIPE}) {
+        struct sigaction action {};
+        sigaction(signal, nullptr, &action);
+        state += action.sa_handler == SIG_DFL ? "default " : action.sa_handler == SIG_IGN ? "ignored " : "handled ";
+    }
+    return state + std::setlocale(LC_ALL, nullptr) + ' ' + std::filesystem::current_path().string();
+}
+
+std::ptrdiff_t mappings() {
+    std::ifstream maps("/proc/self/maps");
+    return std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
+}
+
+class Host : public testing::Test {
+protected:
+    void load() {
+        mClient = dlopen(QVGPS_GUEST_CLIENT, RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(mClient, nullptr) << dlerror();
+    }
+    void unload() { EXPECT_EQ(dlclose(mClient), 0); }
+
+    template <class... Arguments>
+    void call(const char* function, Arguments... arguments) {
+        reinterpret_cast<void (*)(Arguments...)>(dlsym(mClient, function))(arguments...);
+    }
+
+    /** The kernel forgets a thread a moment after it was joined. */
+    static void expectThreads(const Names& expected) {
+        constexpr std::chrono::seconds kPatience{20};
+        const auto end = std::chrono::steady_clock::now() + kPatience;
+        while (entriesOf("/proc/self/task") != expected && !isOver(end)) {
+            std::this_thread::yield();
+        }
+        EXPECT_EQ(entriesOf("/proc/self/task"), expected);
+    }
+
+    const Names mThreads = entriesOf("/proc/self/task");
+    void* mClient = nullptr;
+};
+
+TEST_F(Host, keepsItsLocaleUmaskDirectorySignalHandlersAndMask) {
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGUSR2);
+    pthread_sigmask(SIG_SETMASK, &blocked, nullptr);
+    std::signal(SIGUSR1, [](int) {});
+    umask(027);
+    std::setlocale(LC_ALL, "C.UTF-8");
+    std::thread([] {}).join();  // with its first thread a process gets a signal handler of the C library
+    const std::string before = hostState();
+
+    load();
+    EXPECT_EQ(hostState(), before);
+    call("beginGuest", true);
+    call("promptGuest");
+    EXPECT_EQ(hostState(), before);
+
+    // Whatever can be blocked is, on every thread of the guest. The system's threads keep 32 and 33 to themselves.
+    const Names threads = entriesOf("/proc/self/task");
+    EXPECT_GE(threads.size(), mThreads.size() + 2) << "the receive thread and the worker";
+    for (const std::string& thread : threads) {
+        const std::string status = "/proc/self/task/" + thread + "/status";
+        if (mThreads.contains(thread)) continue;
+        EXPECT_EQ(linesOf(status, {"SigBlk"}), "SigBlk:\tfffffffe7ffbfeff\n") << linesOf(status, {"Name"});
+    }
+    call("endGuest");
+    EXPECT_EQ(hostState(), before);
+    unload();
+    EXPECT_EQ(hostState(), before);
+}
+
+TEST_F(Host, hasNothingMoreOfTheServiceAfterAHundredRoundsOfLoadingAndUnloading) {
+    constexpr int kRounds = 100;
+    constexpr int kSettled = 10;  // by then everything that is kept on purpose is there
+    constexpr std::ptrdiff_t kHeap = 4;
+    Names descriptors;
+    std::ptrdiff_t mapped = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        load();
+        call("beginGuest", round % kSettled == 0);
+        call("promptGuest");
+        call("endGuest");
+        unload();
+        expectThreads(mThreads);
+        if (round != kSettled) continue;
+        descriptors = entriesOf("/proc/self/fd");
+        mapped = mappings();
+    }
+    EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
+    EXPECT_LE(mappings(), mapped + kHeap);
+}
+
+TEST_F(Host, mayForkWhileEverythingRuns) {
+    load();
+    const Names own = entriesOf("/proc/self/fd");
+    call("beginGuest", true);
+    for (const std::string& descriptor : entriesOf("/proc/self/fd")) {
+        const int flags = fcntl(std::stoi(descriptor), F_GETFD);
+        EXPECT_TRUE(own.contains(descriptor) || flags == -1 || flags == FD_CLOEXEC) << descriptor;
+    }
+    std::atomic<bool> isOver{false};
+    std::thread flood([&] {
+        while (!isOver) {
+            call("promptGuest");
+        }
+    });
+    const auto end = endOfStorm();
+    unsigned children = 0;
+    do {
+        EXPECT_EQ(exitCodeOf(startProcess([] { std::exit(0); })), 0) << "its exit handlers end nothing of the parent's";
+        EXPECT_EQ(exitCodeOf(startProcess([] { execl("/bin/true", "true", nullptr); })), 0);
+        children += 2;
+    } while (!::isOver(end) && !HasFailure());
+    isOver = true;
+    flood.join();  // it is still answered
+    std::printf("%u children\n", children);
+    call("endGuest");
+    unload();
+    expectThreads(mThreads);
+}
+
+}  // namespace

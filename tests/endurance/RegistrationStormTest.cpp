@@ -1,0 +1,122 @@
+#include <sys/mman.h>
+
+#include <atomic>
+#include <cstdio>
+#include <new>
+#include <random>
+
+#include "tests/endurance/Endurance.h"
+#include "tests/library/controller/ControllerTest.h"
+
+// Listeners of all kinds come and go on several threads while everything that there is to tell floods in. Each lies on
+// pages of its own, which nobody may touch any more when it has left.
+
+namespace {
+
+std::atomic<unsigned long> gTold{0};
+std::atomic<unsigned long> gLeft{0};
+
+class Mortal : public Listener {
+public:
+    Mortal() : Listener("mortal") {
+        setHook([this] {
+            ++gTold;
+            mIsTold = true;
+            mIsTold.notify_all();
+        });
+    }
+    ~Mortal() override { ++gLeft; }
+
+    static void* operator new(std::size_t size) {
+        void* const pages = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (pages == MAP_FAILED) throw std::bad_alloc();
+        return pages;
+    }
+    /** Whoever reads there now is killed. The address is used again when thousands more have come and gone. */
+    static void operator delete(void* pages, std::size_t size) {
+        static std::mutex mutex;
+        static void* gone[4096];
+        static std::size_t deletions = 0;
+        mmap(pages, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED | MAP_NORESERVE, -1, 0);
+        const std::lock_guard guard(mutex);
+        void*& oldest = gone[deletions++ % std::size(gone)];
+        if (oldest != nullptr) munmap(oldest, size);
+        oldest = pages;
+    }
+
+    void waitUntilTold() const { mIsTold.wait(false); }
+
+private:
+    std::atomic<bool> mIsTold{false};
+};
+
+class RegistrationStorm : public ControllerTest {
+protected:
+    RegistrationStorm() {
+        QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {},
+                             nullptr);  // full registries
+    }
+
+    /** Repeats a step on a thread of its own, until the storm is over. */
+    template <class Step>
+    void repeat(Step step) {
+        mSteps.push_back(std::async(std::launch::async, [this, step]() mutable {
+            while (!isOver(mEnd)) {
+                step();
+            }
+        }));
+    }
+
+    /** One listener comes for some kinds, is told or not, and goes. */
+    void comeAndGo(unsigned long kinds, bool isPatient) {
+        const auto listener = std::make_unique<Mortal>();
+        const auto forItsKinds = [&](auto operation) {
+            for (std::size_t i = 0; i < std::size(kKinds<GpsController>); ++i) {
+                if ((kinds >> i & 1U) != 0) (kKinds<GpsController>[i].*operation)(*mController, listener.get());
+            }
+        };
+        forItsKinds(&Kind<GpsController>::add);
+        isPatient ? listener->waitUntilTold() : std::this_thread::yield();
+        forItsKinds(&Kind<GpsController>::remove);
+    }
+
+    static constexpr unsigned long kLocations = 1UL << 2;
+    const std::chrono::steady_clock::time_point mEnd = endOfStorm();
+    std::vector<std::future<void>> mSteps;
+};
+
+TEST_F(RegistrationStorm, tellsNoneThatIsGone) {
+    ASSERT_EQ(kKinds<GpsController>[2].name, "LocationData"sv);
+    const std::string flood = std::string(kZda) + std::string(kAntennaOpen) + std::string(kAck) +
+                              "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n" +
+                              "$GPRMC,123519.00,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
+    repeat([&] {
+        mPeer->send(flood);
+        mPeer->waitUntilRead(1000);
+    });
+    repeat([this] {
+        for (const auto& request : kRequests<GpsController>) {
+            request.call(*mController);
+        }
+        mController->setLocationData(&kNowhere);
+    });
+    for (unsigned seed = 1; seed <= 3; ++seed) {
+        repeat([this, random = std::minstd_rand(seed)]() mutable { comeAndGo(random() & ~kLocations, false); });
+    }
+    repeat([this] { comeAndGo(kLocations, false); });
+    repeat([this] { comeAndGo(kLocations, true); });
+    for (std::future<void>& step : mSteps) {
+        step.wait_until(mEnd);
+        expectDone(step, "a thread of the storm");
+    }
+    std::printf("%lu listeners came and went, %lu notifications\n", gLeft.load(), gTold.load());
+    EXPECT_GT(gTold, 0U);
+
+    const Mortal last;  // ends after the controller, which sentences still flood
+    mController->registerGpsNmeaListener(&last, GEODETIC_SYSTEM_WGS84);
+    mPeer->send(flood);
+    auto end = std::async(std::launch::async, [this] { mController.reset(); });
+    expectDone(end, "the controller's end");
+}
+
+}  // namespace
