@@ -29,7 +29,7 @@ int openRegularFile(const char* path) {
 GpsHalFileLink::GpsHalFileLink(std::string path) : mPath(std::move(path)), mFile(kNoFile) {}
 
 GpsHalFileLink::~GpsHalFileLink() {
-    close();
+    GpsHalFileLink::close();
 }
 
 bool GpsHalFileLink::isOpen() const {

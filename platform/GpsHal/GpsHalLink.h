@@ -9,7 +9,7 @@
  */
 class GpsHalLink {
 public:
-    virtual ~GpsHalLink() {}
+    virtual ~GpsHalLink() = default;
 
     /** What messages call it: the device or the file. */
     virtual const char* name() const { return "the GPS link"; }

@@ -15,7 +15,7 @@ class GpsHalMemoryPeer {
 public:
     using WriteHook = std::function<void(std::string_view)>;
 
-    virtual ~GpsHalMemoryPeer() {}
+    virtual ~GpsHalMemoryPeer() = default;
 
     /** Sends bytes to the library. They wait without limit until they are read; those sent while the link is lost or
      *  closed wait for it to come back. Returns at once. */

@@ -10,7 +10,7 @@
 /** What a subject calls. */
 class QvObserver_ {
 public:
-    virtual ~QvObserver_() {}
+    virtual ~QvObserver_() = default;
     /** @return a code for the subject; 0 for no failure */
     virtual unsigned int Update(unsigned int eventCode, void* data, unsigned int length) = 0;
 };

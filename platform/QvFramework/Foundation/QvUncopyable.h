@@ -8,7 +8,7 @@ public:
     QvUncopyable& operator=(const QvUncopyable&) = delete;
 
 protected:
-    constexpr QvUncopyable() {}
+    constexpr QvUncopyable() = default;
     ~QvUncopyable() = default;
 };
 

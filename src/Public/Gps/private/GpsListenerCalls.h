@@ -31,7 +31,7 @@ public:
     /** A call in progress, from `begin` to the end of its own lifetime. */
     class Call : private QvUncopyable {
     public:
-        Call() {}
+        Call() = default;
         /** Begins at once. */
         explicit Call(const void* callee) {
             LeafGuard guard(instance().mLock);
