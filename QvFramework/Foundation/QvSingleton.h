@@ -15,7 +15,7 @@ class QvSync;
 template <class T>
 class __attribute__((visibility("default"))) QvSingleton : private QvUncopyable {
 public:
-    virtual ~QvSingleton() = default;
+    virtual ~QvSingleton();
 
     /** The instance, created on the first call. Any thread; takes a lock only while there is no instance. */
     static T* GetInstance();
@@ -27,7 +27,7 @@ public:
     static void destroy();
 
 protected:
-    QvSingleton() = default;
+    QvSingleton();
 
 private:
     static std::atomic<T*> pInstance_;

@@ -13,6 +13,12 @@ template <class T>
 QvSync QvSingleton<T>::Sync_;
 
 template <class T>
+QvSingleton<T>::QvSingleton() = default;
+
+template <class T>
+QvSingleton<T>::~QvSingleton() = default;
+
+template <class T>
 T* QvSingleton<T>::GetInstance() {
     T* instance = pInstance_.load(std::memory_order_acquire);
     if (instance != nullptr) return instance;

@@ -12,6 +12,7 @@
 #define QV_SCOPED_CAPABILITY QV_THREAD_ATTRIBUTE(scoped_lockable)
 #define QV_GUARDED_BY(x) QV_THREAD_ATTRIBUTE(guarded_by(x))
 #define QV_REQUIRES(...) QV_THREAD_ATTRIBUTE(requires_capability(__VA_ARGS__))
+#define QV_RETURN_CAPABILITY(x) QV_THREAD_ATTRIBUTE(lock_returned(x))
 #define QV_EXCLUDES(...) QV_THREAD_ATTRIBUTE(locks_excluded(__VA_ARGS__))
 #define QV_ACQUIRE(...) QV_THREAD_ATTRIBUTE(acquire_capability(__VA_ARGS__))
 #define QV_RELEASE(...) QV_THREAD_ATTRIBUTE(release_capability(__VA_ARGS__))

@@ -5,16 +5,22 @@
 #include <cstdio>
 #include <cstring>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <new>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
+#include "Gps/private/GpsController.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
+#include "GpsHal/GpsHalMemoryLink.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
+#include "tests/endurance/Endurance.h"
 #include "tests/library/services/MemoryReceiver.h"
 #include "tests/library/services/Processes.h"
 #include "tests/library/services/SharedState.h"
@@ -146,6 +152,7 @@ private:
     bool mWasTokyo = false;
 };
 
+/** Uses the segments alone, and leaves and enters them. */
 void workUntilKilled() {
     const MemoryReceiver receiver;
     for (;;) {
@@ -157,26 +164,64 @@ void workUntilKilled() {
     }
 }
 
+class Listener : public GpsNmeaListener, public GpsLocationDataListener, public GpsSettingListener {};
+
+/** Is a whole client, with its threads: receives, sets, and comes and goes for locations. */
+void serveUntilKilled() {
+    QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);
+    for (;;) {
+        auto [link, peer] = GpsHalMemoryLink::makePair();
+        GpsHal::setLink(std::move(link));
+        GpsController controller;
+        Listener listener;
+        controller.registerGpsNmeaListener(&listener, GEODETIC_SYSTEM_TOKYO);
+        controller.registerGpsSettingListener(&listener);
+        controller.registerGpsLocationDataListener(&listener);
+        for (int i = 0; i < 20; ++i) {
+            controller.requestGpsSetting(GPS_SETTING_DATUM_TOKYO);
+            peer->send("$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n$GPZDA,123519.00,16,11,2026,00,00*6A\r\n");
+            peer->waitUntilRead(1000);
+        }
+        controller.unRegisterGpsLocationDataListener(&listener);
+    }
+}
+
 /** What the survivors of the test below and their parent tell each other. */
 struct Progress {
     std::atomic<bool> isEnding{false};
-    std::atomic<unsigned> operations{0};
+    std::atomic<unsigned long> operations{0};
 };
+
+/** This process's descriptors and its mappings of shared objects, and what shared objects there are. */
+std::multiset<std::string> holdings() {
+    std::multiset<std::string> held;
+    for (const char* const directory : {"/proc/self/fd", "/dev/shm"}) {
+        for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+            held.insert(entry.path());
+        }
+    }
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        if (const std::size_t name = line.find("/dev/shm/"); name != std::string::npos) held.insert(line.substr(name));
+    }
+    return held;
+}
 
 void survive(Progress& progress) {
     constexpr unsigned kLastOperations = 1000;
     const LogCapture log;
     Member member;
+    const auto before = holdings();
     for (unsigned last = 0; last < kLastOperations && !testing::Test::HasFailure();) {
         if (progress.isEnding) ++last;
         member.operate();
         ++progress.operations;
     }
+    EXPECT_EQ(holdings(), before);
     EXPECT_EQ(log.texts(), Texts());
 }
 
 TEST_F(Killed, AtRandomPointsWhileTheOthersGoOn) {
-    constexpr unsigned kKills = 300;
     constexpr std::size_t kVictims = 4;  // at a time
     void* const shared = mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(shared, MAP_FAILED);
@@ -186,13 +231,15 @@ TEST_F(Killed, AtRandomPointsWhileTheOthersGoOn) {
         survivors.push_back(startProcess([&] { survive(progress); }));
     }
     Member here;
-    unsigned operationsHere = 0;
+    const auto held = holdings();
+    unsigned long operationsHere = 0;
     std::mt19937 random(20240229);
-    std::uniform_int_distribution<unsigned> operations(0, 600);
+    std::uniform_int_distribution<unsigned> operations(0, 150);
     std::deque<pid_t> victims;
-    for (unsigned kills = 0; kills < kKills && !HasFailure(); ++kills) {
+    unsigned kills = 0;
+    for (const auto end = endOfStorm(); !isOver(end) && !HasFailure(); ++kills) {
         while (victims.size() < kVictims) {
-            victims.push_back(startProcess(workUntilKilled));
+            victims.push_back(startProcess(random() % 2 == 0 ? workUntilKilled : serveUntilKilled));
         }
         for (unsigned left = operations(random); left > 0; --left, ++operationsHere) {
             here.operate();
@@ -207,7 +254,8 @@ TEST_F(Killed, AtRandomPointsWhileTheOthersGoOn) {
     for (const pid_t survivor : survivors) {
         EXPECT_EQ(exitCodeOf(survivor), 0) << "goes on after the last kill";
     }
-    std::printf("%u kills, %u operations here, %u in 3 other processes\n", kKills, operationsHere,
+    EXPECT_EQ(holdings(), held);
+    std::printf("%u kills, %lu operations here, %lu in 3 other processes\n", kills, operationsHere,
                 progress.operations.load());
     munmap(shared, sizeof(Progress));
 }

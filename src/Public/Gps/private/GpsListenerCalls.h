@@ -26,7 +26,7 @@ public:
     }
 
     /** Guards the registries as well. A leaf: held for single steps, never while a listener runs. */
-    LeafLock& lock() { return mLock; }
+    LeafLock& lock() QV_RETURN_CAPABILITY(mLock) { return mLock; }
 
     /** A call in progress, from `begin` to the end of its own lifetime. */
     class Call : private QvUncopyable {
@@ -34,13 +34,14 @@ public:
         Call() = default;
         /** Begins at once. */
         explicit Call(const void* callee) {
-            LeafGuard guard(instance().mLock);
-            begin(callee);
+            GpsListenerCalls& calls = instance();
+            LeafGuard guard(calls.mLock);
+            begin(calls, callee);
         }
-        /** The caller holds the lock. */
-        void begin(const void* callee) {
+        /** @param calls the instance */
+        void begin(GpsListenerCalls& calls, const void* callee) QV_REQUIRES(calls.mLock) {
             mMark.callee = callee;
-            link(instance().mCalls, mMark);
+            link(calls.mCalls, mMark);
         }
         ~Call() {
             if (mMark.callee != nullptr) instance().end(mMark);
@@ -71,13 +72,9 @@ public:
     void waitUntilNotCalled(const void* callee) {
         const Wait wait(callee);
         if (!wait.canEnd()) return;
-        std::unique_lock<LeafLock> guard(mLock);
-        mCallEnded.wait(guard, [&] {
-            for (const Mark* call = mCalls; call != nullptr; call = call->next) {
-                if (call->callee == callee) return false;
-            }
-            return true;
-        });
+        LeafGuard guard(mLock);
+        while (isCalled(callee))
+            mCallEnded.wait(mLock);
     }
 
 private:
@@ -91,6 +88,13 @@ private:
         while (*place != &mark)
             place = &(*place)->next;
         *place = mark.next;
+    }
+
+    bool isCalled(const void* callee) const QV_REQUIRES(mLock) {
+        const Mark* call = mCalls;
+        while (call != nullptr && call->callee != callee)
+            call = call->next;
+        return call != nullptr;
     }
 
     void end(Mark& call) {
@@ -114,7 +118,7 @@ private:
 
     /** Whether a call of the callee cannot end before `thread` goes on. Waits never form a ring, so this comes to an
      *  end. */
-    bool endsWithThread(const void* callee, std::thread::id thread) const {
+    bool endsWithThread(const void* callee, std::thread::id thread) const QV_REQUIRES(mLock) {
         for (const Mark* call = mCalls; call != nullptr; call = call->next) {
             if (call->callee != callee) continue;
             if (call->thread == thread) return true;
@@ -126,8 +130,8 @@ private:
     }
 
     LeafLock mLock;
-    Mark* mCalls = nullptr;
-    Mark* mWaits = nullptr;
+    Mark* mCalls QV_GUARDED_BY(mLock) = nullptr;
+    Mark* mWaits QV_GUARDED_BY(mLock) = nullptr;
     std::condition_variable_any mCallEnded;
 };
 

@@ -82,7 +82,7 @@ public:
         {
             LeafGuard guard(mCalls.lock());
             if (std::none_of(mPlaces, end(), isEntry)) return;
-            call.begin(listenerOf(entry));
+            call.begin(mCalls, listenerOf(entry));
         }
         tell();
     }
@@ -101,21 +101,21 @@ private:
         if (next == end()) return false;
         ticket = next->ticket;
         entry = next->entry;
-        call.begin(listenerOf(entry));
+        call.begin(mCalls, listenerOf(entry));
         return true;
     }
 
-    Place* end() { return mPlaces + count(); }
+    Place* end() QV_REQUIRES(mCalls.lock()) { return mPlaces + count(); }
 
-    void publish(unsigned int newCount) {
+    void publish(unsigned int newCount) QV_REQUIRES(mCalls.lock()) {
         mCount.store(newCount, std::memory_order_release);
         mGeneration.store(generation() + 1, std::memory_order_release);
     }
 
-    GpsListenerCalls& mCalls = GpsListenerCalls::instance();  // its lock guards all below; counters are read without
-    Place mPlaces[LISTENER_LIST_MAX];
-    std::uint64_t mLastTicket = 0;
-    std::atomic<unsigned int> mCount{0};
+    GpsListenerCalls& mCalls = GpsListenerCalls::instance();
+    Place mPlaces[LISTENER_LIST_MAX] QV_GUARDED_BY(mCalls.lock());
+    std::uint64_t mLastTicket QV_GUARDED_BY(mCalls.lock()) = 0;
+    std::atomic<unsigned int> mCount{0};  // these two change with the places, and are read without the lock
     std::atomic<unsigned int> mGeneration{0};
 };
 
