@@ -234,7 +234,7 @@ TEST_F(Killed, AtRandomPointsWhileTheOthersGoOn) {
     const auto held = holdings();
     unsigned long operationsHere = 0;
     std::mt19937 random(20240229);
-    std::uniform_int_distribution<unsigned> operations(0, 150);
+    std::uniform_int_distribution<unsigned> operations(0, 30);
     std::deque<pid_t> victims;
     unsigned kills = 0;
     for (const auto end = endOfStorm(); !isOver(end) && !HasFailure(); ++kills) {
