@@ -1,88 +1,62 @@
-#include <atomic>
-#include <memory>
-
 #include "Gps/Gps.h"
-#include "GpsHal/GpsHal.h"
-#include "GpsHal/GpsHalMemoryLink.h"
-#include "QvFramework/Foundation/QvDbgOutput.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
+#include "tests/library/controller/ControllerTest.h"
 
 // A client of the service, to be loaded and unloaded by a host that knows nothing of the service.
 
 namespace {
 
-class Client : public GpsNmeaListener,
-               public GpsParseNmeaListener,
-               public GpsLocationDataListener,
-               public GpsVersionListener,
-               public GpsConnectionListener,
-               public GpsSettingListener,
-               public GpsProductionListener {
+class Guest {
 public:
-    explicit Client(bool withLocations) {
+    explicit Guest(bool withLocations) {
+        QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);
         auto [link, peer] = GpsHalMemoryLink::makePair();
         GpsHal::setLink(std::move(link));
         mPeer = std::move(peer);
-        mGps = Gps::GetInstance();
-        mGps->registerGpsNmeaListener(this, GEODETIC_SYSTEM_WGS84);
-        mGps->registerGpsParseNmeaListener(this, GEODETIC_SYSTEM_TOKYO);
-        if (withLocations) mGps->registerGpsLocationDataListener(this);
-        mGps->registerGpsVersionListener(this);
-        mGps->registerGpsConnectionListener(this);
-        mGps->registerGpsSettingListener(this);
-        mGps->registerGpsProductionListener(this);
+        for (const auto& kind : kKinds<Gps>) {
+            if (withLocations || kind.name != "LocationData"sv) kind.add(*Gps::GetInstance(), &mListener);
+        }
     }
-    ~Client() override {
-        mGps->unRegisterGpsNmeaListener(this);
-        mGps->unRegisterGpsParseNmeaListener(this);
-        mGps->unRegisterGpsLocationDataListener(this);
-        mGps->unRegisterGpsVersionListener(this);
-        mGps->unRegisterGpsConnectionListener(this);
-        mGps->unRegisterGpsSettingListener(this);
-        mGps->unRegisterGpsProductionListener(this);
+    ~Guest() {
+        for (const auto& kind : kKinds<Gps>) {
+            kind.remove(*Gps::GetInstance(), &mListener);
+        }
         QvSingletonFinalizer::finalize();
         GpsHal::setLink(nullptr);
-    }
-
-    void notifyReceiveNmeaSentence(const char*, unsigned int) override {
-        ++mTold;
-        mTold.notify_all();
+        QvDbgOutput::setSink(nullptr, nullptr);
     }
 
     void causeEverything() {
-        const GPS_LOCATION_SYNC_DATA location = {};
-        const unsigned long before = mTold;
-        mPeer->send("$GPZDA,123519.00,16,11,2026,00,00*6A\r\n$GPTXT,01,01,02,ANTSTATUS=OPEN*2B\r\n");
-        mGps->requestGpsVersionInfo();
-        mGps->requestGpsSetting(GPS_SETTING_ZDA_ON);
-        mGps->requestSwitchGpsProductionMode();
-        mGps->setLocationData(&location);
-        mTold.wait(before);
+        for (const auto& request : kRequests<Gps>) {
+            request.call(*Gps::GetInstance());
+        }
+        Gps::GetInstance()->setLocationData(&kNowhere);
+        mPeer->send(kZda);
+        mPeer->send(kAck);
+        mPeer->waitUntilRead(kLongMs);
+        mListener.take();
     }
 
 private:
-    Gps* mGps;
+    Listener mListener{"guest"};
     std::shared_ptr<GpsHalMemoryPeer> mPeer;
-    std::atomic<unsigned long> mTold{0};
 };
 
-Client* gClient = nullptr;
+Guest* gGuest = nullptr;
 
 }  // namespace
 
 #pragma GCC visibility push(default)
 extern "C" {
 void beginGuest(bool withLocations) {
-    QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);
-    gClient = new Client(withLocations);
+    gGuest = new Guest(withLocations);
 }
-/** Returns when the service has told the answers. */
+/** Returns when everything that follows has been told, but for locations. */
 void promptGuest() {
-    gClient->causeEverything();
+    gGuest->causeEverything();
 }
 void endGuest() {
-    delete gClient;
-    QvDbgOutput::setSink(nullptr, nullptr);
+    delete gGuest;
 }
 }
 #pragma GCC visibility pop

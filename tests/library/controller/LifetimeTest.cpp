@@ -1,6 +1,5 @@
 #include <atomic>
 #include <latch>
-#include <random>
 
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/library/controller/ThreadState.h"
@@ -158,94 +157,6 @@ TEST_F(Threads, mayUnregisterOneObjectInItsNotificationsOnTheReceiveThreadAndOnT
     expectDone(delivery, "the raw listener");
     auto end = run([this] { mController.reset(); });
     expectDone(end, "the controller's end");
-}
-
-/** Notices when it is told anything after it was freed. */
-class Mortal : public Listener {
-public:
-    Mortal() : Listener("mortal") {
-        setHook([this] {
-            EXPECT_EQ(mMark, kAlive) << "told after its unregistration";
-            mIsTold = true;
-            mIsTold.notify_all();
-        });
-    }
-    ~Mortal() override { mMark = 0; }
-
-    void waitUntilTold() const { mIsTold.wait(false); }
-
-private:
-    static constexpr unsigned kAlive = 0x600DF00D;
-    std::atomic<unsigned> mMark{kAlive};
-    std::atomic<bool> mIsTold{false};
-};
-
-/** Lets mortal listeners of changing kinds come and go. */
-void comeAndGo(GpsController& controller, unsigned seed, const std::atomic<bool>& isOver) {
-    std::minstd_rand random(seed);
-    while (!isOver) {
-        const auto listener = std::make_unique<Mortal>();
-        const auto chosen = random();
-        const auto forChosen = [&](auto operation) {
-            for (unsigned i = 0; i < std::size(kKinds<GpsController>); ++i) {
-                const auto& kind = kKinds<GpsController>[i];
-                if ((chosen >> i & 1U) != 0 && kind.name != "LocationData"sv) {
-                    (kind.*operation)(controller, listener.get());
-                }
-            }
-        };
-        forChosen(&Kind<GpsController>::add);
-        std::this_thread::yield();
-        forChosen(&Kind<GpsController>::remove);
-    }
-}
-
-/** Starts and stops the worker, in the first rounds after it has delivered. */
-void comeAndGoForLocations(GpsController& controller, unsigned rounds, unsigned deliveries) {
-    for (unsigned round = 0; round < rounds; ++round) {
-        const auto listener = std::make_unique<Mortal>();
-        controller.registerGpsLocationDataListener(listener.get());
-        if (round < deliveries) listener->waitUntilTold();
-        controller.unRegisterGpsLocationDataListener(listener.get());
-    }
-}
-
-TEST_F(Threads, inAStormOfComingsAndGoingsTellNoneThatIsGoneAndEnd) {
-    QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);  // too much to keep
-    std::atomic<bool> isOver{false};
-    std::atomic<bool> isFeeding{true};
-    auto feeder = run([&] {
-        while (isFeeding) {
-            for (const std::string_view chunk : {kZda, kAck, kAntennaOpen}) {
-                mPeer->send(chunk);
-            }
-            mPeer->waitUntilRead(100);
-        }
-    });
-    auto requests = run([&] {
-        while (!isOver) {
-            mController->requestGpsVersionInfo();
-            mController->requestGpsSetting(GPS_SETTING_ZDA_ON);
-            mController->setLocationData(&kNowhere);
-        }
-    });
-    auto one = run([&] { comeAndGo(*mController, 1, isOver); });
-    auto another = run([&] { comeAndGo(*mController, 2, isOver); });
-    auto shortly = run([&] { comeAndGoForLocations(*mController, 8, 0); });
-    auto longer = run([&] { comeAndGoForLocations(*mController, 3, 1); });
-    expectDone(shortly, "a location listener");
-    expectDone(longer, "a location listener");
-    isOver = true;
-    for (auto* step : {&requests, &one, &another}) {
-        expectDone(*step, "a client");
-    }
-
-    const Mortal last;  // ends with the controller, while sentences still come in
-    mController->registerGpsNmeaListener(&last, GEODETIC_SYSTEM_WGS84);
-    auto end = run([this] { mController.reset(); });
-    expectDone(end, "the controller's end");
-    isFeeding = false;
-    expectDone(feeder, "the feeder");
 }
 
 }  // namespace
