@@ -2,20 +2,16 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <sys/mman.h>
 #include <termios.h>
 
 #include <cerrno>
-#include <cmath>
-#include <cstdio>
 #include <filesystem>
-#include <random>
 
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/library/controller/ControllerTest.h"
 
-// The service while the system refuses what its platform asks for, on lines that carry anything, and on one that is
-// pulled out. This program's functions stand before those of the system.
+// The service while the system refuses what its platform asks for, and while the receiver is pulled out. This program's
+// functions stand before those of the system.
 
 namespace {
 
@@ -48,9 +44,6 @@ int shm_open(const char* name, int flags, mode_t mode) {
 int posix_fallocate(int fd, off_t offset, off_t length) {
     const int error = takeFault("posix_fallocate");
     return error != 0 ? error : SYSTEM(posix_fallocate)(fd, offset, length);
-}
-void* mmap(void* address, std::size_t length, int protection, int flags, int fd, off_t offset) noexcept {
-    return takeFault("mmap") != 0 ? MAP_FAILED : SYSTEM(mmap)(address, length, protection, flags, fd, offset);
 }
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*), void* arg) noexcept {
     const int error = takeFault("pthread_create");
@@ -95,57 +88,6 @@ public:
     std::atomic<std::size_t> others{0};
 };
 
-/** What an end hears whose bits are `bit` times as long as those of the end that says `text`. */
-std::string heardAtAnotherSpeed(std::string_view text, double bit) {
-    std::vector<unsigned> line;
-    for (const char c : text) {
-        for (unsigned i = 0, frame = static_cast<unsigned char>(c) << 1U | 1U << 9U; i < 10; ++i) {
-            line.push_back(frame >> i & 1U);  // start bit, data, stop bit
-        }
-    }
-    std::string heard;
-    const auto at = [&line](double time) { return line[static_cast<std::size_t>(time)]; };
-    for (double time = 0; time + 10 * bit < static_cast<double>(line.size());) {
-        unsigned byte = 0;
-        for (unsigned i = 0; i < 8; ++i) {
-            byte |= at(time + bit * (1.5 + i)) << i;
-        }
-        const bool isStart = at(time) == 0;
-        if (isStart) heard += static_cast<char>(byte);
-        time = isStart ? time + 9.5 * bit : std::floor(time) + 1;
-    }
-    return heard;
-}
-
-TEST_F(ControllerTest, isToldEveryWholeSentenceWhateverElseIsOnTheLine) {
-    std::string sentences;
-    std::string noise(100000, '\0');
-    std::minstd_rand random(1);
-    std::generate(noise.begin(), noise.end(), [&] { return static_cast<char>(random() >> 8U); });
-    while (sentences.size() < 2000)
-        sentences += kZda;
-    const std::pair<const char*, std::string> rows[] = {
-        {"9600 heard at 38400", heardAtAnotherSpeed(sentences, 0.25)},
-        {"38400 heard at 9600", heardAtAnotherSpeed(sentences, 4)},
-        {"115200 heard at 38400", heardAtAnotherSpeed(sentences, 3)},
-        {"9600 heard at 115200", heardAtAnotherSpeed(sentences, 1 / 12.)},
-        {"random bytes", noise}};
-    for (const auto& [what, garbage] : rows) {
-        constexpr std::size_t kTimes = 100;
-        Counter counter;
-        mController->registerGpsNmeaListener(&counter, GEODETIC_SYSTEM_WGS84);
-        for (std::size_t i = 0; i < kTimes; ++i) {
-            mPeer->send(garbage + std::string(kZda.substr(0, i % kZda.size())) + numbered(i));
-        }
-        mPeer->send(std::string(8200, '\0'));  // ends whatever claims to be long
-        ASSERT_TRUE(mPeer->waitUntilRead(kLongMs)) << what;
-        EXPECT_EQ(counter.numbers, kTimes) << what;
-        mController->unRegisterGpsNmeaListener(&counter);
-        std::printf("%s: %zu bytes, %zu sentences, %zu others\n", what, kTimes * garbage.size(), kTimes,
-                    counter.others.load());
-    }
-}
-
 /** A receiver at one end of a pseudo-terminal, and a name for the other. */
 class Terminal {
 public:
@@ -186,6 +128,18 @@ protected:
         std::filesystem::remove_all(mDirectory);
     }
 
+    /** A sentence comes, a request goes and is answered, and a sentence comes. */
+    void expectService(GpsController& controller) {
+        const std::size_t number = mCounter.numbers;
+        mTerminal->say(numbered(number));
+        mCounter.waitFor(number + 1);
+        EXPECT_TRUE(controller.requestGpsSetting(GPS_SETTING_ZDA_ON));
+        EXPECT_TRUE(mTerminal->hears());
+        mTerminal->say(std::string(kAck) + numbered(number + 1));
+        mCounter.waitFor(number + 2);
+        EXPECT_EQ(mSettings.take(), Strings{"S:ack 1"});
+    }
+
     /** What the layer has said, with the device's name cut off. */
     Strings reports() {
         Strings texts;
@@ -207,21 +161,13 @@ TEST_F(SerialReceiver, mayBePulledOutInAnySentenceAndPluggedInAgainWhileClientsR
     GpsController controller;
     controller.registerGpsNmeaListener(&mCounter, GEODETIC_SYSTEM_WGS84);
     controller.registerGpsSettingListener(&mSettings);
-    std::size_t number = 0;
     for (const std::size_t cut : {0, 1, 8, 9}) {
-        mTerminal->say(numbered(number));
-        mCounter.waitFor(++number);
-        mTerminal->say(numbered(number).substr(0, cut));
+        expectService(controller);
+        mTerminal->say(numbered(mCounter.numbers).substr(0, cut));
         mTerminal.reset();
         EXPECT_FALSE(controller.requestGpsSetting(GPS_SETTING_ZDA_ON)) << "nobody is there";
         mTerminal = std::make_unique<Terminal>(mName);
-        mTerminal->say(numbered(number));
-        mCounter.waitFor(++number);
-        EXPECT_TRUE(controller.requestGpsSetting(GPS_SETTING_ZDA_ON));
-        EXPECT_TRUE(mTerminal->hears());
-        mTerminal->say(std::string(kAck) + numbered(number));
-        mCounter.waitFor(++number);
-        EXPECT_EQ(mSettings.take(), Strings{"S:ack 1"});
+        expectService(controller);
         EXPECT_EQ(reports(), (Strings{" is lost\n", " is back\n"}));
     }
     EXPECT_EQ(mCounter.others, 0U);
@@ -242,7 +188,6 @@ TEST_F(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
         {"read", EIO, false, {" is lost\n", " is back\n"}},
         {"write", EINTR, false, {}},
     };
-    std::size_t number = 0;
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.call) + ' ' + std::to_string(row.error));
         letFail(row.call, row.error);
@@ -250,12 +195,7 @@ TEST_F(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
         if (row.isRefused) controller = nullptr, controller = std::make_unique<GpsController>();
         controller->registerGpsNmeaListener(&mCounter, GEODETIC_SYSTEM_WGS84);
         controller->registerGpsSettingListener(&mSettings);
-        mTerminal->say(numbered(number));
-        mCounter.waitFor(++number);
-        EXPECT_TRUE(controller->requestGpsSetting(GPS_SETTING_ZDA_ON));
-        EXPECT_TRUE(mTerminal->hears());
-        mTerminal->say(std::string(kAck) + numbered(number));
-        mCounter.waitFor(++number);
+        expectService(*controller);
         EXPECT_EQ(gError, 0) << "the call was made";
         EXPECT_EQ(reports(), row.reports);
     }
@@ -266,10 +206,7 @@ TEST(SharedLock, worksInItsProcessAloneWhenTheSystemHasNoMemoryForIt) {
         const char* call;
         int error;
         bool isShared;
-    } rows[] = {{"shm_open", EMFILE, false},
-                {"mmap", ENOMEM, false},
-                {"posix_fallocate", EINTR, true},
-                {"posix_fallocate", ENOSPC, false}};
+    } rows[] = {{"shm_open", EMFILE, false}, {"posix_fallocate", EINTR, true}, {"posix_fallocate", ENOSPC, false}};
     int lock = 0;
     for (const auto& row : rows) {
         const std::string name = "QVSDK_Fault" + std::to_string(++lock);  // a process has one lock of a name
