@@ -12,10 +12,10 @@ namespace {
 void printLine(void*, const char* file, const char* function, int line, int, const char* text) {
     const int length = static_cast<int>(std::strcspn(text, "\r\n"));
     if (*file == '\0') {
-        std::fprintf(stderr, "%s\n", text);
-        return;
+        std::fprintf(stderr, "%.*s\n", length, text);
+    } else {
+        std::fprintf(stderr, "%s:%d %s: %.*s\n", file, line, function, length, text);
     }
-    std::fprintf(stderr, "%s:%d %s: %.*s\n", file, line, function, length, text);
 }
 
 struct Output {
