@@ -201,6 +201,39 @@ TEST_F(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
     }
 }
 
+/** Waits for the end of its own thread, which only the system can refuse. */
+class Impatient {
+public:
+    int Initialize() { return 0; }
+    int MainProc() {
+        mId = gettid();
+        pthread_detach(pthread_self());
+        EXPECT_FALSE(mThread.WaitExit(kLongMs));
+        EXPECT_EQ(mThread.GetPriority(), -1);
+        return 0;
+    }
+    void Finalize() { mIsOver.set_value(); }
+
+    void runToTheEnd() {
+        EXPECT_TRUE(mThread.Start("impatient"));
+        mIsOver.get_future().wait();
+        while (std::filesystem::exists("/proc/self/task/" + std::to_string(mId)))
+            std::this_thread::yield();
+    }
+
+private:
+    pid_t mId = 0;
+    std::promise<void> mIsOver;
+    QvThread<Impatient> mThread{this};
+};
+
+TEST(Thread, saysThatItsEndCannotBeWaitedFor) {
+    const LogCapture log;
+    Impatient().runToTheEnd();
+    EXPECT_THAT(log.texts(),
+                testing::ElementsAre(testing::StartsWith("pthread_join failed !! ret["), "invalid thread id\n"));
+}
+
 TEST(SharedLock, worksInItsProcessAloneWhenTheSystemHasNoMemoryForIt) {
     const struct {
         const char* call;
