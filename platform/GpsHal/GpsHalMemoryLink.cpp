@@ -21,9 +21,6 @@ public:
         const std::lock_guard guard(mMutex);
         return mWritten;
     }
-    bool waitForWritten(std::size_t bytes, unsigned ms) const override {
-        return waitUntil(ms, [&] { return mWritten.size() >= bytes; });
-    }
     bool waitForOpen(bool isOpen, unsigned ms) const override {
         return waitUntil(ms, [&] { return mIsOpen == isOpen; });
     }

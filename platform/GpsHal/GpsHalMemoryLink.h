@@ -28,8 +28,6 @@ public:
 
     /** Every byte that the library has written, in order. */
     virtual std::string written() const = 0;
-    /** Waits until that are at least `bytes`. False after `ms` milliseconds without that. */
-    virtual bool waitForWritten(std::size_t bytes, unsigned ms) const = 0;
     /** Waits until the library has the link open (or closed). False after `ms` milliseconds without that. */
     virtual bool waitForOpen(bool isOpen, unsigned ms) const = 0;
 
