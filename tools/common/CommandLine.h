@@ -13,7 +13,7 @@ namespace tool {
  * @return the exit status of a program that has said all there is to say (help, version)
  * @throws BadUse
  */
-inline std::optional<int> parseCommandLine(CLI::App& app, int argc, const char* const* argv) {
+inline std::optional<int> parseCommandLine(CLI::App& app, int argc, char** argv) {
     app.set_version_flag("--version", app.get_name() + " " QVGPS_VERSION);
     try {
         app.parse(argc, argv);

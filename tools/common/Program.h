@@ -10,6 +10,7 @@
 #include <exception>
 #include <stdexcept>
 #include <string>
+#include <variant>
 
 /** What the tools' main functions have in common. */
 namespace tool {
@@ -34,15 +35,17 @@ inline int complain(const char* program, std::string problem, int status) {
 }
 
 /**
- * Runs a tool; a problem is one line on standard error.
+ * Runs a tool with the options that `parse` gives, or ends with its exit status. A problem is one line on standard
+ * error.
  * @return exit status: what `run` answers, 2 for bad use, 1 for any other problem
  */
-template <class Run>
-int runProgram(const char* program, Run run) {
+template <class Options, class Run>
+int runProgram(const char* program, int argc, char** argv, std::variant<Options, int> (*parse)(int, char**), Run run) {
     keepStandardStreams();
     signal(SIGPIPE, SIG_IGN);
     try {
-        return run();
+        const auto options = parse(argc, argv);
+        return std::holds_alternative<int>(options) ? std::get<int>(options) : run(std::get<Options>(options));
     } catch (const BadUse& problem) {
         return complain(program, problem.what(), 2);
     } catch (const std::exception& problem) {

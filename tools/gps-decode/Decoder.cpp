@@ -2,6 +2,7 @@
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/GpsReceiveRules.h"
+#include "Gps/private/NMEA/SentenceDelivery.h"
 
 namespace decode {
 
@@ -50,23 +51,8 @@ void Decoder::tellStatus(const char* chunk, unsigned length) {
 }
 
 void Decoder::tellSentence(const char* chunk, unsigned length) {
-    char converted[GpsParseNmeaManager::REGENERATED_SIZE] = {};
-    unsigned int convertedLength = 0;
-    switch (datumDelivery(mSetup.base, mSetup.wanted)) {
-        case DatumDelivery::Impossible:
-            break;
-        case DatumDelivery::AsReceived:
-            mListeners.notifyReceiveNmeaSentence(chunk, length);
-            break;
-        case DatumDelivery::AsReceivedOnceFinished:
-            if (mSetup.settingFinished) mListeners.notifyReceiveNmeaSentence(chunk, length);
-            break;
-        case DatumDelivery::Converted:
-            if (mParser.convertTokyoToWgs84ForNmea(chunk, length, mSetup.wanted, converted, &convertedLength)) {
-                mListeners.notifyReceiveNmeaSentence(converted, convertedLength);
-            }
-            break;
-    }
+    deliverSentence(mParser, {&mListeners, mSetup.wanted}, mSetup.base, {chunk, length},
+                    [this] { return mSetup.settingFinished; });
 }
 
 void Decoder::tellRecords(const char* chunk, unsigned length) {

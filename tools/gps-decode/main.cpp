@@ -60,20 +60,17 @@ int decodeStream(const decode::Options& options) {
     return interrupt.signal() == 0 ? 0 : kSignalStatus + interrupt.signal();
 }
 
-int run(int argc, char** argv) {
-    const auto options = decode::parseOptions(argc, argv);
-    if (std::holds_alternative<int>(options)) return std::get<int>(options);
-    return decodeStream(std::get<decode::Options>(options));
+/** A reader of the output who has had enough is no problem. */
+int run(const decode::Options& options) {
+    try {
+        return decodeStream(options);
+    } catch (const decode::ReaderGone&) {
+        return 0;
+    }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    return tool::runProgram("gps-decode", [&] {
-        try {
-            return run(argc, argv);
-        } catch (const decode::ReaderGone&) {
-            return 0;
-        }
-    });
+    return tool::runProgram("gps-decode", argc, argv, &decode::parseOptions, &run);
 }

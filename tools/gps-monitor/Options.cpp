@@ -50,7 +50,7 @@ void addOptions(CLI::App& app, Options& options, Texts& texts) {
 
 }  // namespace
 
-std::variant<Options, int> parseOptions(int argc, const char* const* argv) {
+std::variant<Options, int> parseOptions(int argc, char** argv) {
     CLI::App app("Shows what the GPS service tells its clients.", "gps-monitor");
     app.footer(footer());
     Options options;

@@ -24,7 +24,7 @@ struct Options {
 
 /** The options, or the exit status of a program that has said all there is to say (help, version). Throws tool::BadUse.
  */
-std::variant<Options, int> parseOptions(int argc, const char* const* argv);
+std::variant<Options, int> parseOptions(int argc, char** argv);
 
 }  // namespace monitor
 

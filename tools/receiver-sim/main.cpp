@@ -1,5 +1,4 @@
 #include <iostream>
-#include <variant>
 
 #include "Options.h"
 #include "Simulator.h"
@@ -7,10 +6,8 @@
 
 namespace {
 
-int runSimulator(int argc, char** argv) {
-    const auto options = sim::parseOptions(argc, argv);
-    if (std::holds_alternative<int>(options)) return std::get<int>(options);
-    sim::Simulator simulator(std::get<sim::Options>(options));
+int runSimulator(const sim::Options& options) {
+    sim::Simulator simulator(options);
     std::cout << simulator.devicePath() << std::endl;
     simulator.run();
     return 0;
@@ -19,5 +16,5 @@ int runSimulator(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return tool::runProgram("receiver-sim", [&] { return runSimulator(argc, argv); });
+    return tool::runProgram("receiver-sim", argc, argv, &sim::parseOptions, &runSimulator);
 }

@@ -91,7 +91,8 @@ struct LOCATION_DATA {
 
 /** The record in shared memory: 1040 bytes in native byte order. */
 struct GPS_LOCATION_DATA_SHARE {
-    unsigned int UpdateCounter;  ///< raised by every Gps::setLocationData of any process, modulo 2^32; every service that starts resets it
+    unsigned int UpdateCounter;  ///< raised by every Gps::setLocationData of any process, modulo 2^32; every service
+                                 ///< that starts resets it
     unsigned int Reserved;       ///< keeps what the segment held
     LOCATION_DATA Data;
 };

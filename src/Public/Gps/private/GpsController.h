@@ -32,8 +32,8 @@ struct GpsRegistryTexts;
  * `Initialize`, `MainProc` and `Finalize` run on the worker; everything else runs on clients' threads. Nothing throws
  * but the constructor.
  *
- * Locks, outermost first: mWorkerSync, mSync, a segment's lock, the one leaf lock of all registries. A thread that waits for a
- * listener to return holds none of them, and one that waits for the worker's end holds mWorkerSync alone.
+ * Locks, outermost first: mWorkerSync, mSync, a segment's lock, the one leaf lock of all registries. A thread that
+ * waits for a listener to return holds none of them, and one that waits for the worker's end holds mWorkerSync alone.
  */
 class GpsController {
 public:

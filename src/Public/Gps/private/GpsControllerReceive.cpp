@@ -5,6 +5,7 @@
 #include "Gps/private/GpsControllerLog.h"
 #include "Gps/private/GpsReceiveRules.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/SentenceDelivery.h"
 #include "Gps/private/Production/GpsProductionManager.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "Gps/private/Version/GpsVersionManager.h"
@@ -82,25 +83,8 @@ void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
     }
     const GeodeticSystem base = mGpsSettingManager->getBaseGeodeticSystem();
     const auto tell = [&](const GPS_NMEA_LISTENER_LIST& entry) {
-        GpsNmeaListener* const listener = callable(entry.listener);
-        char converted[GpsParseNmeaManager::REGENERATED_SIZE] = {};
-        unsigned int convertedLength = 0;
-        switch (datumDelivery(base, entry.geodeticSystem)) {
-            case DatumDelivery::Impossible:
-                break;
-            case DatumDelivery::AsReceived:
-                listener->notifyReceiveNmeaSentence(data, length);
-                break;
-            case DatumDelivery::AsReceivedOnceFinished:
-                if (mGpsSettingManager->getSettingFinishFlg()) listener->notifyReceiveNmeaSentence(data, length);
-                break;
-            case DatumDelivery::Converted:
-                if (mGpsParseNmeaManager->convertTokyoToWgs84ForNmea(data, length, GEODETIC_SYSTEM_WGS84, converted,
-                                                                     &convertedLength)) {
-                    listener->notifyReceiveNmeaSentence(converted, convertedLength);
-                }
-                break;
-        }
+        deliverSentence(*mGpsParseNmeaManager, entry, base, {data, length},
+                        [this] { return mGpsSettingManager->getSettingFinishFlg(); });
         return true;
     };
     mGpsNmeaListeners.callEach(tell);

@@ -27,7 +27,6 @@ struct Code {
 };
 constexpr Code kModes[] = {{"A", 1}, {"D", 2}, {"E", 3}};
 constexpr Code kOperationModes[] = {{"A", 0}, {"M", 1}};
-constexpr Code kNavigationStatuses[] = {{"DR", 1}, {"G2", 2}, {"G3", 3}, {"D2", 4}, {"D3", 5}, {"RK", 6}, {"TT", 7}};
 
 template <std::size_t count>
 unsigned int codeOf(const Code (&codes)[count], std::string_view text, unsigned int otherwise) {
@@ -163,7 +162,9 @@ unsigned int operationModeCode(std::string_view field) {
 }
 
 unsigned int navigationStatusCode(std::string_view field) {
-    return codeOf(kNavigationStatuses, field.substr(0, 2), 0);
+    const auto* const known =
+        std::find(std::begin(kNavigationStatuses), std::end(kNavigationStatuses), field.substr(0, 2));
+    return known != std::end(kNavigationStatuses) ? static_cast<unsigned int>(known - kNavigationStatuses) : 0;
 }
 
 }  // namespace sentence_text

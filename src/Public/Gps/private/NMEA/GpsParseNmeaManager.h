@@ -16,7 +16,8 @@ struct Sentence;
  * listeners they are given on the caller's thread. The other operations use no state and may run on any thread. Nothing
  * allocates, throws, depends on the host's locale or reads past the lengths given.
  *
- * One source file each: lexing, sentence fields, dispatching and delivery, datum conversion, regeneration, rewriting.
+ * One source file each: lexing, sentences with a position, satellites, course and time, the dispatcher, datum
+ * conversion, regeneration, rewriting.
  */
 class GpsParseNmeaManager {
 public:

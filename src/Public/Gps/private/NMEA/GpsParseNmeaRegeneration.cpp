@@ -179,12 +179,12 @@ void GpsParseNmeaManager::judgeStatus(unsigned int status, char* text) {
 }
 
 void GpsParseNmeaManager::judgeStatusPubx(unsigned int status, char* text) {
-    constexpr const char* kTexts[] = {"NF", "DR", "G2", "G3", "D2", "D3", "RK", "TT"};
     if (text == nullptr) {
         nmeaLog("judgeStatusPubx", "GpsParseNmeaManager::judgeStatusPubx() Argument Error\n");
         return;
     }
-    std::memcpy(text, kTexts[status < std::size(kTexts) ? status : 0], 3);
+    using sentence_text::kNavigationStatuses;
+    std::memcpy(text, kNavigationStatuses[status < std::size(kNavigationStatuses) ? status : 0].data(), 3);
 }
 
 void GpsParseNmeaManager::judgeMode(unsigned int mode, char* text) {

@@ -4,7 +4,7 @@
 #include "Gps/private/NMEA/RecordDelivery.h"
 #include "Gps/private/NMEA/SentenceFields.h"
 
-// Sentences without a position: GSA, GSV, VTG and ZDA. They are parsed for listeners only.
+// The satellites used and in view: GSA and GSV. They are parsed for listeners only.
 
 using namespace sentence_fields;
 using sentence_text::modeCode;
@@ -45,53 +45,13 @@ constexpr const char* kGsvIndexOver = GSV "Index Over!\n";
 constexpr unsigned int kSatellitesPerMessage = 4;
 #undef GSV
 
-#define VTG "GpsParseNmeaManager::parseVtgSentence() "
-constexpr Frame kVtg = {"parseVtgSentence", VTG "Argument Error", VTG "$GPVTG Error"};
-constexpr Field<GPVTG> kVtgFields[] = {
-    {number<&GPVTG::Dir>, VTG "Dir Error"},
-    {skip, VTG "T [True course] Error"},
-    {number<&GPVTG::MagDir>, VTG "MagDir Error"},
-    {skip, VTG "M [Magnetic course] Error"},
-    {number<&GPVTG::SpeedKnot>, VTG "SpeedKnot Error"},
-    {skip, VTG "N [knot] Error"},
-    {number<&GPVTG::SpeedKMH>, VTG "SpeedKMH Error"},
-    {skip, VTG "K [km/h] Error"},
-    {code<&GPVTG::Mode, modeCode>, VTG "Mode Error"},
-};
-#undef VTG
-
-#define ZDA "GpsParseNmeaManager::parseZdaSentence() "
-constexpr Frame kZda = {"parseZdaSentence", ZDA "Argument Error", ZDA "$GPZDA Error"};
-constexpr Field<GPZDA> kZdaFields[] = {
-    {time, ZDA "UTC Error", ZDA ": divideTime() = false"},
-    {integer<&GPZDA::Day>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
-    {integer<&GPZDA::Month>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
-    {integer<&GPZDA::Year>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
-    {integer<&GPZDA::LocalHour>, ZDA "Local Time Error", ZDA "divideTime() = false [Local]"},
-    {integer<&GPZDA::LocalMinute>, ZDA "Local Time Error", ZDA "divideTime() = false [Local]"},
-};
-#undef ZDA
-
-/** Checks that there is something to read and somebody to tell, and reads the address. Null when there is not. */
-template <class Record>
-const char* begin(GpsParseNmeaManager& manager, const Frame& frame, const char* sentence, const Recipients& recipients,
-                  Record& record) {
-    if (sentence == nullptr || recipients.isEmpty()) {
-        nmeaLog(frame.function, frame.argumentError);
-        return nullptr;
-    }
-    const char* const cursor = readAddress(frame, sentence);
-    if (cursor != nullptr) record.SatType = manager.getSatelliteType(sentence);
-    return cursor;
-}
-
 }  // namespace
 
 bool GpsParseNmeaManager::parseGsaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
                                            unsigned int count, GPGSA* record, GeodeticSystem base,
                                            bool settingFinished) {
     const Recipients recipients = {listeners, count, base, settingFinished};
-    const char* cursor = begin(*this, kGsa, sentence, recipients, *record);
+    const char* cursor = beginForListeners(*this, kGsa, sentence, recipients, *record);
     if (cursor == nullptr || !readAll<kGsaFix>(kGsa.function, cursor, *record)) return false;
     for (unsigned char& used : record->SatUsed) {
         Token field;
@@ -109,7 +69,7 @@ bool GpsParseNmeaManager::parseGsvSentence(const char* sentence, const GPS_PARSE
                                            unsigned int count, GPGSV* record, GeodeticSystem base,
                                            bool settingFinished) {
     const Recipients recipients = {listeners, count, base, settingFinished};
-    const char* cursor = begin(*this, kGsv, sentence, recipients, *record);
+    const char* cursor = beginForListeners(*this, kGsv, sentence, recipients, *record);
     if (cursor == nullptr || !readAll<kGsvCycle>(kGsv.function, cursor, *record)) return false;
     if (record->MessageNum == 1) gsvSatCount = 0;  // a cycle that lost its last message does not spoil the next
     if (record->SatView > GPS_MAX_SATELLITE_RECEIVE_NUM) {
@@ -134,24 +94,6 @@ bool GpsParseNmeaManager::readSatellites(const char* cursor, GPGSV& record) {
         ++gsvSatCount;
     }
     return true;
-}
-
-bool GpsParseNmeaManager::parseVtgSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPVTG* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    const Recipients recipients = {listeners, count, base, settingFinished};
-    const char* cursor = begin(*this, kVtg, sentence, recipients, *record);
-    return cursor != nullptr && readAll<kVtgFields>(kVtg.function, cursor, *record) &&
-           deliver(recipients, record, &GpsParseNmeaListener::notifyParseVtgSentence);
-}
-
-bool GpsParseNmeaManager::parseZdaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPZDA* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    const Recipients recipients = {listeners, count, base, settingFinished};
-    const char* cursor = begin(*this, kZda, sentence, recipients, *record);
-    return cursor != nullptr && readAll<kZdaFields>(kZda.function, cursor, *record) &&
-           deliver(recipients, record, &GpsParseNmeaListener::notifyParseZdaSentence);
 }
 
 void GpsParseNmeaManager::checkGsvStatus(GPGSV* gsv, const GPGSA* gsa) {

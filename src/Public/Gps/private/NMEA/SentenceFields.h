@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Gps/private/NMEA/NumberText.h"
+#include "Gps/private/NMEA/RecordDelivery.h"
 #include "Gps/private/NMEA/SentenceText.h"
 
 /** Field lists of sentences as data: each row says where a field goes and what is said when the field is missing. */
@@ -132,6 +133,19 @@ inline const char* readAddress(const Frame& frame, const char* sentence) {
     Token address;
     const char* const cursor = sentence_text::readField(sentence, address);
     if (cursor == nullptr) sentence_text::nmeaLog(frame.function, frame.addressError);
+    return cursor;
+}
+
+/** Begins a record that is read for listeners only. Null when there is nothing to read or nobody to tell. */
+template <class Record>
+const char* beginForListeners(GpsParseNmeaManager& manager, const Frame& frame, const char* sentence,
+                              const Recipients& recipients, Record& record) {
+    if (sentence == nullptr || recipients.isEmpty()) {
+        sentence_text::nmeaLog(frame.function, frame.argumentError);
+        return nullptr;
+    }
+    const char* const cursor = readAddress(frame, sentence);
+    if (cursor != nullptr) record.SatType = manager.getSatelliteType(sentence);
     return cursor;
 }
 

@@ -76,6 +76,8 @@ bool splitTime(const Token& field, unsigned short* hour, unsigned short* minute,
 unsigned int statusCode(std::string_view field);
 unsigned int modeCode(std::string_view field);
 unsigned int operationModeCode(std::string_view field);
+/** By their codes; any other status is as the first. */
+inline constexpr std::string_view kNavigationStatuses[] = {"NF", "DR", "G2", "G3", "D2", "D3", "RK", "TT"};
 unsigned int navigationStatusCode(std::string_view field);
 
 }  // namespace sentence_text

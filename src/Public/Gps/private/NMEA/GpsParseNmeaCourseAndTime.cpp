@@ -1,0 +1,57 @@
+#include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/RecordDelivery.h"
+#include "Gps/private/NMEA/SentenceFields.h"
+
+// Course and speed, time and date: VTG and ZDA. They are parsed for listeners only.
+
+using namespace sentence_fields;
+using sentence_text::modeCode;
+
+namespace {
+
+#define VTG "GpsParseNmeaManager::parseVtgSentence() "
+constexpr Frame kVtg = {"parseVtgSentence", VTG "Argument Error", VTG "$GPVTG Error"};
+constexpr Field<GPVTG> kVtgFields[] = {
+    {number<&GPVTG::Dir>, VTG "Dir Error"},
+    {skip, VTG "T [True course] Error"},
+    {number<&GPVTG::MagDir>, VTG "MagDir Error"},
+    {skip, VTG "M [Magnetic course] Error"},
+    {number<&GPVTG::SpeedKnot>, VTG "SpeedKnot Error"},
+    {skip, VTG "N [knot] Error"},
+    {number<&GPVTG::SpeedKMH>, VTG "SpeedKMH Error"},
+    {skip, VTG "K [km/h] Error"},
+    {code<&GPVTG::Mode, modeCode>, VTG "Mode Error"},
+};
+#undef VTG
+
+#define ZDA "GpsParseNmeaManager::parseZdaSentence() "
+constexpr Frame kZda = {"parseZdaSentence", ZDA "Argument Error", ZDA "$GPZDA Error"};
+constexpr Field<GPZDA> kZdaFields[] = {
+    {time, ZDA "UTC Error", ZDA ": divideTime() = false"},
+    {integer<&GPZDA::Day>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
+    {integer<&GPZDA::Month>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
+    {integer<&GPZDA::Year>, ZDA "UTC(Date) Error", ZDA "divideDate() = false"},
+    {integer<&GPZDA::LocalHour>, ZDA "Local Time Error", ZDA "divideTime() = false [Local]"},
+    {integer<&GPZDA::LocalMinute>, ZDA "Local Time Error", ZDA "divideTime() = false [Local]"},
+};
+#undef ZDA
+
+}  // namespace
+
+bool GpsParseNmeaManager::parseVtgSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPVTG* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    const Recipients recipients = {listeners, count, base, settingFinished};
+    const char* cursor = beginForListeners(*this, kVtg, sentence, recipients, *record);
+    return cursor != nullptr && readAll<kVtgFields>(kVtg.function, cursor, *record) &&
+           deliver(recipients, record, &GpsParseNmeaListener::notifyParseVtgSentence);
+}
+
+bool GpsParseNmeaManager::parseZdaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
+                                           unsigned int count, GPZDA* record, GeodeticSystem base,
+                                           bool settingFinished) {
+    const Recipients recipients = {listeners, count, base, settingFinished};
+    const char* cursor = beginForListeners(*this, kZda, sentence, recipients, *record);
+    return cursor != nullptr && readAll<kZdaFields>(kZda.function, cursor, *record) &&
+           deliver(recipients, record, &GpsParseNmeaListener::notifyParseZdaSentence);
+}
