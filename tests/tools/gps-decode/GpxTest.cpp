@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "Program.h"
+#include "Decode.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ TEST(Gpx, MakesATrackOfTheFixes) {
          segment(point("<ele>1</ele>") + point("<ele>2</ele>"))},
     };
     for (const auto& [what, stream, track, base] : cases) {
-        EXPECT_EQ(runDecode({"--gpx", "--base", base}, stream).out,
+        EXPECT_EQ(decode("--gpx --base " + base, stream).out,
                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                   "<gpx version=\"1.1\" creator=\"gps-decode\" xmlns=\"http://www.topografix.com/GPX/1/1\">\n<trk>\n" +
                       track + "</trk>\n</gpx>\n")

@@ -1,0 +1,95 @@
+#ifndef TESTS_SUPPORT_ANY_LISTENER_H
+#define TESTS_SUPPORT_ANY_LISTENER_H
+
+#include <charconv>
+#include <string>
+
+#include "Gps/GpsListeners.h"
+#include "tools/common/RecordFields.h"
+
+/** A record's values in the order of its fields; doubles with as many digits as they need, records in brackets. */
+template <FieldRecord Record>
+std::string fields(const Record& record);
+
+inline std::string textOf(long long value) {
+    return std::to_string(value);
+}
+inline std::string textOf(double value) {
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof(text), value).ptr};
+}
+template <FieldRecord Record>
+std::string textOf(const Record& record) {
+    return "[" + fields(record) + "]";
+}
+template <class Element>
+std::string textOf(std::span<Element> elements) {
+    std::string text;
+    for (const auto& element : elements)
+        text += (text.empty() ? "" : " ") + textOf(fieldValue(element));
+    return text;
+}
+template <FieldRecord Record>
+std::string fields(const Record& record) {
+    std::string text;
+    visitFields(record, [&](const char*, const auto& value) { text += (text.empty() ? "" : " ") + textOf(value); });
+    return text;
+}
+
+/** A listener of every kind that is told everything in one form: what it is about, and its contents as text. */
+class AnyListener : public GpsNmeaListener,
+                    public GpsParseNmeaListener,
+                    public GpsLocationDataListener,
+                    public GpsVersionListener,
+                    public GpsConnectionListener,
+                    public GpsSettingListener,
+                    public GpsProductionListener {
+public:
+    virtual void tell(const std::string& what, const std::string& text) = 0;
+
+    void notifyReceiveNmeaSentence(const char* data, unsigned int length) override { tell("raw", {data, length}); }
+    void notifyParseNmeaSentence(const PARSE_NMEA* record) override { tell("EPOCH", fields(*record)); }
+    void notifyParseGgaSentence(const GPGGA* record) override { tell("GGA", fields(*record)); }
+    void notifyParseGllSentence(const GPGLL* record) override { tell("GLL", fields(*record)); }
+    void notifyParseGsaSentence(const GPGSA* record) override { tell("GSA", fields(*record)); }
+    void notifyParseGsvSentence(const GPGSV* record) override { tell("GSV", fields(*record)); }
+    void notifyParseRmcSentence(const GPRMC* record) override { tell("RMC", fields(*record)); }
+    void notifyParseVtgSentence(const GPVTG* record) override { tell("VTG", fields(*record)); }
+    void notifyParseZdaSentence(const GPZDA* record) override { tell("ZDA", fields(*record)); }
+    void notifyParsePubxSentence(const PUBX* record) override { tell("PUBX", fields(*record)); }
+    void notifyLocationData(const LOCATION_DATA* record) override { tell("location", fields(*record)); }
+    void notifyRmcData(const GPRMC* record) override { tell("location's RMC", fields(*record)); }
+    void notifyGgaData(const GPGGA* record) override { tell("location's GGA", fields(*record)); }
+    void notifyPascdData(const PASCD* record) override { tell("location's PASCD", fields(*record)); }
+    void notifyGpsVersionInfo(const char* version, unsigned int length) override { tell("version", {version, length}); }
+    void notifyGpsConnectionStatus(GpsConnectionStatus status) override { tell("antenna", std::to_string(status)); }
+    void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
+        tell("setting", std::to_string(setting) + " " + answer(acknowledged));
+    }
+    void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged) override {
+        tell("mode", answer(acknowledged));
+    }
+    void notifyStartGpsProductionCheckResponse(bool acknowledged) override { tell("check", answer(acknowledged)); }
+    void notyfyGpsColdStartRequestResponse(bool acknowledged) override { tell("cold start", answer(acknowledged)); }
+    void notifyReceiveGpsProductionData(const PRODUCTION_DATA* record) override { tell("MonPt", fields(*record)); }
+    void notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA* record) override {
+        tell("MonPt2", fields(*record));
+    }
+
+private:
+    static std::string answer(bool acknowledged) { return acknowledged ? "yes" : "no"; }
+};
+
+/** Registers for everything, sentences and records in the given datum. */
+template <class Service>
+void registerForAll(Service& service, const AnyListener& listener, GeodeticSystem datum) {
+    service.registerGpsNmeaListener(&listener, datum);
+    service.registerGpsParseNmeaListener(&listener, datum);
+    service.registerGpsLocationDataListener(&listener);
+    service.registerGpsVersionListener(&listener);
+    service.registerGpsConnectionListener(&listener);
+    service.registerGpsSettingListener(&listener);
+    service.registerGpsProductionListener(&listener);
+}
+
+#endif

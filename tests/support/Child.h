@@ -1,0 +1,150 @@
+#ifndef TESTS_SUPPORT_CHILD_H
+#define TESTS_SUPPORT_CHILD_H
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utmp.h>
+
+#include <csignal>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+/** A pipe or terminal of ours, with a limit to every wait. What is read is kept; what is taken is not taken again. */
+class Stream {
+public:
+    static constexpr int kPatienceMs = 20000;
+
+    explicit Stream(int descriptor) : mDescriptor(descriptor) {
+        if (descriptor < 0) throw std::runtime_error("no stream for the test");
+    }
+    ~Stream() { close(mDescriptor); }
+    Stream(const Stream&) = delete;
+    Stream& operator=(const Stream&) = delete;
+
+    int descriptor() const { return mDescriptor; }
+    /** Everything that has been read. */
+    const std::string& all() const { return mAll; }
+
+    /** Whether a text comes behind what was taken. */
+    bool waitFor(const std::string& text) {
+        while (mAll.find(text, mTaken) == std::string::npos) {
+            if (!readSome()) return false;
+        }
+        return true;
+    }
+    /** Takes all up to the end of a text; all there is when it does not come. */
+    std::string until(const std::string& text) {
+        return take(waitFor(text) ? mAll.find(text, mTaken) + text.size() - mTaken : mAll.size());
+    }
+    /** Takes so many bytes; fewer when they do not come. */
+    std::string bytes(std::size_t count) {
+        while (mAll.size() - mTaken < count && readSome()) {
+        }
+        return take(count);
+    }
+    void skip() { mTaken = mAll.size(); }
+    void readToEnd() {
+        while (readSome()) {
+        }
+    }
+    void send(const std::string& bytes) const {
+        for (std::size_t sent = 0; sent < bytes.size();) {
+            const ssize_t length = write(mDescriptor, &bytes[sent], bytes.size() - sent);
+            if (length <= 0) throw std::runtime_error("cannot send");
+            sent += static_cast<std::size_t>(length);
+        }
+    }
+
+private:
+    bool readSome() {
+        pollfd readable{mDescriptor, POLLIN, 0};
+        char buffer[65536];
+        const ssize_t size = poll(&readable, 1, kPatienceMs) == 1 ? read(mDescriptor, buffer, sizeof(buffer)) : 0;
+        if (size > 0) mAll.append(buffer, static_cast<std::size_t>(size));
+        return size > 0;
+    }
+    std::string take(std::size_t count) {
+        const std::string taken = mAll.substr(mTaken, count);
+        mTaken += taken.size();
+        return taken;
+    }
+
+    const int mDescriptor;
+    std::string mAll;
+    std::size_t mTaken = 0;
+};
+
+/** A program as a process of its own, and the stream to its standard input, output and errors together. It is killed
+ *  when it still runs at the end. */
+class Child : public Stream {
+public:
+    enum class On { socket, terminal };  // a terminal of 80 by 24
+
+    explicit Child(std::vector<std::string> command, On on = On::socket) : Child(std::move(command), on, ends(on)) {}
+    ~Child() { end(SIGKILL); }
+
+    /** Sends a signal, or ends the input (0), and waits for the end; the exit status, or minus the signal's number. */
+    int end(int signal = 0) {
+        if (mPid <= 0) return 0;
+        if (signal != 0) kill(mPid, signal);
+        if (signal == 0) shutdown(descriptor(), SHUT_WR);
+        readToEnd();
+        int status = 0;
+        waitpid(std::exchange(mPid, 0), &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+
+private:
+    using Ends = std::pair<int, int>;
+
+    Child(std::vector<std::string> command, On on, Ends ends) : Stream(ends.first), mPid(fork()) {
+        if (mPid == 0) run(command, on, ends.second);
+        close(ends.second);
+    }
+    static Ends ends(On on) {
+        const winsize size{24, 80, 0, 0};
+        int both[2] = {-1, -1};
+        if (on == On::terminal) openpty(&both[0], &both[1], nullptr, nullptr, &size);
+        if (on == On::socket) socketpair(AF_UNIX, SOCK_STREAM, 0, both);
+        fcntl(both[0], F_SETFD, FD_CLOEXEC);
+        return {both[0], both[1]};
+    }
+    [[noreturn]] static void run(std::vector<std::string>& command, On on, int end) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (on == On::terminal) login_tty(end);
+        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            if (on == On::socket) dup2(end, standard);
+        }
+        if (on == On::socket) close(end);
+        std::vector<char*> arguments;
+        for (std::string& word : command)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        execvp(arguments[0], arguments.data());
+        _exit(127);
+    }
+
+    pid_t mPid;
+};
+
+struct Outcome {
+    int status;
+    std::string out;
+};
+
+/** Runs a line of the shell to its end. */
+inline Outcome runShell(const std::string& line) {
+    Child shell({"bash", "-c", line});
+    const int status = shell.end();
+    return {status, shell.all()};
+}
+
+#endif
