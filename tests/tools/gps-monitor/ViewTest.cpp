@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/tools/gps-monitor/ScreenText.h"
+#include "tools/gps-monitor/Canvas.h"
 #include "tools/gps-monitor/Layout.h"
 
 namespace monitor {
@@ -40,42 +40,37 @@ MonitorState drivingState() {
     return state;
 }
 
-ViewContext context() {
-    return {GEODETIC_SYSTEM_WGS84, {Health::good, "receiving from /dev/gps"}, kNow};
+/** The rows of a canvas; a glyph outside ASCII is one '#', except the degree sign, which is one 'o'. */
+std::string textOf(const Canvas& canvas) {
+    std::string text;
+    for (int y = 0; y < canvas.height(); ++y, text += '\n') {
+        for (int x = 0; x < canvas.width(); ++x) {
+            const char32_t glyph = canvas.at(x, y).glyph;
+            text += glyph < 0x80 ? static_cast<char>(glyph) : glyph == U'°' ? 'o' : '#';
+        }
+    }
+    return text;
 }
 
 std::string screen(int width, int height, const MonitorState& state) {
     Canvas canvas(width, height);
-    drawScreen(canvas, state, context());
-    return screenText(canvas);
-}
-
-std::vector<Rect> panels(const Layout& layout) {
-    return {layout.title,    layout.position, layout.signals, layout.sky, layout.satellites,
-            layout.requests, layout.location, layout.counts,  layout.log, layout.help};
+    drawScreen(canvas, state, {GEODETIC_SYSTEM_WGS84, {Health::good, "receiving from /dev/gps"}, kNow});
+    return textOf(canvas);
 }
 
 TEST(Layouts, KeepPanelsApartAndOnTheScreen) {
-    for (const auto& [width, height] : {std::pair{1, 1},
-                                        {20, 3},
-                                        {40, 12},
-                                        {79, 24},
-                                        {80, 23},
-                                        {80, 24},
-                                        {81, 40},
-                                        {120, 24},
-                                        {132, 43},
-                                        {200, 60},
-                                        {400, 200}}) {
+    const std::pair<int, int> sizes[] = {{1, 1},   {20, 3},   {40, 12},  {79, 24},  {80, 23},
+                                         {80, 24}, {120, 24}, {132, 43}, {200, 60}, {400, 200}};
+    for (const auto& [width, height] : sizes) {
         std::vector<int> covers(static_cast<std::size_t>(width * height));
-        for (const Rect& panel : panels(makeLayout(width, height))) {
-            if (panel.isEmpty()) continue;
-            ASSERT_TRUE(panel.x >= 0 && panel.y >= 0 && panel.x + panel.width <= width &&
-                        panel.y + panel.height <= height)
-                << width << 'x' << height << " panel at " << panel.x << ',' << panel.y;
-            for (int y = panel.y; y < panel.y + panel.height; ++y)
+        const Layout panels = makeLayout(width, height);
+        for (const Rect& panel : {panels.title, panels.position, panels.signals, panels.sky, panels.satellites,
+                                  panels.requests, panels.location, panels.counts, panels.log, panels.help}) {
+            ASSERT_LE(panel.x + panel.width, width);
+            for (int y = panel.y; y < panel.y + panel.height; ++y) {
                 for (int x = panel.x; x < panel.x + panel.width; ++x)
-                    ++covers[static_cast<std::size_t>(y * width + x)];
+                    ++covers.at(static_cast<std::size_t>(y * width + x));
+            }
         }
         EXPECT_THAT(covers, testing::Each(1)) << width << 'x' << height;
     }
@@ -141,50 +136,38 @@ TEST(LogPanels, WrapLongLinesAndEndWithTheNewest) {
         addLog(state, line);
     Canvas canvas(6, 4);
     drawLog(Panel(canvas, {0, 0, 6, 4}), state);
-    EXPECT_EQ(screenText(canvas), "012345\n6789ab\ncdef  \nnewest\n");
+    EXPECT_EQ(textOf(canvas), "012345\n6789ab\ncdef  \nnewest\n");
 }
 
-std::vector<std::string> drawn(int width, int height, void (*draw)(Panel, const std::vector<Satellite>&),
-                               const std::vector<Satellite>& satellites) {
+std::string drawn(int width, int height, void (*draw)(Panel, const std::vector<Satellite>&),
+                  const std::vector<Satellite>& satellites) {
     Canvas canvas(width, height);
     draw(Panel(canvas, {0, 0, width, height}), satellites);
-    return screenRows(canvas);
+    return textOf(canvas);
 }
 
 TEST(SkyPanels, PutTheZenithInTheMiddleAndNorthUp) {
-    const std::vector<std::string> rows = drawn(29, 13, &drawSky,
-                                                {{SATELLITE_TYPE_GPS, 5, 90, 0, 50, true},
-                                                 {SATELLITE_TYPE_GPS, 7, 0, 90, 25, false},
-                                                 {SATELLITE_TYPE_GPS, 8, 45, 180, 25, false},
-                                                 {SATELLITE_TYPE_GPS, 9, 0, 360, 25, false},
-                                                 {SATELLITE_TYPE_GPS, 6, 255, 4000000000u, 25, false}});
-    EXPECT_EQ(rows[6][14], '5');
-    EXPECT_EQ(rows[6][26], '7');
-    EXPECT_EQ(rows[9][14], '8');
-    EXPECT_EQ(rows[0][14], '9');
-    EXPECT_EQ(rows[6][2], 'W');
-    EXPECT_EQ(rows[12][14], 'S');
+    const std::string sky = drawn(29, 13, &drawSky,
+                                  {{SATELLITE_TYPE_GPS, 5, 90, 0, 50, true},
+                                   {SATELLITE_TYPE_GPS, 7, 0, 90, 25, false},
+                                   {SATELLITE_TYPE_GPS, 8, 45, 180, 25, false},
+                                   {SATELLITE_TYPE_GPS, 9, 0, 360, 25, false},
+                                   {SATELLITE_TYPE_GPS, 6, 255, 4000000000u, 25, false}});
+    const std::tuple<char, std::size_t, std::size_t> places[] = {{'5', 6, 14}, {'7', 6, 26}, {'8', 9, 14},
+                                                                 {'9', 0, 14}, {'W', 6, 2},  {'S', 12, 14}};
+    for (const auto& [glyph, y, x] : places)
+        EXPECT_EQ(sky[y * 30 + x], glyph) << sky;
 }
 
-TEST(SignalPanels, DrawBarsByStrengthOverTheNumbers) {
-    Canvas canvas(9, 6);
-    drawSignals(Panel(canvas, {0, 0, 9, 6}), {{SATELLITE_TYPE_GPS, 5, 0, 0, 99, true},
-                                              {SATELLITE_TYPE_GPS, 17, 0, 0, 25, false},
-                                              {SATELLITE_TYPE_GPS, 193, 0, 0, 0, false}});
-    EXPECT_EQ(screenText(canvas), "##       \n##       \n## ##    \n## ##    \n99 25 -  \n5  17 193\n");
-    EXPECT_EQ(canvas.at(0, 0).glyph, U'█');
-    EXPECT_EQ(canvas.at(3, 2).glyph, U'░');
-}
-
-TEST(SignalPanels, KeepTheSatellitesThatMatterMost) {
-    const std::vector<Satellite> satellites = {{SATELLITE_TYPE_GPS, 1, 0, 0, 40, true},
-                                               {SATELLITE_TYPE_GPS, 2, 0, 0, 0, false},
-                                               {SATELLITE_TYPE_GPS, 3, 0, 0, 30, false},
-                                               {SATELLITE_TYPE_GPS, 4, 0, 0, 0, false},
-                                               {SATELLITE_TYPE_GPS, 5, 0, 0, 20, true}};
-    EXPECT_EQ(drawn(9, 3, &drawSignals, satellites)[2], "1  3  5  ");
-    EXPECT_EQ(drawn(6, 3, &drawSignals, satellites)[2], "1  5  ");
-    EXPECT_EQ(drawn(3, 3, &drawSignals, satellites)[2], "1  ");
+TEST(SignalPanels, DrawBarsByStrengthAndKeepTheSatellitesThatMatterMost) {
+    const std::vector<Satellite> satellites = {{SATELLITE_TYPE_GPS, 5, 0, 0, 99, true},
+                                               {SATELLITE_TYPE_GPS, 17, 0, 0, 25, false},
+                                               {SATELLITE_TYPE_GPS, 193, 0, 0, 0, false},
+                                               {SATELLITE_TYPE_GPS, 8, 0, 0, 20, true}};
+    EXPECT_EQ(drawn(12, 6, &drawSignals, satellites),
+              "##          \n##          \n## ##    ## \n## ##    ## \n99 25 -  20 \n5  17 1938  \n");
+    EXPECT_EQ(drawn(9, 2, &drawSignals, satellites), "99 25 20 \n5  17 8  \n");
+    EXPECT_EQ(drawn(6, 2, &drawSignals, satellites), "99 20 \n5  8  \n");
 }
 
 }  // namespace

@@ -3,10 +3,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 
 #include "SimulatedReceiver.h"
+#include "tests/support/Messages.h"
 
 namespace {
 
@@ -21,13 +23,9 @@ TEST(Epoch, ConsistsOfSentencesWithChecksumAndLineEnd) {
     SimulatedReceiver sim;
     sim.answerTo(kZdaOn + kPubxOn + kFiveHertz + kTokyo);
     for (int epoch = 0; epoch < 3000; ++epoch) {
-        for (const std::string& sentence : sim.nextEpoch()) {
-            ASSERT_THAT(sentence, MatchesRegex("[$][ -)+-~]*[*][0-9A-F][0-9A-F]\r\n"));
-            unsigned sum = 0;
-            for (const char character : sentence.substr(1, sentence.size() - 6))
-                sum ^= static_cast<unsigned char>(character);
-            ASSERT_EQ(std::stoul(sentence.substr(sentence.size() - 4), nullptr, 16), sum) << sentence;
-            ASSERT_LE(sentence.size(), 128u) << sentence;
+        for (const std::string& text : sim.nextEpoch()) {
+            ASSERT_EQ(text, sentence(text.substr(1, text.find('*') - 1)));
+            ASSERT_LE(text.size(), 128u) << text;
         }
     }
 }
@@ -78,9 +76,7 @@ TEST(Epoch, NamesTheSameSatellitesInAllSentences) {
 }
 
 TEST(Epoch, KeepsToTheGridAndLeavesOutWhatWasMissed) {
-    sim::Receiver::Setup setup;
-    setup.interval = 200ms;
-    SimulatedReceiver sim(setup);
+    SimulatedReceiver sim({.interval = 200ms});
     const auto start = SimulatedReceiver::kStart;
     EXPECT_EQ(sim.receiver.nextEpoch(), start);
     EXPECT_EQ(sim.receiver.runEpoch(start).time, start);
@@ -88,6 +84,12 @@ TEST(Epoch, KeepsToTheGridAndLeavesOutWhatWasMissed) {
     EXPECT_EQ(sim.receiver.nextEpoch(), start + 1400ms);
     sim.answerTo(hex("B5 62 06 08 06 00 E8 03 01 00 01 00 01 39"));  // back to one second
     EXPECT_EQ(sim.receiver.nextEpoch(), start + 2000ms);
+}
+
+/** "3539.81115" as degrees. */
+double angle(const std::string& field) {
+    const double value = std::stod(field);
+    return std::trunc(value / 100) + std::fmod(value, 100) / 60;
 }
 
 TEST(Datum, TokyoIsTheSamePlaceInOtherCoordinates) {
@@ -102,9 +104,8 @@ TEST(Datum, TokyoIsTheSamePlaceInOtherCoordinates) {
         for (const std::string& sentence : sim.nextEpoch())
             fields[sim::nmeaKind(sentence)] = sim::nmeaFields(sentence);
         for (const auto& [kind, at] : {std::pair("RMC", 3u), {"GGA", 2u}, {"GLL", 1u}, {"PUBX", 3u}}) {
-            const auto& found = fields[kind];
-            EXPECT_NEAR(sim.truth.position.latitude - angle(found[at], found[at + 1]), kLatitudeShift, 4e-6);
-            EXPECT_NEAR(sim.truth.position.longitude - angle(found[at + 2], found[at + 3]), kLongitudeShift, 4e-6);
+            EXPECT_NEAR(sim.truth.position.latitude - angle(fields[kind][at]), kLatitudeShift, 4e-6);
+            EXPECT_NEAR(sim.truth.position.longitude - angle(fields[kind][at + 2]), kLongitudeShift, 4e-6);
         }
         const double aboveSea = sim.truth.position.height - 36.7;
         EXPECT_NEAR(std::stod(fields["GGA"][9]), aboveSea, 0.06) << "the sea level has no datum";
@@ -113,10 +114,7 @@ TEST(Datum, TokyoIsTheSamePlaceInOtherCoordinates) {
 
 TEST(Antenna, IsTextedAtTheStartAndWithEveryChange) {
     using sim::Antenna;
-    sim::Receiver::Setup setup;
-    setup.antenna = {Antenna::Ok, Antenna::Open, Antenna::Open, Antenna::Short};
-    setup.antennaEvery = 2s;
-    SimulatedReceiver sim(setup);
+    SimulatedReceiver sim({.antenna = {Antenna::Ok, Antenna::Open, Antenna::Open, Antenna::Short}, .antennaEvery = 2s});
     sim.receiver.announce();
     EXPECT_THAT(sim.bytesSent(), EndsWith("\r\n$GPTXT,01,01,02,ANTSTATUS=OK*3B\r\n"));
     std::map<int, std::string> texts;

@@ -78,12 +78,4 @@ public:
     sim::Receiver::Truth truth{};
 };
 
-/** "3539.81115" and "N" as degrees. */
-inline double angle(const std::string& field, const std::string& hemisphere) {
-    const double value = std::stod(field);
-    const double whole = static_cast<int>(value / 100);
-    const double degrees = whole + (value - 100 * whole) / 60;
-    return hemisphere == "S" || hemisphere == "W" ? -degrees : degrees;
-}
-
 #endif
