@@ -1,18 +1,17 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <map>
+#include <mutex>
 #include <string>
-#include <thread>
 
 #include "Gps/Gps.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
+#include "tests/support/AnyListener.h"
 
 // One of the processes of scripts/soak: five listeners of every kind, counted; publishes a location a second when told
 // to; ends on SIGTERM and prints what it was told and how its resources went, as one line of JSON.
@@ -21,31 +20,25 @@ namespace {
 
 constexpr int kListeners = 5;
 
-class CountingListener : public GpsNmeaListener,
-                         public GpsParseNmeaListener,
-                         public GpsLocationDataListener,
-                         public GpsVersionListener,
-                         public GpsConnectionListener,
-                         public GpsSettingListener,
-                         public GpsProductionListener {
+class CountingListener : public AnyListener {
 public:
-    void notifyReceiveNmeaSentence(const char*, unsigned int) override { ++raw; }
-    void notifyParseNmeaSentence(const PARSE_NMEA*) override { ++epochs; }
-    void notifyParseGgaSentence(const GPGGA*) override { ++parsed; }
-    void notifyParseGllSentence(const GPGLL*) override { ++parsed; }
-    void notifyParseGsaSentence(const GPGSA*) override { ++parsed; }
-    void notifyParseRmcSentence(const GPRMC*) override { ++parsed; }
-    void notifyParseVtgSentence(const GPVTG*) override { ++parsed; }
+    void tell(const std::string& what, const std::string&) override {
+        const std::lock_guard guard(mMutex);
+        ++mCounts[what];
+    }
     void notifyLocationData(const LOCATION_DATA* record) override {
-        ++locations;
-        if (record->Gga.Lat != record->Rmc.Lat || record->Pascd.Sample[49].ValueB != record->Gga.Lat) ++torn;
+        const bool isWhole = record->Gga.Lat == record->Rmc.Lat && record->Gga.Lat == record->Pascd.Sample[49].ValueB;
+        tell(isWhole ? "location" : "torn location", "");
     }
 
-    std::atomic<unsigned long> raw{0};
-    std::atomic<unsigned long> parsed{0};
-    std::atomic<unsigned long> epochs{0};
-    std::atomic<unsigned long> locations{0};
-    std::atomic<unsigned long> torn{0};
+    unsigned long count(const std::string& what) {
+        const std::lock_guard guard(mMutex);
+        return mCounts[what];
+    }
+
+private:
+    std::mutex mMutex;
+    std::map<std::string, unsigned long> mCounts;
 };
 
 struct Resources {
@@ -67,17 +60,6 @@ Resources resources() {
     return {resident * pageKiB, entriesOf("/proc/self/fd"), entriesOf("/proc/self/task")};
 }
 
-void registerAll(CountingListener& listener) {
-    Gps* const gps = Gps::GetInstance();
-    gps->registerGpsNmeaListener(&listener, GEODETIC_SYSTEM_WGS84);
-    gps->registerGpsParseNmeaListener(&listener, GEODETIC_SYSTEM_WGS84);
-    gps->registerGpsLocationDataListener(&listener);
-    gps->registerGpsVersionListener(&listener);
-    gps->registerGpsConnectionListener(&listener);
-    gps->registerGpsSettingListener(&listener);
-    gps->registerGpsProductionListener(&listener);
-}
-
 /** A location in which every part tells the same number. */
 void publish(int number) {
     GPS_LOCATION_SYNC_DATA location = {};
@@ -87,19 +69,27 @@ void publish(int number) {
     Gps::GetInstance()->setLocationData(&location);
 }
 
-void print(const CountingListener (&listeners)[kListeners], const Resources& early, const Resources& late) {
+void print(CountingListener (&listeners)[kListeners], const Resources& early, const Resources& late) {
     bool isEven = true;
     unsigned long torn = 0;
-    for (const CountingListener& listener : listeners) {
-        isEven = isEven && listener.raw == listeners[0].raw && listener.parsed == listeners[0].parsed &&
-                 listener.epochs == listeners[0].epochs;
-        torn += listener.torn;
+    unsigned long parsed = 0;
+    for (const char* what : {"GGA", "GLL", "GSA", "RMC", "VTG"}) {
+        parsed += listeners[0].count(what);
+    }
+    for (const char* what : {"raw", "EPOCH", "GGA", "GLL", "GSA", "RMC", "VTG"}) {
+        const unsigned long count = listeners[0].count(what);
+        for (CountingListener& listener : listeners) {
+            isEven = isEven && listener.count(what) == count;
+        }
+    }
+    for (CountingListener& listener : listeners) {
+        torn += listener.count("torn location");
     }
     std::printf(
         "{\"raw\":%lu,\"parsed\":%lu,\"epochs\":%lu,\"locations\":%lu,\"torn\":%lu,\"even\":%s,"
         "\"kib\":[%lu,%lu],\"descriptors\":[%lu,%lu],\"threads\":[%lu,%lu]}\n",
-        listeners[0].raw.load(), listeners[0].parsed.load(), listeners[0].epochs.load(), listeners[0].locations.load(),
-        torn, isEven ? "true" : "false", early.residentKiB, late.residentKiB, early.descriptors, late.descriptors,
+        listeners[0].count("raw"), parsed, listeners[0].count("EPOCH"), listeners[0].count("location"), torn,
+        isEven ? "true" : "false", early.residentKiB, late.residentKiB, early.descriptors, late.descriptors,
         early.threads, late.threads);
 }
 
@@ -114,7 +104,7 @@ int main(int argc, char** argv) {
 
     CountingListener listeners[kListeners];
     for (CountingListener& listener : listeners) {
-        registerAll(listener);
+        registerForAll(*Gps::GetInstance(), listener, GEODETIC_SYSTEM_WGS84);
     }
     constexpr int kWarmUpSeconds = 5;
     Resources early = resources();
