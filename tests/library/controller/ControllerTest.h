@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <cstring>
 #include <functional>
@@ -21,6 +21,7 @@
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "GpsHal/GpsHal.h"
 #include "GpsHal/GpsHalMemoryLink.h"
+#include "tests/support/AnyListener.h"
 #include "tests/support/LogCapture.h"
 
 using namespace std::string_view_literals;
@@ -34,14 +35,8 @@ constexpr std::string_view kAck = "\xB5\x62\x05\x01\x02\x00\x06\x01\x0F\x38"sv;
 constexpr std::string_view kNak = "\xB5\x62\x05\x00\x02\x00\x06\x01\x0E\x33"sv;
 constexpr GPS_LOCATION_SYNC_DATA kNowhere = {};
 
-/** A listener of every kind. It notes what it is told, as "name:what", in a list that listeners may share. */
-class Listener : public GpsNmeaListener,
-                 public GpsParseNmeaListener,
-                 public GpsLocationDataListener,
-                 public GpsVersionListener,
-                 public GpsConnectionListener,
-                 public GpsSettingListener,
-                 public GpsProductionListener {
+/** Notes what it is told, as "name:what", in a list that listeners may share: records by their kind alone. */
+class Listener : public AnyListener {
 public:
     explicit Listener(std::string name, Strings* told = nullptr)
         : mName(std::move(name)), mTold(told != nullptr ? *told : mOwnTold) {}
@@ -58,27 +53,18 @@ public:
     /** The last location told. */
     const LOCATION_DATA& location() const { return mLocation; }
 
-    void notifyReceiveNmeaSentence(const char* data, unsigned int length) override { note({data, length}); }
-    void notifyParseZdaSentence(const GPZDA* record) override { note("zda " + std::to_string(record->Hour)); }
-    void notifyRmcData(const GPRMC*) override { note("rmc"); }
-    void notifyGgaData(const GPGGA* record) override {
-        mGga = record;
-        note("gga");
-    }
-    void notifyPascdData(const PASCD*) override { note("pascd"); }
     void notifyLocationData(const LOCATION_DATA* record) override {
         mLocation = *record;
-        note(mGga == &record->Gga ? "location" : "location elsewhere than its gga");
+        AnyListener::notifyLocationData(record);
     }
-    void notifyGpsVersionInfo(const char* version, unsigned int) override { note(version); }
-    void notifyGpsConnectionStatus(GpsConnectionStatus status) override { note("antenna " + std::to_string(status)); }
-    void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
-        note((acknowledged ? "ack " : "nak ") + std::to_string(setting));
+    void tell(const std::string& what, const std::string& text) override {
+        const bool isRecord = std::isupper(what[0]) != 0 || what.starts_with("location");
+        {
+            const std::lock_guard guard(mutex());
+            mTold.push_back(mName + ":" + what + (isRecord ? "" : " " + text));
+        }
+        if (mHook) mHook();
     }
-    void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged) override {
-        note(acknowledged ? "switched" : "not switched");
-    }
-    void notifyReceiveGpsProductionData(const PRODUCTION_DATA*) override { note("production data"); }
 
 private:
     static std::mutex& mutex() {
@@ -86,21 +72,16 @@ private:
         return instance;
     }
 
-    void note(const std::string& what) {
-        {
-            const std::lock_guard guard(mutex());
-            mTold.push_back(mName + ":" + what);
-        }
-        if (mHook) mHook();
-    }
-
     std::string mName;
     Strings mOwnTold;
     Strings& mTold;
     std::function<void()> mHook;
-    const GPGGA* mGga = nullptr;
     LOCATION_DATA mLocation{};
 };
+
+/** What a listener notes of a location and of the version. */
+const Strings kLocationTold = {"location's RMC", "location's GGA", "location's PASCD", "location"};
+const std::string kVersionTold = "version u-blox 7c" + std::string(119, '\0');
 
 /** The operations that the facade and the controller have alike. */
 template <class Service>
@@ -184,6 +165,16 @@ protected:
     std::unique_ptr<GpsController> mController;
 };
 
+/** Tells every listener's name before each of the lines. */
+inline Strings toldBy(const Strings& names, const Strings& lines) {
+    Strings all;
+    for (const std::string& name : names) {
+        for (const std::string& line : lines)
+            all.push_back(name + ":" + line);
+    }
+    return all;
+}
+
 /** The same for each kind of listener, by its index. The worker never runs: locations are told by the test's thread. */
 class EveryKind : public ControllerTest, public testing::WithParamInterface<std::size_t> {
 protected:
@@ -211,16 +202,9 @@ protected:
 
     /** What listeners of these names are told then, in this order. */
     static Strings toldTo(const Strings& names) {
-        const Strings told[] = {{"$X"},        {"zda 12"},    {"rmc", "gga", "pascd", "location"},
-                                {"u-blox 7c"}, {"antenna 1"}, {"ack 1"},
-                                {"switched"}};
-        Strings all;
-        for (const std::string& listener : names) {
-            for (const std::string& what : told[GetParam()]) {
-                all.push_back(listener + ":" + what);
-            }
-        }
-        return all;
+        const Strings told[] = {{"raw $X"},    {"ZDA"},           kLocationTold, {kVersionTold},
+                                {"antenna 1"}, {"setting 1 yes"}, {"mode yes"}};
+        return toldBy(names, told[GetParam()]);
     }
 
     Strings mTold;

@@ -1,10 +1,7 @@
-#include <sys/wait.h>
-
-#include <cstdio>
-
 #include "Gps/Gps.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
 #include "tests/library/controller/ControllerTest.h"
+#include "tests/support/Child.h"
 
 // The facade, its only instance, and the end of the process.
 
@@ -29,21 +26,21 @@ protected:
 
 TEST_F(Facade, forwardsEveryOperationWithItsArgumentAndItsResult) {
     Gps& gps = *Gps::GetInstance();
+    const auto expectCalled = [this](const std::string& operation) {
+        const std::vector<LogCapture::Line> lines = mLog.take();
+        ASSERT_FALSE(lines.empty()) << operation;
+        EXPECT_EQ(lines.back().function, operation);
+    };
     mPeer->setWriteFails(true);
     for (const auto& kind : kKinds<Gps>) {
         EXPECT_FALSE(kind.add(gps, nullptr));
+        expectCalled(std::string("registerGps") + kind.name + "Listener");
         EXPECT_FALSE(kind.remove(gps, &mListener));
-        const std::vector<LogCapture::Line> lines = mLog.take();
-        ASSERT_EQ(lines.size(), 2U) << kind.name;
-        EXPECT_EQ(lines[0].function, std::string("registerGps") + kind.name + "Listener");
-        EXPECT_EQ(lines[1].function, std::string("unRegisterGps") + kind.name + "Listener");
+        expectCalled(std::string("unRegisterGps") + kind.name + "Listener");
     }
     for (const auto& request : kRequests<Gps>) {
         EXPECT_FALSE(request.call(gps));
-        const std::vector<LogCapture::Line> lines = mLog.take();
-        if (request.name == "requestGpsSetting"sv) continue;  // which says nothing
-        ASSERT_FALSE(lines.empty()) << request.name;
-        EXPECT_EQ(lines.back().function, request.name);
+        if (request.name != "requestGpsSetting"sv) expectCalled(request.name);  // which says nothing
     }
     EXPECT_FALSE(gps.setLocationData(nullptr));
 
@@ -75,29 +72,16 @@ TEST_F(Facade, isOneInstanceForAllThreadsUntilTheFinalizerRuns) {
     EXPECT_TRUE(fresh->registerGpsNmeaListener(&mListener, GEODETIC_SYSTEM_WGS84));
     mPeer->send("$A\r\n");
     ASSERT_TRUE(mPeer->waitUntilRead(kLongMs));
-    EXPECT_THAT(mListener.take(), ElementsAre("L:$A\r\n"));
-}
-
-/** Runs a client in another process. Returns what it printed. */
-std::string runClient(const char* scene, int& status) {
-    std::FILE* const pipe = popen((std::string(QVGPS_EXITING_CLIENT) + " " + scene + " 2>&1").c_str(), "r");
-    std::string printed;
-    char buffer[512];
-    while (const std::size_t length = std::fread(buffer, 1, sizeof(buffer), pipe)) {
-        printed.append(buffer, length);
-    }
-    status = pclose(pipe);
-    return printed;
+    EXPECT_THAT(mListener.take(), ElementsAre("L:raw $A\r\n"));
 }
 
 TEST(ProcessExit, isCleanFromAnywhereWhileSentencesComeIn) {
     for (const char* scene :
          {"statics-first", "service-first", "receive", "unregistering", "worker", "version", "first-status"}) {
-        int status = -1;
-        const std::string printed = runClient(scene, status);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 7) << scene << " " << status;
-        EXPECT_THAT(printed, testing::EndsWith("the last of the client\n")) << scene;
-        EXPECT_THAT(printed, testing::Not(testing::HasSubstr("failed"))) << scene;
+        Child client({QVGPS_EXITING_CLIENT, scene});
+        EXPECT_EQ(client.end(), 7) << scene;
+        EXPECT_THAT(client.all(), testing::EndsWith("the last of the client\n")) << scene;
+        EXPECT_THAT(client.all(), testing::Not(testing::HasSubstr("failed"))) << scene;
     }
 }
 

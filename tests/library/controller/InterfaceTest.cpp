@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,6 +14,7 @@
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
 #include "GpsHal/GpsHal.h"
+#include "tests/support/Child.h"
 
 // What clients are compiled against: virtual slots, and the symbols of the shared library.
 
@@ -69,17 +70,12 @@ TEST(VirtualSlots, areInTheOrderThatClientsAreCompiledFor) {
 
 TEST(SharedLibrary, showsThePublicInterfaceAndNothingElse) {
     std::set<std::string> shown;
-    std::FILE* const pipe = popen("nm -D -S --defined-only " QVGPS_LIBRARY, "r");
-    char line[1024];
-    while (std::fgets(line, sizeof(line), pipe) != nullptr) {
-        char size[32] = "";
-        char symbol[900] = "";
-        if (std::sscanf(line, "%*s %31s %*c %899s", size, symbol) != 2) continue;
-        const bool isTable = std::strncmp(symbol, "_ZTV", 4) == 0;  // its size is the number of slots
-        shown.insert(isTable ? symbol + std::string(" ") + std::to_string(std::stoul(size, nullptr, 16) / sizeof(void*))
-                             : symbol);
+    std::istringstream symbols(runShell("nm -D -S --defined-only " QVGPS_LIBRARY).out);
+    for (std::string address, size, type, symbol; symbols >> address >> size >> type >> symbol;) {
+        const bool isTable = symbol.starts_with("_ZTV");  // its size is the number of slots
+        if (isTable) symbol += " " + std::to_string(std::stoul(size, nullptr, 16) / sizeof(void*));
+        shown.insert(symbol);
     }
-    pclose(pipe);
     std::ifstream file(QVGPS_EXPORTED_SYMBOLS);
     std::set<std::string> expected;
     for (std::string symbol; std::getline(file, symbol);) {

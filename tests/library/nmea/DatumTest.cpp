@@ -57,20 +57,4 @@ TEST(TokyoToWgs84, ConvertsWhateverItIsGiven) {
     EXPECT_EQ(toWgs84(std::nan(""), 0).lat, 0.0);
 }
 
-TEST(TokyoToWgs84, ConvertsThePositionsOfAnEpoch) {
-    GPGGA gga = {};
-    GPGLL gll = {};
-    GPRMC rmc = {};
-    gga.Lat = 3539.0, gga.Lon = 13944.0, gga.Alt = 5;
-    gll.Lat = -3351.5, gll.Lon = 15112.25, gll.Mode = 2;
-    EXPECT_TRUE(GpsParseNmeaManager().convertTokyoToWgs84ForAllData(&gga, &gll, &rmc));
-    EXPECT_EQ(gga.Lat, toWgs84(3539.0, 13944.0).lat);
-    EXPECT_EQ(gga.LonMin, toWgs84(3539.0, 13944.0).lonMin);
-    EXPECT_EQ(gll.LatDeg, -33);
-    EXPECT_EQ(gll.Lon, toWgs84(-3351.5, 15112.25).lon);
-    EXPECT_EQ(rmc.Lon, 0.2734375);
-    EXPECT_EQ(gga.Alt, 5);
-    EXPECT_EQ(gll.Mode, 2U);
-}
-
 }  // namespace

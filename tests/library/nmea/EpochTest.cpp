@@ -10,9 +10,6 @@ using testing::HasSubstr;
 
 namespace {
 
-constexpr auto kWgs84 = GEODETIC_SYSTEM_WGS84;
-constexpr auto kTokyo = GEODETIC_SYSTEM_TOKYO;
-
 const std::map<std::string, std::string> kBodies = {
     {"RMC", "GNRMC,123519.00,A,3539.00000,N,13944.00000,E,0.0,0.0,160926,,,A"},
     {"VTG", "GNVTG,0.0,T,,M,0.0,N,0.0,K,A"},

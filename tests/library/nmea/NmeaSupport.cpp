@@ -2,28 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <memory>
-
-std::string sentence(std::string_view body) {
-    unsigned int sum = 0;
-    for (const char c : body)
-        sum ^= static_cast<unsigned char>(c);
-    char ending[8];
-    std::snprintf(ending, sizeof(ending), "*%02X\r\n", sum);
-    return "$" + std::string(body) + ending;
-}
+#include <algorithm>
 
 std::string Recorder::kinds() const {
     std::string text;
-    for (const Notification& notification : told)
-        text += (text.empty() ? "" : " ") + notification.kind;
+    for (const auto& [kind, record] : told)
+        text += (text.empty() ? "" : " ") + kind;
     return text;
 }
 
 std::string Recorder::last(std::string_view kind) const {
-    const auto found = std::find_if(told.rbegin(), told.rend(), [&](const auto& it) { return it.kind == kind; });
-    return found != told.rend() ? found->record : "";
+    const auto found = std::find_if(told.rbegin(), told.rend(), [&](const auto& it) { return it.first == kind; });
+    return found != told.rend() ? found->second : "";
 }
 
 bool feed(GpsParseNmeaManager& manager, std::string_view chunk, const Registry& registry, GeodeticSystem base) {

@@ -63,8 +63,7 @@ std::string written(double value, unsigned int precision) {
     return {exact.data(), number_text::writeFixed(exact.data(), value, precision)};
 }
 
-template <class Value>
-std::string printed(const char* format, unsigned int modifier, Value value) {
+std::string printed(const char* format, unsigned int modifier, auto value) {
     char text[400];
     std::snprintf(text, sizeof(text), format, static_cast<int>(modifier), value);
     return text;
@@ -75,11 +74,9 @@ TEST(Numbers, AreReadAsTheCLibraryDoes) {
         "- + -0 +1.5 9007199254740993 9007199254740992.5 999999999999999999 9223372036854775807 9223372036854775808 "
         "-9223372036854775809 18446744073709551615 18446744073709551616 1e400 4.9e-324 0x1F.8p3 INFINITY nan(12) -nan "
         ".5 5. 1.2.3 0.1 1e 1e+ 00000000000000000.1");
-    for (std::string token; special >> token;) {
-        EXPECT_EQ(read(token), readByLibrary(token)) << token;
-    }
     for (int i = 0; i < 200000; ++i) {
-        const std::string token = randomToken();
+        std::string token;
+        if (!(special >> token)) token = randomToken();
         ASSERT_EQ(read(token), readByLibrary(token)) << token;
     }
 }

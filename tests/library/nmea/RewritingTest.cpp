@@ -64,21 +64,17 @@ TEST(RawSentences, ThatCannotBePassedOnAreRefused) {
         std::vector<LogCapture::Line> lines = log.take();
         ASSERT_EQ(lines.size() == 1, c.message.empty()) << c.chunk;
         EXPECT_EQ(lines.back().text, kRefused);
-        EXPECT_EQ(lines.back().function, "convertTokyoToWgs84ForNmea");
-        if (lines.size() == 1) continue;
-        EXPECT_EQ(lines.rbegin()[1].text, c.message);
-        EXPECT_EQ(lines.rbegin()[1].function, "parseNmeaSentenceMinimum");
+        EXPECT_TRUE(c.message.empty() || lines.rbegin()[1].text == c.message) << c.message;
     }
 }
 
 TEST(RawSentences, OfTheReceiversOwnKindKeepDeadReckoningWhenReadAgain) {
     for (const char* end : {"5,0,3", "5,3"}) {
         const std::string text = rewrite(sentence(std::string("PUBX,00,1,1,N,1,E,1,G3,1,1,1,1,1,,1,1,1,") + end)).text;
-        PUBX record = {};
-        EXPECT_TRUE(GpsParseNmeaManager().receiveParsePubxSentence(text.c_str(), nullptr, 0, &record,
-                                                                   GEODETIC_SYSTEM_WGS84, false));
-        EXPECT_EQ(record.DR_MODE, 3) << text;
-        EXPECT_EQ(record.SatView, 5);
+        GpsParseNmeaManager manager;
+        Recorder listener;
+        EXPECT_TRUE(feed(manager, text, {{&listener, kWgs84}}));
+        EXPECT_TRUE(listener.last("PUBX").ends_with(" 5 3")) << text;
     }
 }
 
