@@ -1,24 +1,22 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <poll.h>
-#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <future>
 #include <string>
-#include <thread>
 
 #include "GpsHal/GpsHal.h"
 #include "GpsHal/GpsHalFileLink.h"
 #include "GpsHal/GpsHalSerialLink.h"
-#include "tests/platform/ChildProcess.h"
 #include "tests/platform/ChunkObserver.h"
+#include "tests/support/Child.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Processes.h"
+#include "tests/support/ScratchDirectory.h"
 
 namespace {
 
@@ -26,62 +24,25 @@ using testing::ElementsAre;
 
 constexpr int kLong = 20000;  // ms; a wait that fails, fails after this
 
-/** A directory of its own, gone with the test. */
-class TemporaryDirectory {
-public:
-    TemporaryDirectory() {
-        std::string path = testing::TempDir() + "gps-links-XXXXXX";
-        mPath = mkdtemp(path.data());
-    }
-    ~TemporaryDirectory() { std::filesystem::remove_all(mPath); }
-
-    std::string path(const std::string& name) const { return (mPath / name).string(); }
-
-private:
-    std::filesystem::path mPath;
-};
-
 /** The receiver's end of a pseudo-terminal, under a symbolic link, for its own lifetime. */
-class Receiver {
+class Receiver : public Stream {
 public:
     explicit Receiver(const std::string& link, bool echoes = true)
-        : mMaster(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        grantpt(mMaster);
-        unlockpt(mMaster);
+        : Stream(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        grantpt(descriptor());
+        unlockpt(descriptor());
         termios initial = settings();
         if (!echoes) initial.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-        tcsetattr(mMaster, TCSANOW, &initial);
+        tcsetattr(descriptor(), TCSANOW, &initial);
         std::filesystem::remove(link);
-        std::filesystem::create_symlink(ptsname(mMaster), link);
+        std::filesystem::create_symlink(ptsname(descriptor()), link);
     }
-    ~Receiver() { close(mMaster); }
 
-    void send(const std::string& bytes) {
-        for (std::size_t sent = 0; sent < bytes.size();) {
-            const ssize_t length = ::write(mMaster, &bytes[sent], bytes.size() - sent);
-            ASSERT_GT(length, 0);
-            sent += static_cast<std::size_t>(length);
-        }
-    }
-    std::string receive(std::size_t size) {
-        std::string bytes;
-        char buffer[4096];
-        pollfd source{mMaster, POLLIN, 0};
-        while (bytes.size() < size && poll(&source, 1, kLong) == 1) {
-            const ssize_t length = ::read(mMaster, buffer, sizeof(buffer));
-            if (length <= 0) break;
-            bytes.append(buffer, static_cast<std::size_t>(length));
-        }
-        return bytes;
-    }
     termios settings() const {
         termios settings{};
-        tcgetattr(mMaster, &settings);  // of the pair, so also those of the other end
+        tcgetattr(descriptor(), &settings);  // of the pair, so also those of the other end
         return settings;
     }
-
-private:
-    const int mMaster;
 };
 
 std::string readAll(GpsHalLink& link, std::size_t size) {
@@ -109,7 +70,7 @@ std::string everyByte() {
 
 class SerialLinkTest : public testing::Test {
 protected:
-    TemporaryDirectory mDirectory;
+    ScratchDirectory mDirectory;
     const std::string mDevice = mDirectory.path("receiver");
     std::unique_ptr<Receiver> mReceiver = std::make_unique<Receiver>(mDevice);
     GpsHalSerialLink mLink{mDevice};
@@ -121,17 +82,16 @@ TEST_F(SerialLinkTest, CarriesEveryByteUnchangedBothWays) {
     mReceiver->send(everyByte());
     EXPECT_EQ(readAll(mLink, 256), everyByte());
     EXPECT_TRUE(send(mLink, everyByte()));
-    EXPECT_EQ(mReceiver->receive(256), everyByte());
+    EXPECT_EQ(mReceiver->bytes(256), everyByte());
     EXPECT_EQ(mLink.read(mBuffer, sizeof(mBuffer), 10), 0) << "nothing is echoed";
 }
 
 TEST_F(SerialLinkTest, WritesMoreThanTheDeviceTakesAtOnce) {
     std::string bytes;
-    for (unsigned i = 0; i < 200000; ++i) {
-        bytes += static_cast<char>(i * i >> 7U);
-    }
+    while (bytes.size() < 200000)
+        bytes += everyByte() + std::to_string(bytes.size());
     ASSERT_TRUE(mLink.open());
-    auto received = std::async(std::launch::async, [&] { return mReceiver->receive(bytes.size()); });
+    auto received = std::async(std::launch::async, [&] { return mReceiver->bytes(bytes.size()); });
     EXPECT_TRUE(send(mLink, bytes));
     EXPECT_EQ(received.get(), bytes);
     EXPECT_FALSE(send(mLink, bytes)) << "nobody reads any more";
@@ -159,35 +119,30 @@ TEST_F(SerialLinkTest, KeepsItsSpeedAcrossReopening) {
 }
 
 TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
-    const auto openInChild = [this] { return mLink.open() ? 0 : errno; };
     ASSERT_TRUE(mLink.open());
     GpsHalSerialLink second(mDevice);
-    EXPECT_FALSE(second.open());
-    EXPECT_EQ(errno, EBUSY);
-    EXPECT_EQ(ChildProcess([&] { return second.open() ? 0 : errno; }).exitCode(), EBUSY);
-    EXPECT_EQ(readAll(mLink, (mReceiver->send("x"), 1)), "x") << "the refused ones do no harm";
+    const auto expectBusy = [&] {
+        EXPECT_FALSE(second.open());
+        EXPECT_EQ(errno, EBUSY);
+    };
+    expectBusy();
+    expectInProcess(expectBusy);
+    mReceiver->send("x");
+    EXPECT_EQ(readAll(mLink, 1), "x") << "the refused ones do no harm";
+    const std::string device = std::filesystem::canonical(mDevice);
+    EXPECT_EQ(runShell("readlink /proc/self/fd/*").out.find(device), std::string::npos) << "started programs lack it";
     mLink.close();
-    EXPECT_EQ(ChildProcess(openInChild).exitCode(), 0);
 
     Signal opened;
-    ChildProcess holder([&] { return mLink.open() && opened.give() ? pause() : 1; });
-    ASSERT_TRUE(opened.wait(kLong));
+    const pid_t holder = startProcess([&] {
+        EXPECT_TRUE(mLink.open());
+        opened.give();
+        pause();
+    });
+    ASSERT_TRUE(opened.wait());
     EXPECT_FALSE(mLink.open());
-    holder.kill();
+    killProcess(holder);
     EXPECT_TRUE(mLink.open()) << "the death of its holder sets it free";
-}
-
-TEST_F(SerialLinkTest, LeavesNoDescriptorToExecutedPrograms) {
-    ASSERT_TRUE(mLink.open());
-    int found = 0;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        std::error_code ignored;
-        const std::string target = std::filesystem::read_symlink(entry.path(), ignored).string();
-        if (target != std::filesystem::canonical(mDevice) && target != "anon_inode:[eventfd]") continue;
-        ++found;
-        EXPECT_EQ(fcntl(std::stoi(entry.path().filename()), F_GETFD) & FD_CLOEXEC, FD_CLOEXEC) << target;
-    }
-    EXPECT_GE(found, 2);
 }
 
 TEST_F(SerialLinkTest, IsLostWhenTheDeviceVanishesAndOpensTheNewOne) {
@@ -209,7 +164,7 @@ TEST_F(SerialLinkTest, ClosingEndsAWaitingReadAndAWaitingWrite) {
         ASSERT_TRUE(mLink.open());
         auto reading = std::async(std::launch::async, [this] { return mLink.read(mBuffer, sizeof(mBuffer), 600000); });
         auto writing = std::async(std::launch::async, [this] { return send(mLink, std::string(100000, 'x')); });
-        EXPECT_EQ(mReceiver->receive(1).substr(0, 1), "x");
+        EXPECT_EQ(mReceiver->bytes(1).substr(0, 1), "x");
         mLink.close();
         EXPECT_EQ(reading.get(), -1);
         EXPECT_FALSE(writing.get());
@@ -218,7 +173,7 @@ TEST_F(SerialLinkTest, ClosingEndsAWaitingReadAndAWaitingWrite) {
 }
 
 TEST_F(SerialLinkTest, RefusesWhatIsNoSerialDevice) {
-    std::ofstream(mDirectory.path("file")) << "text";
+    mDirectory.write("file", "text");
     mkfifo(mDirectory.path("fifo").c_str(), 0600);
     for (const char* const name : {"file", "fifo", ".", "missing"}) {
         GpsHalSerialLink link(mDirectory.path(name));
@@ -245,24 +200,21 @@ TEST_F(SerialLinkTest, ServesTheHalThatTheEnvironmentDirectsToIt) {
     mReceiver->send("$GPGGA*00\r\n");
     EXPECT_TRUE(observer.waitForChunks(2));
     EXPECT_TRUE(hal->sendData("answer", 6));
-    EXPECT_EQ(mReceiver->receive(6), "answer");
+    EXPECT_EQ(mReceiver->bytes(6), "answer");
     EXPECT_TRUE(hal->stop());
     EXPECT_THAT(log.texts(), ElementsAre(mDevice + " is lost\n", mDevice + " is back\n"));
     EXPECT_TRUE(mLink.open()) << "set free";
 
     observer.detach();
     GpsHal::DelInstance();
-    unsetenv("GPSHAL_DEVICE");
-    unsetenv("GPSHAL_BAUD");
 }
 
 TEST(FileLink, GivesTheFileOnceAndThenSilence) {
-    const TemporaryDirectory directory;
+    const ScratchDirectory directory;
     std::string bytes;
     while (bytes.size() < 10000)
         bytes += everyByte();
-    std::ofstream(directory.path("log"), std::ios::binary) << bytes;
-    GpsHalFileLink link(directory.path("log"));
+    GpsHalFileLink link(directory.write("log", bytes));
     char buffer[10];
     EXPECT_EQ(link.read(buffer, sizeof(buffer), 0), -1);
     EXPECT_FALSE(send(link, "x") || link.setSpeed(2));

@@ -2,21 +2,19 @@
 
 #include <gmock/gmock.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <list>
-#include <memory>
+#include <new>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "QvFramework/Foundation/QvSyncGuard.h"
-#include "tests/platform/ChildProcess.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Processes.h"
+#include "tests/support/ScratchDirectory.h"
 
 namespace {
 
@@ -33,17 +31,8 @@ std::string objectPath(const std::string& name) {
     return "/dev/shm/" + name + ".lock";
 }
 
-std::string contentOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /** Memory that child processes share. */
 struct Shared {
-    static Shared* make() {
-        void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-        return new (memory) Shared();
-    }
     std::atomic<int> inside{0};
     std::atomic<int> clashes{0};
     std::atomic<int> turns{0};
@@ -61,11 +50,11 @@ void giveBack(const QvSharedSyncObject& lock) QV_NO_THREAD_SAFETY_ANALYSIS {
 void expectExclusion(const std::string& name) {
     constexpr int kProcesses = 6;
     constexpr int kTurns = 300;
-    const std::unique_ptr<Shared, void (*)(Shared*)> shared(Shared::make(),
-                                                            [](Shared* memory) { munmap(memory, sizeof(Shared)); });
+    void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    auto* const shared = new (memory) Shared;
     Signal go;
     const auto takeTurns = [&] {
-        if (!go.wait(20000)) return 1;
+        EXPECT_TRUE(go.wait());
         const QvSharedSyncObject lock(name.c_str());
         for (int i = 0; i < kTurns; ++i) {
             QvSyncGuard guard(lock);
@@ -73,20 +62,20 @@ void expectExclusion(const std::string& name) {
             ++shared->turns;
             --shared->inside;
         }
-        return 0;
     };
-    std::list<ChildProcess> children;
+    std::vector<pid_t> processes;
     for (int i = 0; i < kProcesses; ++i) {
-        children.emplace_back(takeTurns);
+        processes.push_back(startProcess(takeTurns));
     }
     for (int i = 0; i < kProcesses; ++i) {
-        EXPECT_TRUE(go.give());
+        go.give();
     }
-    for (ChildProcess& child : children) {
-        EXPECT_EQ(child.exitCode(), 0);
+    for (const pid_t process : processes) {
+        EXPECT_EQ(exitCodeOf(process), 0);
     }
     EXPECT_EQ(shared->clashes, 0);
     EXPECT_EQ(shared->turns, kProcesses * kTurns);
+    munmap(memory, sizeof(Shared));
 }
 
 TEST(SharedSyncObject, ExcludesProcessesThatStartTogether) {
@@ -118,14 +107,15 @@ TEST(SharedSyncObject, IsHeldUntilItIsGivenBackAsOftenAsItWasTaken) {
     Signal taken;
     take(lock);
     take(lock);
-    ChildProcess other([&] {
+    const pid_t other = startProcess([&] {
         QvSyncGuard guard(lock);
-        return taken.give() ? 0 : 1;
+        taken.give();
     });
     giveBack(lock);
     EXPECT_FALSE(taken.wait(50)) << "still held";
     giveBack(lock);
-    EXPECT_TRUE(taken.wait(20000));
+    EXPECT_TRUE(taken.wait());
+    EXPECT_EQ(exitCodeOf(other), 0);
     std::filesystem::remove(objectPath(name));
 }
 
@@ -134,14 +124,15 @@ TEST(SharedSyncObject, OutlivesAHolderThatIsKilled) {
     const QvSharedSyncObject lock(name.c_str());
     for (int round = 0; round < 5; ++round) {
         Signal taken;
-        ChildProcess holder([&] {
+        const pid_t holder = startProcess([&] {
             take(lock);
             take(lock);
-            return taken.give() ? pause() : 1;
+            taken.give();
+            pause();
         });
-        ASSERT_TRUE(taken.wait(20000));
+        ASSERT_TRUE(taken.wait());
         std::thread waiting([&] { QvSyncGuard guard(lock); });
-        holder.kill();
+        killProcess(holder);
         waiting.join();
     }
     expectExclusion(name);
@@ -151,7 +142,7 @@ TEST(SharedSyncObject, OutlivesAHolderThatIsKilled) {
 TEST(SharedSyncObject, RefusesForeignContentAndLeavesItAlone) {
     const std::string model = freshName();
     const QvSharedSyncObject whole(model.c_str());
-    const std::string intact = contentOf(objectPath(model));
+    const std::string intact = fileContents(objectPath(model));
     std::string otherVersion = intact;
     ++otherVersion[4];
     for (const std::string& content : {std::string("x"), std::string(intact.size(), 'x'), intact + "x", otherVersion}) {
@@ -170,22 +161,11 @@ TEST(SharedSyncObject, RefusesForeignContentAndLeavesItAlone) {
         takeTurns();
         other.join();
         EXPECT_EQ(turns, 20000) << "it still excludes threads";
-        EXPECT_EQ(contentOf(objectPath(name)), content);
+        EXPECT_EQ(fileContents(objectPath(name)), content);
         EXPECT_THAT(log.texts(), ElementsAre("no shared lock for " + name + "\n"));
         std::filesystem::remove(objectPath(name));
     }
     std::filesystem::remove(objectPath(model));
-}
-
-TEST(SharedSyncObject, IsOpenToItsGroupWhateverTheUmask) {
-    const std::string name = freshName();
-    const mode_t former = umask(077);
-    const QvSharedSyncObject lock(name.c_str());
-    umask(former);
-    struct stat status {};
-    ASSERT_EQ(stat(objectPath(name).c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0664U);
-    std::filesystem::remove(objectPath(name));
 }
 
 }  // namespace
