@@ -10,6 +10,7 @@
 #include "GpsHal/GpsHal.h"
 #include "GpsHal/GpsHalMemoryLink.h"
 #include "QvFramework/Foundation/QvObserver.h"
+#include "tests/support/Messages.h"
 
 /** A receiver in memory, and the layer that reads from it and hands every frame to `onFrame` on its receive thread. */
 class MemoryReceiver {
@@ -54,24 +55,6 @@ private:
     QvObserver<MemoryReceiver> mObserver;
     std::shared_ptr<GpsHalMemoryPeer> mPeer;
 };
-
-/** A whole UBX frame with its checksum. */
-inline std::string ubxFrame(unsigned char messageClass, unsigned char id, const std::string& payload) {
-    std::string frame = "\xB5\x62";
-    for (const std::size_t byte : {std::size_t{messageClass}, std::size_t{id}, payload.size(), payload.size() >> 8}) {
-        frame += static_cast<char>(byte);
-    }
-    frame += payload;
-    unsigned char a = 0;
-    unsigned char b = 0;
-    for (std::size_t i = 2; i < frame.size(); ++i) {
-        a = static_cast<unsigned char>(a + static_cast<unsigned char>(frame[i]));
-        b = static_cast<unsigned char>(b + a);
-    }
-    frame += static_cast<char>(a);
-    frame += static_cast<char>(b);
-    return frame;
-}
 
 /** An answer to any configuration message. */
 inline std::string answer(bool acknowledged) {

@@ -13,33 +13,9 @@ namespace {
 using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Fields = std::vector<double>;  // of a record, in their order
-
-class Listener final : public GpsProductionListener {
-public:
-    void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged) override { add("switch", acknowledged); }
-    void notifyStartGpsProductionCheckResponse(bool acknowledged) override { add("start", acknowledged); }
-    void notyfyGpsColdStartRequestResponse(bool acknowledged) override { add("cold start", acknowledged); }
-    void notifyReceiveGpsProductionData(const PRODUCTION_DATA* told) override {
-        const auto& [v4, v20, v24, v34, v36, v40, v48, v39, v32] = *told;
-        monPt.push_back({1.0 * v4, 1.0 * v20, 1.0 * v24, 1.0 * v34, 1.0 * v36, 1.0 * v40, 1.0 * v48, 1.0 * v39, v32});
-    }
-    void notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA* told) override {
-        const auto* const fields = reinterpret_cast<const unsigned*>(told);
-        monPt2.emplace_back(fields, fields + sizeof(*told) / sizeof(*fields));
-    }
-
-    Texts answers;
-    std::vector<Fields> monPt;
-    std::vector<Fields> monPt2;
-
-private:
-    void add(const char* what, bool acknowledged) { answers.push_back(what + (acknowledged ? " yes"s : " no"s)); }
-};
-
 TEST(ProductionRequest, AwaitsItsAnswerOnceItsBytesAreSent) {
-    const auto failureOf = [](const std::string& request) {
-        return "GpsProductionManager::" + request + "() : sendData() = false\n";
+    const auto failureOf = [](const std::string& request, const std::string& callee = "sendData") {
+        return "GpsProductionManager::" + request + "() : " + callee + "() = false\n";
     };
     const std::string reset = ubxFrame(6, 4, "\xFF\x87\4\0"s);
     using Manager = GpsProductionManager;
@@ -60,8 +36,7 @@ TEST(ProductionRequest, AwaitsItsAnswerOnceItsBytesAreSent) {
         {&Manager::requestFinishGpsProductionCheck,
          reset,
          REQUEST_TYPE_NONE,
-         {failureOf("requestGpsReset"),
-          "GpsProductionManager::requestFinishGpsProductionCheck() : requestGpsReset() = false\n"}},
+         {failureOf("requestGpsReset"), failureOf("requestFinishGpsProductionCheck", "requestGpsReset")}},
         {&Manager::requestGpsReset, reset, REQUEST_TYPE_NONE, {failureOf("requestGpsReset")}},
         {&Manager::requestGpsColdStart,
          ubxFrame(6, 4, "\xFF\xFF\2\0"s),
@@ -93,30 +68,30 @@ TEST(ProductionRequest, IsAnsweredEvenBeforeSendingHasReturned) {
     receiver.peer().setWriteHook([&](std::string_view) { receiver.send(answer(true)); });
     EXPECT_TRUE(manager.requestSwitchGpsProductionMode());
     EXPECT_TRUE(manager.requestStartGpsProductionCheck());
-    EXPECT_THAT(listener.answers, ElementsAre("switch yes", "start yes"));
+    EXPECT_THAT(listener.told, ElementsAre("mode yes", "check yes"));
 }
 
 TEST(ProductionAnswer, IsReportedByTheTypeOfTheLastRequest) {
     const struct {
         int type;
-        Texts answers;
+        Texts told;
         Texts texts;
     } cases[] = {
-        {REQUEST_TYPE_SWITCH_PRODUCTION_MODE, {"switch yes", "switch no", "switch yes"}, {}},
-        {REQUEST_TYPE_START_PRODUCTION_CHECK, {"start yes", "start no", "start yes"}, {}},
-        {REQUEST_TYPE_COLD_START, {"cold start yes", "cold start no", "cold start yes"}, {}},
+        {REQUEST_TYPE_SWITCH_PRODUCTION_MODE, {"mode yes", "mode no"}, {}},
+        {REQUEST_TYPE_START_PRODUCTION_CHECK, {"check yes", "check no"}, {}},
+        {REQUEST_TYPE_COLD_START, {"cold start yes", "cold start no"}, {}},
         {REQUEST_TYPE_NONE, {}, {}},
-        {77, {}, {3, "GpsProductionManager::switchGpsProductionResponse() unknown RequestType\n"}},
+        {77, {}, {2, "GpsProductionManager::switchGpsProductionResponse() unknown RequestType\n"}},
     };
     for (const auto& row : cases) {
         GpsProductionManager manager;
         manager.setRequestType(static_cast<RequestType>(row.type));
         Listener listener;
         const LogCapture log;
-        for (const bool acknowledged : {true, false, true}) {
+        for (const bool acknowledged : {true, false}) {
             EXPECT_TRUE(manager.switchGpsProductionResponse(answer(acknowledged).data(), 10, &listener));
         }
-        EXPECT_EQ(listener.answers, row.answers);
+        EXPECT_EQ(listener.told, row.told);
         EXPECT_EQ(textsOf(log), row.texts);
         EXPECT_EQ(manager.getRequestType(), row.type) << "until the next request";
     }
@@ -135,7 +110,7 @@ TEST(ProductionAnswer, ThatIsNoneEndsTheWaiting) {
         EXPECT_THAT(textsOf(log),
                     ElementsAre("GpsProductionManager::switchGpsProductionResponse() unknown response\n"));
     }
-    EXPECT_THAT(listener.answers, IsEmpty());
+    EXPECT_THAT(listener.told, IsEmpty());
 }
 
 TEST(ProductionAnswer, NullArgumentsAreRefusedSilentlyAndChangeNothing) {
@@ -144,15 +119,15 @@ TEST(ProductionAnswer, NullArgumentsAreRefusedSilentlyAndChangeNothing) {
     Listener listener;
     const std::string frame(100, '\0');
     const LogCapture log;
-    EXPECT_FALSE(manager.switchGpsProductionResponse(nullptr, 4, &listener) ||
-                 manager.switchGpsProductionResponse(frame.data(), 0, &listener) ||
-                 manager.switchGpsProductionResponse(frame.data(), 4, nullptr) ||
-                 manager.parseGpsProductionData(nullptr, &listener, 100) ||
-                 manager.parseGpsProductionData(frame.data(), nullptr, 100) ||
-                 manager.parseGpsProductionDataMonPt(nullptr, &listener, 100) ||
-                 manager.parseGpsProductionDataMonPt(frame.data(), nullptr, 100) ||
-                 manager.parseGpsProductionDataMonPt2(nullptr, &listener, 100) ||
-                 manager.parseGpsProductionDataMonPt2(frame.data(), nullptr, 100));
+    EXPECT_FALSE(manager.switchGpsProductionResponse(frame.data(), 0, &listener));
+    for (const bool isFrameMissing : {true, false}) {
+        const char* const data = isFrameMissing ? nullptr : frame.data();
+        Listener* const told = isFrameMissing ? &listener : nullptr;
+        EXPECT_FALSE(manager.switchGpsProductionResponse(data, 4, told) ||
+                     manager.parseGpsProductionData(data, told, 100) ||
+                     manager.parseGpsProductionDataMonPt(data, told, 100) ||
+                     manager.parseGpsProductionDataMonPt2(data, told, 100));
+    }
     EXPECT_THAT(textsOf(log), IsEmpty());
     EXPECT_EQ(manager.getRequestType(), REQUEST_TYPE_START_PRODUCTION_CHECK);
 }
@@ -184,23 +159,23 @@ std::string payloadOf(std::size_t size, const std::vector<Value>& values) {
 TEST(ProductionResult, MonPtFieldsComeFromTheirPlacesByTheirFactors) {
     const struct {
         std::vector<Value> values;
-        Fields fields;
+        std::string fields;
     } cases[] = {
-        {{}, {0, 0, 0, 0, 0, 0, 0, 0, 0}},
+        {{}, "0 0 0 0 0 0 0 0 0"},
         {{{4, 4, 0x89ABCDEF}, {40, 4, 0xFEDCBA98}, {48, 4, 0x80000001}, {39, 1, 0xFF}},
-         {0x89ABCDEF, 0, 0, 0, 0, 0xFEDCBA98, 0x80000001, 0xFF, 0}},
-        {{{20, 4, 4096}, {24, 4, 8192}}, {0, 0, 1, 0, 0, 0, 0, 0, 0}},
-        {{{20, 4, -8192u}, {24, 4, -4096u}}, {0, -1, 0, 0, 0, 0, 0, 0, 0}},
-        {{{20, 4, 0x7FFFFFFF}, {24, 4, 0x80000000}}, {0, 524287, -524287, 0, 0, 0, 0, 0, 0}},
-        {{{34, 2, 0xFFFF}, {36, 2, 0x00FF}}, {0, 0, 0, 255, 0, 0, 0, 0, 0}},
-        {{{34, 2, 0x0100}, {36, 2, 0x8000}}, {0, 0, 0, 1, 128, 0, 0, 0, 0}},
-        {{{32, 2, 0xFFFF}}, {0, 0, 0, 0, 0, 0, 0, 0, 65535 * 1.525878e-05}},
+         "2309737967 0 0 0 0 4275878552 2147483649 255 0"},
+        {{{20, 4, 4096}, {24, 4, 8192}}, "0 0 1 0 0 0 0 0 0"},
+        {{{20, 4, -8192u}, {24, 4, -4096u}}, "0 -1 0 0 0 0 0 0 0"},
+        {{{20, 4, 0x7FFFFFFF}, {24, 4, 0x80000000}}, "0 524287 -524287 0 0 0 0 0 0"},
+        {{{34, 2, 0xFFFF}, {36, 2, 0x00FF}}, "0 0 0 255 0 0 0 0 0"},
+        {{{34, 2, 0x0100}, {36, 2, 0x8000}}, "0 0 0 1 128 0 0 0 0"},
+        {{{32, 2, 0xFFFF}}, "0 0 0 0 0 0 0 0 " + textOf(65535 * 1.525878e-05)},
     };
     Listener listener;
     for (const auto& row : cases) {
         const std::string frame = ubxFrame(0x0A, kMonPt, payloadOf(52, row.values));
         ASSERT_TRUE(parse(frame, frame.size(), listener));
-        EXPECT_EQ(listener.monPt.back(), row.fields);
+        EXPECT_EQ(listener.told.back(), "MonPt " + row.fields);
     }
 }
 
@@ -216,22 +191,20 @@ std::string monPt2(unsigned first, unsigned second) {
 TEST(ProductionResult, MonPt2FieldsComeFromTheFirstEntryOfEachList) {
     const struct {
         unsigned first, second;
-        Fields entries;  // the record from pt2FirstEntry0 on
+        const char* entries;  // the record from pt2FirstEntry0 on
     } cases[] = {
-        {0, 0, {0, 0, 0, 0, 0, 0}},
-        {1, 0, {24, 0, 0, 0, 0, 0}},
-        {0, 1, {0, 0x1D1C, 0x1F1E, 48, 49, 46}},
-        {2, 1, {24, 0x5554, 0x5756, 104, 105, 102}},
-        {2, 3, {24, 0x5554, 0x5756, 104, 105, 102}},
-        {255, 255, {24, 0x0100, 0x0302, 20, 21, 18}},
+        {0, 0, "0 0 0 0 0 0"},
+        {1, 0, "24 0 0 0 0 0"},
+        {0, 1, "0 7452 7966 48 49 46"},
+        {2, 1, "24 21844 22358 104 105 102"},
+        {2, 3, "24 21844 22358 104 105 102"},
+        {255, 255, "24 256 770 20 21 18"},
     };
     Listener listener;
     for (const auto& row : cases) {
         const std::string frame = ubxFrame(0x0A, kMonPt2, monPt2(row.first, row.second));
         ASSERT_TRUE(parse(frame, frame.size(), listener));
-        Fields expected = {1, 0x0F0E0D0C, 0x13121110, 0x17161514};
-        expected.insert(expected.end(), row.entries.begin(), row.entries.end());
-        EXPECT_EQ(listener.monPt2.back(), expected) << row.first << "/" << row.second;
+        EXPECT_EQ(listener.told.back(), std::string("MonPt2 1 252579084 319951120 387323156 ") + row.entries);
     }
 }
 
@@ -261,12 +234,11 @@ TEST(ProductionResult, FrameTooShortForWhatItAnnouncesIsRefused) {
             EXPECT_FALSE(parse(shorter, shorter.size(), listener)) << size;
             expected.push_back(row.text);
         }
-        EXPECT_TRUE(listener.monPt.empty() && listener.monPt2.empty());
+        EXPECT_THAT(listener.told, IsEmpty());
         for (std::size_t length = end; length <= frame.size(); ++length) {
             EXPECT_TRUE(parse(frame, length, listener)) << length;
         }
-        EXPECT_EQ(listener.monPt.size() + listener.monPt2.size(), 3u);
-        listener = {};
+        EXPECT_EQ(std::exchange(listener.told, {}).size(), 3u);
         EXPECT_EQ(textsOf(log), expected);
     }
 }
@@ -295,21 +267,16 @@ TEST(ProductionResult, OtherFramesAreIgnoredAndTheParsersRefuseThem) {
            "GpsProductionManager::parseGpsProductionDataMonPt2() Header Error [01][62]\n");
     expect(&GpsProductionManager::parseGpsProductionDataMonPt2, "\xB5\x62\xFF\x2B",
            "GpsProductionManager::parseGpsProductionDataMonPt2() ID Error [ff][2b]\n");
-    EXPECT_TRUE(listener.monPt.empty() && listener.monPt2.empty());
+    EXPECT_THAT(listener.told, IsEmpty());
 }
 
 TEST(Version, IsToldAtOnceAndNothingIsSent) {
-    class VersionListener final : public GpsVersionListener {
-    public:
-        void notifyGpsVersionInfo(const char* version, unsigned length) override { told.emplace_back(version, length); }
-        Texts told;
-    };
     MemoryReceiver receiver;
     GpsVersionManager manager;
-    VersionListener listener;
+    Listener listener;
     const LogCapture log;
     EXPECT_TRUE(manager.requestGpsVersionInfo(&listener));
-    EXPECT_THAT(listener.told, ElementsAre("u-blox 7c" + std::string(119, '\0')));
+    EXPECT_THAT(listener.told, ElementsAre("version u-blox 7c" + std::string(119, '\0')));
     EXPECT_FALSE(manager.requestGpsVersionInfo(nullptr));
     EXPECT_THAT(textsOf(log), ElementsAre("GpsVersionManager::requestGpsVersionInfo() Argument Error"));
     EXPECT_EQ(receiver.peer().written(), "");

@@ -11,15 +11,14 @@
 
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "tests/library/services/MemoryReceiver.h"
-#include "tests/library/services/Processes.h"
 #include "tests/library/services/SharedState.h"
+#include "tests/support/Processes.h"
 
 namespace {
 
 using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Answer = std::pair<bool, int>;
 
 constexpr int kSettings = 36;
 
@@ -27,13 +26,14 @@ GpsSetting settingOf(int value) {
     return static_cast<GpsSetting>(value);
 }
 
-class Listener final : public GpsSettingListener {
-public:
-    void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
-        answers.emplace_back(acknowledged, setting);
+/** What a listener is told of settings that are all answered alike. */
+Texts answers(std::initializer_list<int> settings, const char* how = "yes") {
+    Texts told;
+    for (const int setting : settings) {
+        told.push_back("setting " + std::to_string(setting) + " " + how);
     }
-    std::vector<Answer> answers;
-};
+    return told;
+}
 
 class Setting : public testing::Test {
 protected:
@@ -63,14 +63,7 @@ std::string rebuilt(const std::string& command) {
         return ubxFrame(static_cast<unsigned char>(command[2]), static_cast<unsigned char>(command[3]),
                         command.substr(6, command.size() - 8));
     }
-    unsigned sum = 0;
-    const std::string text = command.substr(1, command.find('*') - 1);
-    for (const char c : text) {
-        sum ^= static_cast<unsigned char>(c);
-    }
-    char end[16];
-    std::snprintf(end, sizeof(end), "*%02X\r\n", sum);
-    return "$" + text + end;
+    return sentence(command.substr(1, command.find('*') - 1));
 }
 
 TEST_F(Setting, EveryCommandIsAWholeMessageAndIsWrittenOnlyWhereItFits) {
@@ -140,25 +133,22 @@ TEST_F(Setting, AnswersSettleRequestsInTheirOrder) {
     request({3, 17, 0});
     EXPECT_EQ(receiver.peer().written(), commandOf(3) + commandOf(17) + commandOf(0));
     receiver.send(answer(true) + answer(false) + answer(true));
-    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 3}, Answer{false, 17}, Answer{true, 0}));
     EXPECT_FALSE(offer(answer(true)));
-    EXPECT_EQ(listener.answers.size(), 3u);
+    EXPECT_THAT(listener.told, ElementsAre("setting 3 yes", "setting 17 no", "setting 0 yes"));
     EXPECT_THAT(textsOf(log), IsEmpty());
 }
 
 TEST_F(Setting, RequestsBeyondTheRingOverwriteTheOldest) {
-    std::vector<Answer> expected = {{true, 25}};
     for (int i = 0; i < 24; ++i) {
         request({i});
-        if (i > 0) expected.emplace_back(true, i);
     }
     request({25});
-    expected.emplace_back(true, 25);
     for (int i = 0; i < 25; ++i) {
         EXPECT_TRUE(offer(answer(true)));
     }
     EXPECT_FALSE(offer(answer(true)));
-    EXPECT_EQ(listener.answers, expected);
+    EXPECT_EQ(listener.told,
+              answers({25, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 25}));
 }
 
 TEST_F(Setting, FrameThatIsNoAnswerSettlesNothing) {
@@ -171,23 +161,20 @@ TEST_F(Setting, FrameThatIsNoAnswerSettlesNothing) {
                                                {"$", false}};
     for (const auto& [frame, isTaken] : cases) {
         GpsSettingManager ours;
-        const std::vector<char> exact(frame.begin(), frame.end());
-        const auto offerIt = [&] {
+        const auto offerIt = [&ours, this](const std::string& bytes) {
+            const std::vector<char> exact(bytes.begin(), bytes.end());
             return ours.analizeGpsSettingResponse(exact.data(), static_cast<unsigned>(exact.size()), &listener);
         };
         const LogCapture log;
-        EXPECT_FALSE(offerIt()) << "nothing is awaited";
-        EXPECT_THAT(textsOf(log), IsEmpty());
+        EXPECT_FALSE(offerIt(frame)) << "nothing is awaited";
         EXPECT_TRUE(ours.requestGpsSetting(settingOf(1)) && ours.requestGpsSetting(settingOf(2)));
-        const std::size_t before = listener.answers.size();
-        EXPECT_EQ(offerIt(), isTaken);
-        EXPECT_EQ(listener.answers.size(), before);
+        EXPECT_EQ(offerIt(frame), isTaken);
+        EXPECT_THAT(listener.told, IsEmpty());
         EXPECT_EQ(textsOf(log),
                   isTaken ? Texts() : Texts{"GpsSettingManager::analizeGpsSettingResponse() unknown response\n"});
-        EXPECT_TRUE(ours.analizeGpsSettingResponse(answer(true).data(), 10, &listener));
-        EXPECT_EQ(listener.answers[before].second, isTaken ? 1 : 2);
-        EXPECT_TRUE(ours.analizeGpsSettingResponse(answer(true).data(), 10, &listener));
-        EXPECT_FALSE(ours.analizeGpsSettingResponse(answer(true).data(), 10, &listener));
+        EXPECT_TRUE(offerIt(answer(true)) && offerIt(answer(true)));
+        EXPECT_FALSE(offerIt(answer(true)));
+        EXPECT_EQ(std::exchange(listener.told, {})[0], answers({isTaken ? 1 : 2})[0]);
     }
 }
 
@@ -204,7 +191,7 @@ TEST_F(Setting, FailedSendLeavesNothingBehindAlsoWhileAnotherRequestIsSent) {
         EXPECT_FALSE(manager.requestGpsSetting(setting));
         receiver.peer().setWriteFails(false);
         EXPECT_TRUE(offer(answer(true)));
-        EXPECT_EQ(listener.answers.back(), (Answer{true, GPS_SETTING_ZDA_ON}));
+        EXPECT_EQ(std::exchange(listener.told, {}), answers({GPS_SETTING_ZDA_ON}));
         EXPECT_FALSE(offer(answer(true)));
     }
     EXPECT_EQ(contentsOf(kSettingSegment).substr(4), std::string(8, '\0'));
@@ -214,11 +201,9 @@ TEST_F(Setting, FailedSendLeavesNothingBehindAlsoWhileAnotherRequestIsSent) {
 
 TEST_F(Setting, AnswerFindsItsRequestEvenBeforeSendingHasReturned) {
     receiver.peer().setWriteHook([&](std::string_view) { receiver.send(answer(false)); });
-    std::vector<Answer> expected;
     for (int setting = 0; setting < 24; ++setting) {
         request({setting});
-        expected.emplace_back(false, setting);
-        EXPECT_EQ(listener.answers, expected);
+        EXPECT_EQ(std::exchange(listener.told, {}), answers({setting}, "no"));
     }
 }
 
@@ -228,10 +213,10 @@ TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent)
         settingOfCommand[commandOf(setting)] = setting;
     }
     std::mutex mutex;
-    std::vector<Answer> sent;
+    Texts sent;
     receiver.peer().setWriteHook([&](std::string_view command) {
         const std::lock_guard guard(mutex);
-        sent.emplace_back(true, settingOfCommand.at(std::string(command)));
+        sent.push_back(answers({settingOfCommand.at(std::string(command))})[0]);
     });
     for (int round = 0; round < 20; ++round) {
         std::vector<std::thread> threads;
@@ -248,7 +233,7 @@ TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent)
         for (int i = 0; i < 24; ++i) {
             receiver.send(answer(true));
         }
-        ASSERT_EQ(listener.answers, sent);
+        ASSERT_EQ(listener.told, sent);
     }
 }
 
@@ -270,7 +255,7 @@ TEST_F(Setting, SpeedChangeGoesFromTheReceiverToTheLayerToAPollAtTheNewSpeed) {
         speed = newSpeed;
     }
     receiver.send(answer(true) + answer(true) + answer(true));
-    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 33}, Answer{true, 34}, Answer{true, 32}));
+    EXPECT_EQ(listener.told, answers({33, 34, 32}));
     EXPECT_THAT(textsOf(log), IsEmpty());
 }
 
@@ -286,7 +271,7 @@ TEST_F(Setting, SpeedChangeThatFailsHalfwaySaysNothingAndKeepsItsEntry) {
     EXPECT_EQ(receiver.peer().written(), commandOf(33) + commandOf(34));
 
     receiver.send(answer(true) + answer(false));
-    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 33}, Answer{false, 34}));
+    EXPECT_THAT(listener.told, ElementsAre("setting 33 yes", "setting 34 no"));
     EXPECT_THAT(textsOf(log), IsEmpty());
 }
 
@@ -301,19 +286,18 @@ TEST_F(Setting, AnswersAndOtherRequestsDoNotWaitForASpeedChange) {
         }
     });
     request({GPS_SETTING_BAUD_38400});
-    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 33}, Answer{true, 1}));
+    EXPECT_EQ(listener.told, answers({33, 1}));
 }
 
 TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
     const auto expectEverywhere = [this](GeodeticSystem base, bool isFinished) {
         EXPECT_EQ(manager.getBaseGeodeticSystem(), base);
         EXPECT_EQ(manager.getSettingFinishFlg(), isFinished);
-        EXPECT_EQ(exitCodeOf(startProcess([&] {
-                      GpsSettingManager other;
-                      EXPECT_EQ(other.getBaseGeodeticSystem(), base);
-                      EXPECT_EQ(other.getSettingFinishFlg(), isFinished);
-                  })),
-                  0);
+        expectInProcess([&] {
+            GpsSettingManager other;
+            EXPECT_EQ(other.getBaseGeodeticSystem(), base);
+            EXPECT_EQ(other.getSettingFinishFlg(), isFinished);
+        });
     };
     expectEverywhere(GEODETIC_SYSTEM_WGS84, false);
     request({GPS_SETTING_DATUM_TOKYO});
@@ -357,7 +341,7 @@ TEST_F(Setting, UnmappedSegmentLeavesTheCopiesOfTheProcess) {
                             "GpsSettingManager::writeLocalMemory() lpData = NULL\n"));
     EXPECT_EQ(receiver.peer().written(), commandOf(GPS_SETTING_DATUM_TOKYO));
     EXPECT_TRUE(unmapped.analizeGpsSettingResponse(answer(true).data(), 10, &listener)) << "the request stays queued";
-    EXPECT_THAT(listener.answers, ElementsAre(Answer{true, 5}));
+    EXPECT_EQ(listener.told, answers({5}));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <numeric>
 #include <string>
 #include <utility>
 
@@ -90,11 +91,9 @@ TEST(SharedMemoryFault, IsReportedAndDoesNotOutliveItsCause) {
         EXPECT_EQ(gFaults.errors, (std::array<int, 3>{})) << "called as often as it was to fail";
         gFaults = {"", {}};
         EXPECT_TRUE(LocationDataMemory().read(&record)) << "the next holder works";
-        std::string texts;
-        for (const std::string& text : textsOf(log)) {
-            texts += text;
-        }
-        EXPECT_EQ(texts, row.texts.empty() ? "" : row.texts + unmapped);
+        const Texts texts = textsOf(log);
+        EXPECT_EQ(std::accumulate(texts.begin(), texts.end(), std::string()),
+                  row.texts.empty() ? "" : row.texts + unmapped);
     }
 }
 

@@ -11,8 +11,8 @@
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
-#include "tests/library/services/Processes.h"
 #include "tests/library/services/SharedState.h"
+#include "tests/support/Processes.h"
 
 namespace {
 
@@ -52,23 +52,20 @@ TEST_F(SharedMemory, FirstHolderCreatesTheObjectWithItsHeaderAndZeros) {
 TEST_F(SharedMemory, EveryHolderInEveryProcessSeesTheSameRecords) {
     const Memory first(kTestSegment);
     first.getData()[1] = 1;
-    EXPECT_EQ(exitCodeOf(startProcess([] {
-                  const Memory inOtherProcess(kTestSegment);
-                  EXPECT_EQ(inOtherProcess.getData()[1], 1);
-                  inOtherProcess.getData()[1] = 2;
-              })),
-              0);
+    expectInProcess([] {
+        const Memory inOtherProcess(kTestSegment);
+        EXPECT_EQ(std::exchange(inOtherProcess.getData()[1], 2), 1);
+    });
     EXPECT_EQ(first.getData()[1], 2);
     EXPECT_EQ(Memory(kTestSegment).getData()[1], 2);
 }
 
 TEST_F(SharedMemory, ModeDoesNotDependOnTheUmaskWhichStaysAsItWas) {
-    EXPECT_EQ(exitCodeOf(startProcess([] {
-                  umask(077);
-                  const Memory memory("QVSDK_TestMode");
-                  EXPECT_EQ(umask(077), 077u);
-              })),
-              0);
+    expectInProcess([] {
+        umask(077);
+        const Memory memory("QVSDK_TestMode");
+        EXPECT_EQ(umask(077), 077u);
+    });
     for (const char* const name : {"QVSDK_TestMode", "QVSDK_TestMode.lock"}) {
         EXPECT_EQ(std::filesystem::status(objectPath(name)).permissions(), std::filesystem::perms(0664)) << name;
         std::filesystem::remove(objectPath(name));
@@ -178,7 +175,7 @@ TEST_F(SharedMemory, LocationRecordIsKeptBitForBitUntilTheNextHolderResetsIt) {
     EXPECT_TRUE(memory.write(&written) && memory.read(&seen));
     EXPECT_EQ(bytesOf(seen), bytesOf(written));
     EXPECT_EQ(contentsOf(kLocationSegment).substr(8), bytesOf(written));
-    EXPECT_EQ(exitCodeOf(startProcess([] { const LocationDataMemory other; })), 0);
+    expectInProcess([] { const LocationDataMemory other; });
     EXPECT_TRUE(memory.read(&seen));
     EXPECT_EQ(bytesOf(seen), zeros(1040));
 }

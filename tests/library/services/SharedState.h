@@ -4,12 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "tests/support/AnyListener.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ScratchDirectory.h"
 
 constexpr char kConnectionSegment[] = "QVSDK_GpsConnectionLocalMemory";
 constexpr char kSettingSegment[] = "QVSDK_GpsSettingLocalMemory";
@@ -23,8 +23,7 @@ inline std::filesystem::path objectPath(const std::string& name) {
 }
 
 inline std::string contentsOf(const std::string& name) {
-    std::ifstream file(objectPath(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return fileContents(objectPath(name));
 }
 
 inline void createObject(const std::string& name, const std::string& contents) {
@@ -57,5 +56,12 @@ inline Texts textsOf(const LogCapture& log) {
     }
     return log.texts();
 }
+
+/** Keeps what it is told, as "antenna 1". */
+class Listener final : public AnyListener {
+public:
+    void tell(const std::string& what, const std::string& text) override { told.push_back(what + " " + text); }
+    Texts told;
+};
 
 #endif
