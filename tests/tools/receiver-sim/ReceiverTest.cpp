@@ -2,10 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <cmath>
 #include <map>
-#include <set>
 
 #include "SimulatedReceiver.h"
 #include "tests/support/Messages.h"
@@ -17,7 +15,6 @@ using testing::ElementsAre;
 using testing::EndsWith;
 using testing::MatchesRegex;
 using testing::Pair;
-using testing::StartsWith;
 
 TEST(Epoch, ConsistsOfSentencesWithChecksumAndLineEnd) {
     SimulatedReceiver sim;
@@ -47,32 +44,6 @@ TEST(Epoch, TellsTimePositionAndMotion) {
                                     "[$]GPZDA,120000.00,01,05,2024,00,00[*]..\r\n"
                                     "[$]PUBX,00,120000.00,3539.81115,N,13943.80000,E,60.000,G3,2.0,2.8,50.000,90.00,"
                                     "-0.185,,1.01,1.42,0.81,10,0,0[*]..\r\n"));
-}
-
-TEST(Epoch, NamesTheSameSatellitesInAllSentences) {
-    SimulatedReceiver sim;
-    for (int hour = 0; hour < 24; ++hour) {
-        sim.receiver.runEpoch(SimulatedReceiver::kStart + hour * 1h);
-        std::set<std::string> tracked;
-        std::set<std::string> used;
-        std::size_t inFix = 0;
-        std::size_t announced = 0;
-        std::size_t inView = 0;
-        for (const std::string& sentence : sim.nextEpoch()) {
-            const auto fields = sim::nmeaFields(sentence);
-            if (fields[0] == "GPGGA") inFix = std::stoul(fields[7]);
-            if (fields[0] == "GPGSA") used.insert(fields.begin() + 3, fields.begin() + 15);
-            if (fields[0] != "GPGSV") continue;
-            announced = std::stoul(fields[3]);
-            for (std::size_t i = 4; i < fields.size(); i += 4, ++inView) {
-                if (!fields[i + 3].empty()) tracked.insert(fields[i]);
-            }
-        }
-        used.erase("");
-        EXPECT_EQ(used.size(), inFix);
-        EXPECT_EQ(announced, inView);
-        EXPECT_TRUE(std::includes(tracked.begin(), tracked.end(), used.begin(), used.end()));
-    }
 }
 
 TEST(Epoch, KeepsToTheGridAndLeavesOutWhatWasMissed) {
@@ -124,20 +95,6 @@ TEST(Antenna, IsTextedAtTheStartAndWithEveryChange) {
     }
     EXPECT_THAT(texts, ElementsAre(Pair(2, "$GPTXT,01,01,02,ANTSTATUS=OPEN*2B\r\n"),
                                    Pair(6, "$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n")));
-}
-
-TEST(Report, SaysWhatIsSentAndWhatHappens) {
-    SimulatedReceiver sim;
-    sim.receiver.receive(kBaud38400 + kReset);
-    std::string lines;
-    for (const sim::PortAction& action : sim.receiver.takeActions()) {
-        for (const sim::Report& report : action.reports)
-            lines += report.dump();
-    }
-    EXPECT_THAT(lines, StartsWith(R"({"event":"ack","accepted":true,"class":6,"id":0}{"event":"speed","baud":38400})"
-                                  R"({"event":"ack","accepted":true,"class":6,"id":4}{"event":"restart"})"
-                                  R"({"event":"speed","baud":9600}{"event":"sentence","kind":"TXT")"));
-    EXPECT_THAT(lines, EndsWith(R"("text":"$GPTXT,01,01,02,ANTSTATUS=OK*3B"}{"event":"antenna","status":"OK"})"));
 }
 
 }  // namespace
