@@ -12,9 +12,7 @@ class Listener : public GpsSettingListener {
 public:
     void notifyGpsSettingRequestResponse(bool, GpsSetting setting) override {
         require(setting >= GPS_SETTING_PUBX00_ON && setting <= GPS_SETTING_GNSS_GPS);
-        ++mTold;
     }
-    unsigned int mTold = 0;
 };
 
 /** A manager that can send, for the whole run. */

@@ -1,8 +1,7 @@
-#include <string>
-#include <vector>
 
 #include "GpsHal/GpsHalFramer.h"
 #include "fuzz/ExactBuffer.h"
+#include "tests/support/Messages.h"
 
 namespace {
 
@@ -29,14 +28,7 @@ Frames frame(const std::uint8_t* data, std::size_t size, std::size_t piece) {
 
 bool isIntact(const std::string& chunk) {
     if (chunk[0] == '$') return chunk.back() == '\n' && chunk.find('$', 1) == std::string::npos;
-    unsigned a = 0;
-    unsigned b = 0;
-    for (std::size_t i = 2; i + 2 < chunk.size(); ++i) {
-        a = (a + static_cast<unsigned char>(chunk[i])) & 0xFF;
-        b = (b + a) & 0xFF;
-    }
-    return static_cast<unsigned char>(chunk[chunk.size() - 2]) == a &&
-           static_cast<unsigned char>(chunk[chunk.size() - 1]) == b;
+    return chunk.ends_with(ubxChecksum(std::string_view(chunk).substr(2, chunk.size() - 4)));
 }
 
 }  // namespace

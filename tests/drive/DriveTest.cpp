@@ -7,9 +7,6 @@
 #include <nlohmann/json.hpp>
 #include <numbers>
 #include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"

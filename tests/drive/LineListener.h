@@ -2,7 +2,6 @@
 #define TESTS_DRIVE_LINE_LISTENER_H
 
 #include <functional>
-#include <string>
 #include <utility>
 
 #include "tests/support/AnyListener.h"

@@ -1,9 +1,7 @@
 #include <cstdio>
-#include <functional>
 #include <iostream>
 #include <map>
 #include <mutex>
-#include <string>
 
 #include "Gps/Gps.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"

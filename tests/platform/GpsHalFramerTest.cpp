@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <ctime>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "tests/support/Messages.h"

@@ -4,12 +4,8 @@
 #include <sys/mman.h>
 
 #include <atomic>
-#include <filesystem>
-#include <fstream>
 #include <new>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/support/LogCapture.h"
@@ -21,15 +17,17 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/** A name that no lock of this process has had yet. */
-std::string freshName() {
-    static int count = 0;
-    return "QVSDK_TEST_LOCK_" + std::to_string(getpid()) + "_" + std::to_string(++count);
-}
+/** A name that no lock of this process has had yet. Its object goes with it. */
+class Name {
+public:
+    ~Name() { std::filesystem::remove(path()); }
+    operator const char*() const { return mName.c_str(); }
+    std::string path() const { return "/dev/shm/" + mName + ".lock"; }
 
-std::string objectPath(const std::string& name) {
-    return "/dev/shm/" + name + ".lock";
-}
+private:
+    static inline int sCount = 0;
+    const std::string mName = "QVSDK_TEST_LOCK_" + std::to_string(getpid()) + "_" + std::to_string(++sCount);
+};
 
 /** Memory that child processes share. */
 struct Shared {
@@ -47,7 +45,7 @@ void giveBack(const QvSharedSyncObject& lock) QV_NO_THREAD_SAFETY_ANALYSIS {
 }
 
 /** Several processes that take the lock of this name by turns, all from the same moment on. */
-void expectExclusion(const std::string& name) {
+void expectExclusion(const Name& name) {
     constexpr int kProcesses = 6;
     constexpr int kTurns = 300;
     void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
@@ -55,7 +53,7 @@ void expectExclusion(const std::string& name) {
     Signal go;
     const auto takeTurns = [&] {
         EXPECT_TRUE(go.wait());
-        const QvSharedSyncObject lock(name.c_str());
+        const QvSharedSyncObject lock(name);
         for (int i = 0; i < kTurns; ++i) {
             QvSyncGuard guard(lock);
             if (++shared->inside != 1) ++shared->clashes;
@@ -80,30 +78,27 @@ void expectExclusion(const std::string& name) {
 
 TEST(SharedSyncObject, ExcludesProcessesThatStartTogether) {
     for (int round = 0; round < 10; ++round) {
-        const std::string name = freshName();
+        const Name name;
         expectExclusion(name);
-        std::filesystem::remove(objectPath(name));
     }
 }
 
 TEST(SharedSyncObject, CompletesWhatADeadCreatorLeftUnfinished) {
-    const std::string model = freshName();
-    const QvSharedSyncObject whole(model.c_str());
-    const auto size = std::filesystem::file_size(objectPath(model));
+    const Name model;
+    const QvSharedSyncObject whole(model);
+    const auto size = std::filesystem::file_size(model.path());
     for (const auto sized : {std::uintmax_t{0}, size}) {
         const LogCapture log;
-        const std::string name = freshName();
-        std::ofstream(objectPath(name)) << std::string(sized, '\0');
+        const Name name;
+        std::ofstream(name.path()) << std::string(sized, '\0');
         expectExclusion(name);
         EXPECT_THAT(log.texts(), IsEmpty());
-        std::filesystem::remove(objectPath(name));
     }
-    std::filesystem::remove(objectPath(model));
 }
 
 TEST(SharedSyncObject, IsHeldUntilItIsGivenBackAsOftenAsItWasTaken) {
-    const std::string name = freshName();
-    const QvSharedSyncObject lock(name.c_str());
+    const Name name;
+    const QvSharedSyncObject lock(name);
     Signal taken;
     take(lock);
     take(lock);
@@ -116,12 +111,11 @@ TEST(SharedSyncObject, IsHeldUntilItIsGivenBackAsOftenAsItWasTaken) {
     giveBack(lock);
     EXPECT_TRUE(taken.wait());
     EXPECT_EQ(exitCodeOf(other), 0);
-    std::filesystem::remove(objectPath(name));
 }
 
 TEST(SharedSyncObject, OutlivesAHolderThatIsKilled) {
-    const std::string name = freshName();
-    const QvSharedSyncObject lock(name.c_str());
+    const Name name;
+    const QvSharedSyncObject lock(name);
     for (int round = 0; round < 5; ++round) {
         Signal taken;
         const pid_t holder = startProcess([&] {
@@ -136,20 +130,19 @@ TEST(SharedSyncObject, OutlivesAHolderThatIsKilled) {
         waiting.join();
     }
     expectExclusion(name);
-    std::filesystem::remove(objectPath(name));
 }
 
 TEST(SharedSyncObject, RefusesForeignContentAndLeavesItAlone) {
-    const std::string model = freshName();
-    const QvSharedSyncObject whole(model.c_str());
-    const std::string intact = fileContents(objectPath(model));
+    const Name model;
+    const QvSharedSyncObject whole(model);
+    const std::string intact = fileContents(model.path());
     std::string otherVersion = intact;
     ++otherVersion[4];
     for (const std::string& content : {std::string("x"), std::string(intact.size(), 'x'), intact + "x", otherVersion}) {
         const LogCapture log;
-        const std::string name = freshName();
-        std::ofstream(objectPath(name), std::ios::binary) << content;
-        const QvSharedSyncObject lock(name.c_str());
+        const Name name;
+        std::ofstream(name.path(), std::ios::binary) << content;
+        const QvSharedSyncObject lock(name);
         int turns = 0;
         const auto takeTurns = [&] {
             for (int i = 0; i < 10000; ++i) {
@@ -161,11 +154,9 @@ TEST(SharedSyncObject, RefusesForeignContentAndLeavesItAlone) {
         takeTurns();
         other.join();
         EXPECT_EQ(turns, 20000) << "it still excludes threads";
-        EXPECT_EQ(fileContents(objectPath(name)), content);
-        EXPECT_THAT(log.texts(), ElementsAre("no shared lock for " + name + "\n"));
-        std::filesystem::remove(objectPath(name));
+        EXPECT_EQ(fileContents(name.path()), content);
+        EXPECT_THAT(log.texts(), ElementsAre(std::string("no shared lock for ").append(name) + "\n"));
     }
-    std::filesystem::remove(objectPath(model));
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <fstream>
 #include <map>
 #include <mutex>
-#include <string>
 
 #include "Gps/Gps.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"

@@ -2,7 +2,6 @@
 #define TESTS_LIBRARY_CONTROLLER_CONTROLLER_TEST_H
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cctype>
 #include <chrono>
@@ -10,11 +9,7 @@
 #include <functional>
 #include <future>
 #include <memory>
-#include <mutex>
-#include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/GpsController.h"

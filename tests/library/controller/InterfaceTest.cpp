@@ -1,12 +1,9 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstring>
 #include <fstream>
 #include <set>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "Gps/Gps.h"
 #include "Gps/private/Connection/GpsConnectionManager.h"

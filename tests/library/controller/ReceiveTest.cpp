@@ -7,12 +7,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::string_view kGga = "$GPGGA,123519.000,3539.00000,N,13944.00000,E,1,08,0.90,545.4,M,46.9,M,,*6C\r\n";
-constexpr std::string_view kGgaInWgs84 =
-    "$GPGGA,123519.000,3539.19447,N,13943.80618,E,1,08,0.90,545.40,M,46.90,M,0,0000*53\r\n";
-
-constexpr char kSettingUnknown[] = "GpsSettingManager::analizeGpsSettingResponse() unknown response\n";
-constexpr char kProductionUnknown[] = "GpsProductionManager::switchGpsProductionResponse() unknown response\n";
 constexpr char kResultCut[] =
     "GpsProductionManager::parseGpsProductionData() : parseGpsProductionDataMonPt() = false\n";
 constexpr char kResultRefused[] = "GpsController::parseGpsProductionDataProc() : parseGpsProductionData() = false\n";
@@ -27,45 +21,7 @@ protected:
     Strings mTold;
     Listener mA{"A", &mTold};
     Listener mB{"B", &mTold};
-    Listener mC{"C", &mTold};
 };
-
-TEST_F(Reception, sendsEachChunkDownItsOwnPath) {
-    const struct {
-        std::string bytes;
-        Strings told;
-        Strings logged;
-    } chunks[] = {
-        {"$", {"A:raw $"}, {}},
-        {"$GPTX", {"A:raw $GPTX"}, {}},
-        {"$GPTXT", {}, {}},
-        {"$GNTXT", {}, {}},
-        {"$GLTXT", {"A:raw $GLTXT"}, {}},
-        {std::string(kAntennaOpen), {"A:antenna 1"}, {}},
-        {"$GNTXT,01,01,02,ANTSTATUS=SHORT*6B\r\n", {"A:antenna 2"}, {}},
-        {"$GPTXT,01,01,02,ANTSTATUS=OPE", {}, {}},
-        {std::string(kZda), {"A:raw " + std::string(kZda), "A:ZDA"}, {}},
-        {"\xB5", {}, {}},
-        {"\xB5\x62", {}, {}},
-        {"\xB5\x62\x05", {}, {kSettingUnknown, kProductionUnknown}},
-        {"\xB5\x62\x05\x01", {"A:setting 1 yes"}, {}},
-        {"\xB5\x63\x05\x01", {}, {}},
-        {"\xB5\x62\x0A\x20", {}, {kResultCut, kResultRefused}},
-        {monPt(52), {"A:MonPt"}, {}},
-        {" $GPTXT", {}, {}},
-        {std::string(1, '\0'), {}, {}},
-    };
-    registerFor(mA);
-    mController->requestGpsSetting(GPS_SETTING_ZDA_ON);  // so that acknowledgements are looked at
-    mController->requestGpsSetting(GPS_SETTING_ZDA_ON);
-    mA.take();
-    for (const auto& chunk : chunks) {
-        mLog.take();
-        receive(chunk.bytes);
-        EXPECT_EQ(mA.take(), chunk.told) << testing::PrintToString(chunk.bytes);
-        EXPECT_EQ(mLog.texts(), chunk.logged) << testing::PrintToString(chunk.bytes);
-    }
-}
 
 TEST_F(Reception, refusesBadArgumentsWithAMessageAndDoesNothing) {
     using Step = std::function<void(GpsController&, const char*, unsigned int)>;
@@ -99,53 +55,6 @@ TEST_F(Reception, refusesBadArgumentsWithAMessageAndDoesNothing) {
     }
     EXPECT_THAT(mA.take(), IsEmpty());
     EXPECT_THAT(mLog.texts(), IsEmpty());
-}
-
-TEST_F(Reception, deliversRawSentencesByTheDatumRule) {
-    constexpr auto kOther = static_cast<GeodeticSystem>(2);
-    constexpr auto kWgs84 = GEODETIC_SYSTEM_WGS84;
-    constexpr auto kTokyo = GEODETIC_SYSTEM_TOKYO;
-    const struct {
-        GeodeticSystem base;
-        GeodeticSystem wanted;
-        bool isFinished;
-        std::string_view received;
-        std::string_view delivered;
-    } rows[] = {
-        {kWgs84, kWgs84, false, kGga, kGga},       {kWgs84, kTokyo, true, kGga, ""},
-        {kWgs84, kOther, true, kGga, ""},          {kTokyo, kWgs84, false, kGga, kGgaInWgs84},
-        {kTokyo, kWgs84, true, kGga, kGgaInWgs84}, {kTokyo, kWgs84, true, "$GPGGA*00", ""},
-        {kTokyo, kTokyo, false, kGga, ""},         {kTokyo, kTokyo, true, kGga, kGga},
-        {kTokyo, kOther, true, kGga, ""},          {kOther, kWgs84, true, kGga, ""},
-        {kOther, kOther, true, kGga, ""},
-    };
-    for (const auto& row : rows) {
-        setShared(row.base, row.isFinished);
-        mController->registerGpsNmeaListener(&mA, row.wanted);
-        mController->registerGpsNmeaListener(&mB, row.base);  // served or not, whatever became of the entry before
-        receive(row.received);
-        Strings expected;
-        if (!row.delivered.empty()) expected.push_back("A:raw " + std::string(row.delivered));
-        const bool isBehindServed = row.base == kWgs84 || (row.base == kTokyo && row.isFinished);
-        if (isBehindServed) expected.push_back("B:raw " + std::string(row.received));
-        EXPECT_EQ(mA.take(), expected) << row.base << " " << row.wanted << " " << row.isFinished;
-        mController->unRegisterGpsNmeaListener(&mA);
-        mController->unRegisterGpsNmeaListener(&mB);
-    }
-}
-
-TEST_F(Reception, tellsEverySettingListenerOfEachAcknowledgementOnce) {
-    for (const Listener* listener : {&mA, &mB, &mC}) {
-        mController->registerGpsSettingListener(listener);
-    }
-    mController->requestGpsSetting(GPS_SETTING_ZDA_ON);
-    mController->requestGpsSetting(GPS_SETTING_GLL_OFF);
-    receive(kAck);
-    EXPECT_EQ(mA.take(), toldBy({"A", "B", "C"}, {"setting 1 yes"}));
-    receive(kNak);
-    EXPECT_EQ(mA.take(), toldBy({"A", "B", "C"}, {"setting 3 no"}));
-    receive(kAck);
-    EXPECT_THAT(mA.take(), IsEmpty()) << "none is awaited";
 }
 
 TEST_F(Reception, offersAResultToTheNextProductionListenerOnlyWhenTheFirstWasServed) {

@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <filesystem>
 
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/ScratchDirectory.h"

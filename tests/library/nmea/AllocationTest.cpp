@@ -2,34 +2,32 @@
 
 #include <atomic>
 #include <cstddef>
-#include <string_view>
 
 #include "NmeaSupport.h"
 
 // The program's own malloc, calloc and realloc count what they hand on to those of the C library.
 
-#define COUNTED extern "C" __attribute__((visibility("default"))) void*
-
 namespace {
 std::atomic<unsigned long> allocations = 0;
 }
 
-COUNTED __libc_malloc(std::size_t size);
-COUNTED __libc_calloc(std::size_t count, std::size_t size);
-COUNTED __libc_realloc(void* block, std::size_t size);
+#pragma GCC visibility push(default)
+extern "C" {
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
 
-COUNTED malloc(std::size_t size) {
-    ++allocations;
-    return __libc_malloc(size);
+void* malloc(std::size_t size) {
+    return ++allocations, __libc_malloc(size);
 }
-COUNTED calloc(std::size_t count, std::size_t size) {
-    ++allocations;
-    return __libc_calloc(count, size);
+void* calloc(std::size_t count, std::size_t size) {
+    return ++allocations, __libc_calloc(count, size);
 }
-COUNTED realloc(void* block, std::size_t size) {
-    ++allocations;
-    return __libc_realloc(block, size);
+void* realloc(void* block, std::size_t size) {
+    return ++allocations, __libc_realloc(block, size);
 }
+}
+#pragma GCC visibility pop
 
 namespace {
 

@@ -16,6 +16,8 @@ struct Position {
 Position toWgs84(double lat, double lon) {
     Position p = {lat, lon};
     EXPECT_TRUE(GpsParseNmeaManager().convertTokyoToWgs84(&p.lat, &p.latDeg, &p.latMin, &p.lon, &p.lonDeg, &p.lonMin));
+    EXPECT_NEAR(p.lat, p.latDeg * 100 + std::copysign(p.latMin, p.lat), 1e-9) << lat;
+    EXPECT_NEAR(p.lon, p.lonDeg * 100 + std::copysign(p.lonMin, p.lon), 1e-9) << lon;
     return p;
 }
 
@@ -33,12 +35,10 @@ TEST(TokyoToWgs84, GivesTheKnownPositionsToTheLastDigit) {
     EXPECT_EQ(printed(toWgs84(0.0, 0.0)), "0.3692708333 0 0.3692708333 0.2734375000 0 0.2734375000");
 }
 
-TEST(TokyoToWgs84, GivesConsistentFieldsInWholeSteps) {
+TEST(TokyoToWgs84, GivesWholeSteps) {
     for (double lat = -8900; lat < 9000; lat += 137) {
         for (double lon = -17900; lon < 18000; lon += 391) {
             const Position p = toWgs84(lat, lon);
-            EXPECT_NEAR(p.lat, p.latDeg * 100 + std::copysign(p.latMin, p.lat), 1e-9);
-            EXPECT_NEAR(p.lon, p.lonDeg * 100 + std::copysign(p.lonMin, p.lon), 1e-9);
             EXPECT_NEAR(p.latMin * 15360, std::round(p.latMin * 15360), 1e-5);
             EXPECT_NEAR(p.lonMin * 15360, std::round(p.lonMin * 15360), 1e-5);
         }

@@ -38,28 +38,23 @@ TEST(Tokens, EndAtACommaOrAStar) {
 TEST(Coordinates, AreSplitAtTheDegreeDigits) {
     const struct {
         const char* field;
-        int identifier;
-        double value;
-        int degrees;
-        double minutes;
-    } cases[] = {{"3539.12345", 0, 3539.12345, 35, 39.1234},
-                 {"13942.5678", 1, 13942.5678, 139, 42.5678},
-                 {"", 1, 0.0, 0, 0.0},
-                 {"35", 1, 35.0, 35, 0.0},
-                 {"-3.5", 0, -3.5, -3, 0.5},
-                 {"x", 0, 0.0, 0, 0.0}};
+        Manager::Identifier identifier;
+        std::tuple<double, int, double> values;  // all, degrees, minutes
+    } cases[] = {{"3539.12345", Manager::IDENTIFIER_LATITUDE, {3539.12345, 35, 39.1234}},
+                 {"13942.5678", Manager::IDENTIFIER_LONGITUDE, {13942.5678, 139, 42.5678}},
+                 {"", Manager::IDENTIFIER_LONGITUDE, {0, 0, 0}},
+                 {"35", Manager::IDENTIFIER_LONGITUDE, {35, 35, 0}},
+                 {"-3.5", Manager::IDENTIFIER_LATITUDE, {-3.5, -3, 0.5}},
+                 {"35", static_cast<Manager::Identifier>(2), {-1, -1, -1}}};
     LogCapture log;
-    double value = -1.0, minutes = -1.0;
-    int degrees = -1;
-    for (const auto& c : cases) {
-        const auto identifier = static_cast<Manager::Identifier>(c.identifier);
-        EXPECT_TRUE(Manager().parseCoordinate(c.field, identifier, &value, &degrees, &minutes));
-        EXPECT_EQ(std::tuple(value, degrees, minutes), std::tuple(c.value, c.degrees, c.minutes)) << c.field;
+    for (const auto& [field, identifier, values] : cases) {
+        std::tuple<double, int, double> out = {-1, -1, -1};
+        const bool result =
+            Manager().parseCoordinate(field, identifier, &std::get<0>(out), &std::get<1>(out), &std::get<2>(out));
+        EXPECT_EQ(result, std::get<0>(values) != -1) << field;
+        EXPECT_EQ(out, values) << field;
     }
-    value = minutes = degrees = -1;
-    EXPECT_FALSE(Manager().parseCoordinate("35", static_cast<Manager::Identifier>(2), &value, &degrees, &minutes));
     EXPECT_THAT(log.texts(), testing::ElementsAre("GpsParseNmeaManager::parseCoordinate() nIdentifier Error"));
-    EXPECT_EQ(std::tuple(value, degrees, minutes), std::tuple(-1.0, -1, -1.0));
 }
 
 TEST(DatesAndTimes, AreSplitIntoTheOutputsThatAreGiven) {

@@ -3,8 +3,6 @@
 
 #include <functional>
 #include <ostream>
-#include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 

@@ -112,23 +112,4 @@ TEST(PositionSentences, KeepWhatWasReadBeforeAMissingField) {
     EXPECT_EQ(fields(record), "1 12 35 19 0 1 -3539.1 -35 39.1 -13942.5 -139 42.5 1.5 0 26 9 16 -3.5 77");
 }
 
-TEST(PubxSentence, TakesDeadReckoningFromTheSecondFieldBehindTheSatellitesOrTheLast) {
-    const struct {
-        const char* behindSatellites;
-        bool result;
-        int deadReckoning;
-    } cases[] = {{",5,1*", true, 1}, {",,1*", true, 1}, {",5*", true, 5},   {",5,1,9*", true, 1},
-                 {",*", true, 0},    {",5,*", true, 0}, {",5,1", false, 77}};
-    for (const auto& c : cases) {
-        LogCapture log;
-        PUBX record = {};
-        record.DR_MODE = 77;
-        const std::string text = std::string("$PUBX,00,,,,,,,,,,,,,,,,,9") + c.behindSatellites;
-        EXPECT_EQ(GpsParseNmeaManager().receiveParsePubxSentence(text.c_str(), nullptr, 0, &record, kWgs84, false),
-                  c.result);
-        EXPECT_EQ(record.DR_MODE, c.deadReckoning) << c.behindSatellites;
-        EXPECT_EQ(record.SatView, 9);
-    }
-}
-
 }  // namespace

@@ -1,8 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <string>
-#include <vector>
-
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "tests/library/services/SharedState.h"
 #include "tests/support/Processes.h"
@@ -20,36 +17,6 @@ class ConnectionStatus : public testing::Test {
 protected:
     const FreshSegments segments;
 };
-
-TEST_F(ConnectionStatus, IsRecognisedByPlaceAndLetters) {
-    constexpr int kNone = 7;
-    std::vector<std::pair<std::string, int>> cases = {
-        {kOk, 0},
-        {kOpen, 1},
-        {kShort, 2},
-        {"$GPTXT,01,01,02,ANTSTATUS=OKAY", 0},
-        {"................ANTSTATUS?OPENED", 1},
-        {"$GPTXT,01,01,02,ANTSTATUS=OFF*", kNone},
-        {"$GPTXT,01,01,02,ANTSTATUS=ok*", kNone},
-        {"$GPTXT,01,01,02,ANTSUPERV=OK*", kNone},
-        {"$GPTXT,01,01,2,ANTSTATUS=OK*", kNone},
-    };
-    const std::string whole = "$GPTXT,01,01,02,ANTSTATUS=SHORT";
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        cases.emplace_back(whole.substr(0, length), kNone);
-    }
-    GpsConnectionManager manager;
-    const LogCapture log;
-    for (const auto& [sentence, recognised] : cases) {
-        const int before = manager.getConnectionStatus();
-        auto status = static_cast<GpsConnectionStatus>(kNone);
-        const std::vector<char> exact(sentence.c_str(), sentence.c_str() + sentence.size() + 1);
-        EXPECT_EQ(manager.parseConnectionStatus(exact.data(), &status), recognised != kNone) << sentence;
-        EXPECT_EQ(status, recognised) << sentence;
-        EXPECT_EQ(manager.getConnectionStatus(), recognised != kNone ? recognised : before) << sentence;
-    }
-    EXPECT_THAT(textsOf(log), IsEmpty());
-}
 
 TEST_F(ConnectionStatus, EveryRecognisedSentenceTellsEveryListenerInOrder) {
     GpsConnectionManager manager;

@@ -3,8 +3,6 @@
 
 #include <functional>
 #include <memory>
-#include <string>
-#include <string_view>
 #include <utility>
 
 #include "GpsHal/GpsHal.h"

@@ -3,11 +3,7 @@
 #include <chrono>
 #include <climits>
 #include <map>
-#include <mutex>
-#include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "tests/library/services/MemoryReceiver.h"

@@ -1,13 +1,10 @@
 #include <fcntl.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <numeric>
-#include <string>
-#include <utility>
 
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
 #include "tests/library/services/SharedState.h"

@@ -3,10 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <string>
-#include <vector>
-
 #include "tests/support/AnyListener.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchDirectory.h"

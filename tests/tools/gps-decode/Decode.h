@@ -1,8 +1,6 @@
 #ifndef TESTS_GPS_DECODE_DECODE_H
 #define TESTS_GPS_DECODE_DECODE_H
 
-#include <string>
-
 #include "tests/support/Child.h"
 #include "tests/support/Messages.h"
 #include "tests/support/ScratchDirectory.h"
