@@ -33,10 +33,13 @@ TEST_F(Facade, forwardsEveryOperationWithItsArgumentAndItsResult) {
     };
     mPeer->setWriteFails(true);
     for (const auto& kind : kKinds<Gps>) {
+        const std::string operation = std::string("egisterGps") + kind.name + "Listener";
         EXPECT_FALSE(kind.add(gps, nullptr));
-        expectCalled(std::string("registerGps") + kind.name + "Listener");
+        EXPECT_EQ(mLog.texts().back(), "GpsController::r" + operation + "() npListener = NULL\n");
+        EXPECT_FALSE(kind.remove(gps, nullptr));
+        EXPECT_EQ(mLog.texts().back(), "GpsController::unR" + operation + "() npListener = NULL\n");
         EXPECT_FALSE(kind.remove(gps, &mListener));
-        expectCalled(std::string("unRegisterGps") + kind.name + "Listener");
+        expectCalled("unR" + operation);
     }
     for (const auto& request : kRequests<Gps>) {
         EXPECT_FALSE(request.call(gps));

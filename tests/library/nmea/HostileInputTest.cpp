@@ -20,7 +20,7 @@ std::size_t below(std::size_t limit) {
 
 /** A good sentence with a few stretches changed, lost, doubled or swollen; mostly with a right checksum. Or noise. */
 std::string hostileChunk() {
-    std::string body = sentenceKinds()[below(sentenceKinds().size())].body;
+    std::string body = kBodies[below(kBodies.size())];
     for (std::size_t changes = below(6); changes > 0; --changes) {
         const std::size_t place = below(body.size() + 1);
         const std::string stretches[] = {
