@@ -30,28 +30,23 @@ void sweepShm() {
 }
 
 /** Enters a private namespace, directly or by starting this program anew in one. False when there is none to be had. */
-bool enterPrivateShm(char** argv) {
-    if (std::getenv(kEntered) == nullptr) {
-        if (unshare(CLONE_NEWNS) == 0) return mountPrivateShm();
-        setenv(kEntered, "1", 1);
-        char unshareTool[] = "unshare";
-        char options[] = "-rm";
-        std::vector<char*> command{unshareTool, options};
-        for (; *argv != nullptr; ++argv)
-            command.push_back(*argv);
-        command.push_back(nullptr);
-        execvp(command[0], command.data());
-        return false;
-    }
-    return mountPrivateShm();
+bool enterPrivateShm(std::vector<char*> command) {
+    if (std::getenv(kEntered) != nullptr || unshare(CLONE_NEWNS) == 0) return mountPrivateShm();
+    setenv(kEntered, "1", 1);
+    char unshareTool[] = "unshare";
+    char options[] = "-rm";
+    command.insert(command.begin(), {unshareTool, options});
+    execvp(command[0], command.data());
+    return false;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    const std::vector<char*> command(argv, argv + argc + 1);  // with the flags that GoogleTest takes out
     testing::InitGoogleTest(&argc, argv);
     if (testing::GTEST_FLAG(list_tests)) return RUN_ALL_TESTS();
-    if (enterPrivateShm(argv)) return RUN_ALL_TESTS();
+    if (enterPrivateShm(command)) return RUN_ALL_TESTS();
 
     const int turn = open("/tmp", O_RDONLY | O_DIRECTORY);
     flock(turn, LOCK_EX);
