@@ -1,13 +1,10 @@
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <bit>
 #include <cmath>
 #include <limits>
 
 #include "Gps/private/LocationPipeline.h"
 #include "tests/library/controller/ControllerTest.h"
+#include "tests/support/ScratchDirectory.h"
 
 // Location data: when it is due, what is published, and that it reaches another process.
 
@@ -169,23 +166,8 @@ TEST_F(Pipeline, takesOnlyNewerRecordsAndSaysWhichWereMissedAndWhenOneGivesWay) 
     }
 }
 
-/** The segment as every process sees it. */
-class Segment {
-public:
-    Segment() {
-        const int fd = shm_open("/QVSDK_GPS_LocationDataMemory", O_RDWR, 0);
-        mAddress = mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-        close(fd);
-    }
-    ~Segment() { munmap(mAddress, kSize); }
-
-    char* record() const { return static_cast<char*>(mAddress) + 8; }
-    std::string bytes() const { return {record(), kSize - 8}; }
-
-private:
-    static constexpr std::size_t kSize = 1048;
-    void* mAddress;
-};
+const std::string kSegment = "/dev/shm/QVSDK_GPS_LocationDataMemory";
+constexpr int kRecord = 8;  // where the segment's record begins
 
 class Publication : public ControllerTest {
 protected:
@@ -205,21 +187,19 @@ protected:
 };
 
 TEST_F(Publication, ofNothingIsRefused) {
-    const std::string before = Segment().bytes();
+    const std::string before = fileContents(kSegment);
     EXPECT_FALSE(mController->setLocationData(nullptr));
-    const std::vector<LogCapture::Line> lines = mLog.lines();
-    ASSERT_EQ(lines.size(), 1U);
-    EXPECT_EQ(lines[0].text, "GpsController::setNavigationData() Argument Error\n");
-    EXPECT_EQ(lines[0].function, "setLocationData");
-    EXPECT_EQ(Segment().bytes(), before);
+    EXPECT_THAT(mLog.texts(), ElementsAre("GpsController::setNavigationData() Argument Error\n"));
+    EXPECT_EQ(fileContents(kSegment), before);
 }
 
 TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
-    const Segment segment;
     constexpr int kUnwritten[] = {4, 7, 20, 23, 212, 215, 236, 239};  // the reserved word, and gaps
+    std::fstream segment(kSegment, std::ios::in | std::ios::out | std::ios::binary);
     for (const int offset : kUnwritten) {
-        segment.record()[offset] = '\x5A';
+        segment.seekp(kRecord + offset).put('\x5A');
     }
+    segment.flush();
     GPS_LOCATION_SYNC_DATA location = {};
     location.Gga = {1, 2, 3, 4, 3539.125, -13945.625, -5, 6, 7.5, 8.5, -9.5, 10, -11};
     location.Rmc = {12, 13, 14, 15, 16, -3539.125, 13945.625, 17.5, 18.5, 19, 20, 21, 22.5, 23};
@@ -243,40 +223,34 @@ TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
         EXPECT_EQ(std::memcmp(&pascd.Sample[i].ValueA, &location.Pascd.ValueA[i], sizeof(double)), 0) << i;
         EXPECT_EQ(std::memcmp(&pascd.Sample[i].ValueB, &location.Pascd.ValueB[i], sizeof(double)), 0) << i;
     }
+    const std::string record = fileContents(kSegment).substr(kRecord);
     for (const int offset : kUnwritten) {
-        EXPECT_EQ(segment.record()[offset], '\x5A') << offset;
+        EXPECT_EQ(record[static_cast<std::size_t>(offset)], '\x5A') << offset;
     }
-    EXPECT_EQ(segment.record()[0], 1) << "the update counter";
+    EXPECT_EQ(record[0], 1) << "the update counter";
     publish(location);
-    EXPECT_EQ(segment.record()[0], 2);
+    EXPECT_EQ(fileContents(kSegment)[kRecord], 2);
 }
 
 TEST_F(Publication, splitsDegreesAndMinutes) {
     const double infinity = std::numeric_limits<double>::infinity();
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    const struct {
-        double value;
-        int degrees;
-        double minutes;
-    } rows[] = {{3539.1234, 35, 39.1234},
-                {-3539.1234, -35, 39.1234},
-                {13945.6789, 139, 45.6789},
-                {-59.5, 0, 59.5},
-                {-100, -1, 0},
-                {99.999, 0, 99.999},
-                {1e300, 21474836, 1e300},
-                {-1e300, -21474836, 1e300},
-                {infinity, 21474836, infinity},
-                {nan, 0, nan},
-                {0, 0, 0}};
+    const std::tuple<double, int, double> rows[] = {{3539.125, 35, 39.125},
+                                                    {-13945.625, -139, 45.625},
+                                                    {-59.5, 0, 59.5},
+                                                    {-100, -1, 0},
+                                                    {1e300, 21474836, 1e300},
+                                                    {-1e300, -21474836, 1e300},
+                                                    {infinity, 21474836, infinity},
+                                                    {nan, 0, nan}};
     registerListener();
-    for (const auto& row : rows) {
+    for (const auto& [value, degrees, minutes] : rows) {
         GPS_LOCATION_SYNC_DATA location = {};
-        location.Gga.Lat = location.Rmc.Lon = row.value;
+        location.Gga.Lat = location.Rmc.Lon = value;
         const LOCATION_DATA& told = publish(location);
-        EXPECT_EQ(told.Gga.LatDeg, row.degrees) << row.value;
-        EXPECT_EQ(told.Rmc.LonDeg, row.degrees) << row.value;
-        EXPECT_THAT(told.Gga.LatMin, testing::NanSensitiveDoubleNear(row.minutes, row.minutes == 1e300 ? 1e290 : 1e-9));
+        EXPECT_EQ(told.Gga.LatDeg, degrees) << value;
+        EXPECT_EQ(told.Rmc.LonDeg, degrees) << value;
+        EXPECT_THAT(told.Gga.LatMin, testing::NanSensitiveDoubleNear(minutes, minutes == 1e300 ? 1e290 : 0)) << value;
     }
 }
 

@@ -27,25 +27,6 @@ std::string rebuilt(bool (Manager::*writer)(Record*, double, double, char*, unsi
     return "";
 }
 
-TEST(RebuiltSentences, SpellTheirCodesOut) {
-    const char* const talkers[] = {"$GP", "$GP", "$GL", "$GA", "$GN", "$GP"};
-    const char* const modes[] = {"N", "A", "D", "N", "N", "N"};
-    for (unsigned int code = 0; code < std::size(modes); ++code) {
-        GPGLL gll = {};
-        gll.SatType = static_cast<SatelliteType>(code);
-        gll.Status = gll.Mode = code;
-        const std::string text = rebuilt(&Manager::regeneratedGll, gll, 0.0, -0.0);
-        EXPECT_EQ(text.substr(0, text.find('*')), talkers[code] + std::string("GLL,  0.00000,N,   0.00000,E,") +
-                                                      "000000.000," + (code == 1 ? "A," : "V,") + modes[code]);
-    }
-    const char* const statuses[] = {"NF", "DR", "G2", "G3", "D2", "D3", "RK", "TT", "NF"};
-    for (unsigned int code = 0; code < std::size(statuses); ++code) {
-        char text[3] = {'#', '#', '#'};
-        Manager().judgeStatusPubx(code, text);
-        EXPECT_STREQ(text, statuses[code]);
-    }
-}
-
 std::mt19937_64 numbers(4);
 
 template <class Integer>

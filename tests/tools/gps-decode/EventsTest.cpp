@@ -43,34 +43,4 @@ TEST(Events, ShowProductionResults) {
     }
 }
 
-TEST(Delivery, FollowsTheDatumOfReceiverAndListeners) {
-    const std::string received = "$GPGGA,123519.00,3539.00000,N,13944.00000,E,1,08,0.90,545.4,M,46.9,M,,*5C\r\n";
-    const std::string rebuilt = "$GPGGA,123519.000,3539.19447,N,13943.80618,E,1,08,0.90,545.40,M,46.90,M,0,0000*53\r\n";
-    const std::string other = sentence("GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1");
-    const std::string broken = "$GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1*00\r\n";
-    const struct {
-        std::string setup;
-        std::string raw;
-        std::string latitude;  // of the record
-        std::string err;
-    } cases[] = {
-        {"", received + other + broken, "3539.0", counts(3, 3, 0, 0)},
-        {"--unfinished", received + other + broken, "3539.0", counts(3, 3, 0, 0)},
-        {"--want tokyo", "", "", counts(3, 0, 3, 0)},
-        {"--base tokyo", rebuilt + other, "3539.1944661458333", counts(3, 2, 1, 0)},
-        {"--base tokyo --unfinished", rebuilt + other, "3539.1944661458333", counts(3, 2, 1, 0)},
-        {"--base tokyo --want tokyo", received + other + broken, "3539.0", counts(3, 3, 0, 0)},
-        {"--base tokyo --want tokyo --unfinished", "", "", counts(3, 0, 3, 0)},
-    };
-    for (const auto& [setup, raw, latitude, err] : cases) {
-        const std::string events = decode(setup, received + other + broken).out;
-        const std::size_t record = events.find("notifyParseGgaSentence");
-        EXPECT_EQ(record == std::string::npos, latitude.empty()) << setup;
-        EXPECT_TRUE(latitude.empty() || events.find("\"Lat\":" + latitude + ",", record) != std::string::npos) << setup;
-        const Decoded bytes = decode(setup + " --raw", received + other + broken);
-        EXPECT_EQ(bytes.out, raw) << setup;
-        EXPECT_EQ(bytes.err, err) << setup;
-    }
-}
-
 }  // namespace

@@ -8,7 +8,6 @@ namespace {
 
 using testing::AllOf;
 using testing::EndsWith;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 const std::string kText = sentence("GPTXT,01,01,02,ANTSTATUS=OPEN");
@@ -21,29 +20,6 @@ const std::string kManyTexts = [] {
         texts += kText;
     return texts;
 }();
-
-TEST(Stream, FindsChunksAmongNoise) {
-    const std::string frameWithText = ubxFrame(0x0A, 0x04, "xx" + kText);  // a frame's payload is nobody's sentence
-    std::string damaged = frameWithText;
-    ++damaged.back();
-    const unsigned around = static_cast<unsigned>(damaged.size() - kText.size());
-    const struct {
-        std::string stream;
-        std::string out;
-        std::string err;
-    } cases[] = {
-        {"", "", counts(0, 0, 0, 0)},
-        {"noise" + kText + "\xB5" + frameWithText + "\x80\n" + kText, kTextLine + kTextLine, counts(3, 2, 1, 8)},
-        {damaged + kText, kTextLine + kTextLine, counts(2, 2, 0, around)},
-        {kText + kText.substr(0, 9), kTextLine, counts(1, 1, 0, 9)},
-    };
-    for (const auto& [stream, out, err] : cases) {
-        const Decoded decoded = decode("", stream);
-        EXPECT_EQ(decoded.out, out) << stream;
-        EXPECT_EQ(decoded.err, err) << stream;
-        EXPECT_EQ(decoded.status, 0);
-    }
-}
 
 TEST(Stream, TouchesNothingShared) {
     const std::string before = runShell("ls /dev/shm").out;
@@ -65,44 +41,10 @@ TEST(Stream, IsDecodedAsItComesUntilASignalEndsIt) {
     }
 }
 
-TEST(Program, SaysInOneLineWhatIsWrong) {
-    const struct {
-        const char* arguments;
-        int status;
-        const char* named;
-    } cases[] = {
-        {"--no-such", 2, "--no-such"},
-        {"--base mars", 2, "--base"},
-        {"--want", 2, "--want"},
-        {"one two", 2, "two"},
-        {"--raw --gpx", 2, "--raw"},
-        {"--gpx --want tokyo", 2, "--want"},
-        {"/nonexistent/capture", 1, "/nonexistent/capture"},
-        {"/", 1, "cannot read /"},
-        {">/dev/full", 1, "cannot write standard output: No space left on device"},
-        {">&-", 1, "cannot write standard output: Bad file descriptor"},
-        {"<&-", 1, "cannot read standard input: Bad file descriptor"},
-    };
-    for (const auto& [arguments, status, named] : cases) {
-        const Decoded decoded = decode(arguments, kText);
-        EXPECT_EQ(decoded.status, status) << arguments;
-        EXPECT_EQ(decoded.out, "") << arguments;
-        EXPECT_THAT(decoded.err, AllOf(StartsWith("gps-decode: "), HasSubstr(named), EndsWith("\n")));
-        EXPECT_EQ(decoded.err.find('\n'), decoded.err.size() - 1) << decoded.err;
-    }
-    EXPECT_EQ(decode("--help", "").status, 0);
-}
-
 TEST(Program, EndsQuietlyWhenItsReaderIsGone) {
     const Decoded decoded = decode("> >(:)", kManyTexts);
     EXPECT_EQ(decoded.status, 0);
     EXPECT_EQ(decoded.err, "");
-}
-
-TEST(Program, ShowsMessagesOfTheLibraryOnlyWhenWanted) {
-    const std::string cut = sentence("GPRMC,010203,A");
-    EXPECT_EQ(decode("-", cut).err, counts(1, 1, 0, 0));
-    EXPECT_THAT(decode("--verbose", cut).err, HasSubstr("parseRmcSentence() Lat Error\n"));
 }
 
 TEST(Progress, IsShownOnATerminalForALongFileAndErased) {

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <termios.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,7 +12,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
-using testing::StartsWith;
 
 class Monitor : public Child {
 public:
@@ -33,33 +31,6 @@ private:
         return options;
     }
 };
-
-TEST(BadUse, EndsWithOneLineThatNamesTheOption) {
-    const std::vector<std::string> cases[] = {
-        {"--setting", "GPS_SETTING_NONE"},
-        {"--setting"},
-        {"--baud", "4800"},
-        {"--datum", "nad27"},
-        {"--seconds", "0"},
-        {"--seconds", "x"},
-        {"--device"},
-        {"--wide"},
-    };
-    for (const auto& options : cases) {
-        Monitor monitor(options);
-        EXPECT_EQ(monitor.end(), 2) << options[0];
-        EXPECT_THAT(monitor.all(), StartsWith("gps-monitor: "));
-        EXPECT_THAT(monitor.all(), HasSubstr(options[0]));
-        EXPECT_EQ(std::count(monitor.all().begin(), monitor.all().end(), '\n'), 1) << monitor.all();
-    }
-}
-
-TEST(Help, NamesOptionsKeysAndSettings) {
-    Monitor monitor({"--help"});
-    EXPECT_EQ(monitor.end(), 0);
-    for (const char* part : {"--device PATH", "t  receiver to the Tokyo datum", "GPS_SETTING_CFG_41"})
-        EXPECT_THAT(monitor.all(), HasSubstr(part));
-}
 
 TEST(PlainOutput, TellsTheOutcomeOfEverythingAskedForWithoutAReceiver) {
     Monitor monitor({"--device", "/nonexistent/gps", "--set-location", "--setting", "gps_setting_save_config",

@@ -48,34 +48,6 @@ public:
     }
 };
 
-TEST(Program, RefusesBadUseWithOneLineThatNamesTheOption) {
-    const ScratchDirectory scratch;
-    const std::string log = scratch.write("log", "$GPRMC,1*00\r\n");
-    const std::string empty = scratch.write("empty", "");
-    const struct {
-        std::vector<std::string> arguments;
-        const char* named;
-    } cases[] = {
-        {{"--rate", "3"}, "--rate"},
-        {{"--antenna", "ok,loose"}, "--antenna"},
-        {{"--antenna-every", "0"}, "--antenna-every"},
-        {{"--start-time", "noon"}, "--start-time"},
-        {{"--fast"}, "--fast"},
-        {{"--log", empty}, "--log"},
-        {{"--log", log, "--truth", scratch.path("truth")}, "--log"},
-        {{"--log", log, "--fast", "--no-wait"}, "--fast"},
-        {{"--report", scratch.path("no/such/directory")}, "--report"},
-        {{"--link", log}, "--link"},
-    };
-    for (const auto& [arguments, named] : cases) {
-        Simulator simulator(arguments);
-        EXPECT_THAT(simulator.firstLine, HasSubstr(named));
-        EXPECT_EQ(simulator.until("\n"), "") << named;
-        EXPECT_EQ(simulator.end(), 2) << named;
-    }
-    EXPECT_EQ(scratch.read("log"), "$GPRMC,1*00\r\n") << "an ordinary file is no link to replace";
-}
-
 TEST(Program, ReplaysALogByteForByteAndReportsIt) {
     const ScratchDirectory scratch;
     // More at once than a terminal holds, a frame, and bytes that a terminal would swallow or change.
