@@ -27,7 +27,6 @@ constexpr unsigned kLongMs = 20000;  // longer than anything takes that is not s
 constexpr std::string_view kZda = "$GPZDA,123519.00,16,11,2026,00,00*6A\r\n";
 constexpr std::string_view kAntennaOpen = "$GPTXT,01,01,02,ANTSTATUS=OPEN*2B\r\n";
 constexpr std::string_view kAck = "\xB5\x62\x05\x01\x02\x00\x06\x01\x0F\x38"sv;
-constexpr std::string_view kNak = "\xB5\x62\x05\x00\x02\x00\x06\x01\x0E\x33"sv;
 constexpr GPS_LOCATION_SYNC_DATA kNowhere = {};
 
 /** Notes what it is told, as "name:what", in a list that listeners may share: records by their kind alone. */
@@ -74,9 +73,8 @@ private:
     LOCATION_DATA mLocation{};
 };
 
-/** What a listener notes of a location and of the version. */
+/** What a listener notes of a location. */
 const Strings kLocationTold = {"location's RMC", "location's GGA", "location's PASCD", "location"};
-const std::string kVersionTold = "version u-blox 7c" + std::string(119, '\0');
 
 /** The operations that the facade and the controller have alike. */
 template <class Service>
@@ -148,13 +146,6 @@ protected:
         mController->receiveData(0, data.get(), static_cast<unsigned int>(chunk.size()));
     }
 
-    /** Registers for everything but locations. */
-    void registerFor(const Listener& listener) {
-        for (const auto& kind : kKinds<GpsController>) {
-            if (kind.name != "LocationData"sv) kind.add(*mController, &listener);
-        }
-    }
-
     LogCapture mLog;
     std::shared_ptr<GpsHalMemoryPeer> mPeer;
     std::unique_ptr<GpsController> mController;
@@ -197,8 +188,9 @@ protected:
 
     /** What listeners of these names are told then, in this order. */
     static Strings toldTo(const Strings& names) {
-        const Strings told[] = {{"raw $X"},    {"ZDA"},           kLocationTold, {kVersionTold},
-                                {"antenna 1"}, {"setting 1 yes"}, {"mode yes"}};
+        const Strings told[] = {
+            {"raw $X"},    {"ZDA"},           kLocationTold, {"version u-blox 7c" + std::string(119, '\0')},
+            {"antenna 1"}, {"setting 1 yes"}, {"mode yes"}};
         return toldBy(names, told[GetParam()]);
     }
 
@@ -206,9 +198,6 @@ protected:
     Listener mA{"A", &mTold};
     Listener mB{"B", &mTold};
     Listener mC{"C", &mTold};
-    Listener mD{"D", &mTold};
-    Listener mE{"E", &mTold};
-    Listener mF{"F", &mTold};
 };
 
 #define INSTANTIATE_FOR_EVERY_KIND(Suite)                                     \

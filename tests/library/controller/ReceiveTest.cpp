@@ -20,7 +20,7 @@ TEST_F(Reception, refusesBadArgumentsWithAMessageAndDoesNothing) {
         {"parseGpsVersionDataProc", &GpsController::parseGpsVersionDataProc},
     };
     Listener listener("L");
-    registerFor(listener);
+    registerForAll(*mController, listener, GEODETIC_SYSTEM_WGS84);
     listener.take();
     for (const auto& [name, step] : steps) {
         mLog.take();

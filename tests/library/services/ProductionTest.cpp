@@ -10,6 +10,7 @@ namespace {
 using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
+
 TEST(ProductionRequest, AwaitsItsAnswerOnceItsBytesAreSent) {
     using Manager = GpsProductionManager;
     const std::pair<bool (Manager::*)(), RequestType> cases[] = {

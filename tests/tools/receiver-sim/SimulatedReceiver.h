@@ -23,12 +23,6 @@ inline const std::string kTokyo =
     hex("B5 62 06 06 2C 00 1F 85 EB 49 ED 53 58 41 90 A6 D5 EB 71 B2 72 40 FC 69 12 C3 23 AB "
         "FD 43 73 20 2A 44 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 FD 37");
 inline const std::string kFiveHertz = hex("B5 62 06 08 06 00 C8 00 01 00 01 00 DE 6A");
-inline const std::string kSave = hex("B5 62 06 09 0D 00 00 00 00 00 FF FF 00 00 00 00 00 00 07 21 AF");
-inline const std::string kReset = hex("B5 62 06 04 04 00 FF 87 04 00 98 FD");
-inline const std::string kColdStart = hex("B5 62 06 04 04 00 FF FF 02 00 0E 61");
-inline const std::string kBaud38400 =
-    hex("B5 62 06 00 14 00 01 00 00 00 D0 08 00 00 00 96 00 00 07 00 03 00 00 00 00 00 93 90");
-inline const std::string kPortPoll = hex("B5 62 06 00 01 00 00 07 21");
 
 /** A receiver that was switched on at 12:00 on 1 May 2024, and what it does, step by step. */
 class SimulatedReceiver {
