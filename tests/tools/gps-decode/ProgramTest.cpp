@@ -2,13 +2,36 @@
 
 #include <chrono>
 
-#include "Decode.h"
+#include "tests/support/Child.h"
+#include "tests/support/Messages.h"
+#include "tests/support/ScratchDirectory.h"
 
 namespace {
 
 using testing::AllOf;
 using testing::EndsWith;
 using testing::StartsWith;
+
+struct Decoded {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+/** Runs gps-decode on a stream, with arguments and redirections as the shell takes them. */
+Decoded decode(const std::string& arguments, const std::string& stream) {
+    const ScratchDirectory files;
+    const std::string in = " <" + files.write("in", stream);
+    const std::string results = " >" + files.path("out") + " 2>" + files.path("err");
+    const int status = runShell(GPS_DECODE + in + results + " " + arguments).status;
+    return {status, files.read("out"), files.read("err")};
+}
+
+/** The last line of standard error. */
+std::string counts(unsigned chunks, unsigned delivered, unsigned refused, unsigned dropped) {
+    return "gps-decode: " + std::to_string(chunks) + " chunks, " + std::to_string(delivered) + " delivered, " +
+           std::to_string(refused) + " refused, " + std::to_string(dropped) + " bytes dropped\n";
+}
 
 const std::string kText = sentence("GPTXT,01,01,02,ANTSTATUS=OPEN");
 const std::string kTextLine = "{\"event\":\"notifyGpsConnectionStatus\",\"status\":1}\n";

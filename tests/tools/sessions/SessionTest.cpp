@@ -27,7 +27,9 @@ TEST_P(Session, isRight) {
     EXPECT_EQ(text, session);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Session, testing::Values("gps-decode", "gps-decode-gpx", "gps-monitor", "receiver-sim"),
+INSTANTIATE_TEST_SUITE_P(Of, Session,
+                         testing::Values("gps-decode", "gps-decode-events", "gps-decode-gpx", "gps-monitor",
+                                         "receiver-sim"),
                          [](const auto& file) {
                              std::string name = file.param;
                              std::erase(name, '-');
