@@ -30,38 +30,36 @@ std::size_t slotOf(Operation operation) {
 #endif
 }
 
+template <class... Operations>
+void expectInOrder(Operations... operations) {
+    std::size_t slot = 2;
+    const std::vector<std::size_t> slots = {slotOf(operations)...};
+    for (const std::size_t actual : slots) {
+        EXPECT_EQ(actual, slot++) << "of " << slots.size();
+    }
+}
+
 TEST(VirtualSlots, areInTheOrderThatClientsAreCompiledFor) {
-    using Nmea = GpsNmeaListener;
     using Parse = GpsParseNmeaListener;
     using Location = GpsLocationDataListener;
     using Production = GpsProductionListener;
-    const std::vector<std::size_t> classes[] = {
-        {slotOf(&Nmea::notifyReceiveNmeaSentence)},
-        {slotOf(&Parse::notifyParseNmeaSentence), slotOf(&Parse::notifyParseGgaSentence),
-         slotOf(&Parse::notifyParseGllSentence), slotOf(&Parse::notifyParseGsaSentence),
-         slotOf(&Parse::notifyParseGsvSentence), slotOf(&Parse::notifyParseRmcSentence),
-         slotOf(&Parse::notifyParseVtgSentence), slotOf(&Parse::notifyParseZdaSentence),
-         slotOf(&Parse::notifyParsePubxSentence)},
-        {slotOf(&Location::notifyLocationData), slotOf(&Location::notifyRmcData), slotOf(&Location::notifyGgaData),
-         slotOf(&Location::notifyPascdData)},
-        {slotOf(&GpsVersionListener::notifyGpsVersionInfo)},
-        {slotOf(&GpsConnectionListener::notifyGpsConnectionStatus)},
-        {slotOf(&GpsSettingListener::notifyGpsSettingRequestResponse)},
-        {slotOf(&Production::notyfySwitchGpsProductionModeRequestResponse),
-         slotOf(&Production::notifyStartGpsProductionCheckResponse),
-         slotOf(&Production::notyfyGpsColdStartRequestResponse), slotOf(&Production::notifyReceiveGpsProductionData),
-         slotOf(&Production::notifyReceiveGpsProductionCheckData)},
-        {slotOf(&QvObserver<GpsController>::Update)},
-        {slotOf(&GpsHal::start), slotOf(&GpsHal::stop)},
-        {slotOf(&LocationDataMemory::lock), slotOf(&LocationDataMemory::unlock)},
-        {slotOf(&GpsConnectionManager::lock), slotOf(&GpsConnectionManager::unlock)},
-        {slotOf(&GpsSettingManager::lock), slotOf(&GpsSettingManager::unlock)},
-    };
-    for (const auto& slots : classes) {
-        for (std::size_t i = 0; i < slots.size(); ++i) {
-            EXPECT_EQ(slots[i], i + 2) << "operation " << i << " of class " << &slots - classes;
-        }
-    }
+    expectInOrder(&GpsNmeaListener::notifyReceiveNmeaSentence);
+    expectInOrder(&Parse::notifyParseNmeaSentence, &Parse::notifyParseGgaSentence, &Parse::notifyParseGllSentence,
+                  &Parse::notifyParseGsaSentence, &Parse::notifyParseGsvSentence, &Parse::notifyParseRmcSentence,
+                  &Parse::notifyParseVtgSentence, &Parse::notifyParseZdaSentence, &Parse::notifyParsePubxSentence);
+    expectInOrder(&Location::notifyLocationData, &Location::notifyRmcData, &Location::notifyGgaData,
+                  &Location::notifyPascdData);
+    expectInOrder(&GpsVersionListener::notifyGpsVersionInfo);
+    expectInOrder(&GpsConnectionListener::notifyGpsConnectionStatus);
+    expectInOrder(&GpsSettingListener::notifyGpsSettingRequestResponse);
+    expectInOrder(&Production::notyfySwitchGpsProductionModeRequestResponse,
+                  &Production::notifyStartGpsProductionCheckResponse, &Production::notyfyGpsColdStartRequestResponse,
+                  &Production::notifyReceiveGpsProductionData, &Production::notifyReceiveGpsProductionCheckData);
+    expectInOrder(&QvObserver<GpsController>::Update);
+    expectInOrder(&GpsHal::start, &GpsHal::stop);
+    expectInOrder(&LocationDataMemory::lock, &LocationDataMemory::unlock);
+    expectInOrder(&GpsConnectionManager::lock, &GpsConnectionManager::unlock);
+    expectInOrder(&GpsSettingManager::lock, &GpsSettingManager::unlock);
     EXPECT_TRUE(std::has_virtual_destructor_v<GpsController> && std::has_virtual_destructor_v<Gps>);
 }
 

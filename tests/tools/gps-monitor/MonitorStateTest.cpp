@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "tools/gps-monitor/ExampleLocation.h"
 #include "tools/gps-monitor/LinkStatus.h"
 
 namespace monitor {
@@ -86,19 +85,6 @@ TEST(Requests, AreSettledByTheirNameAndForgottenInTheEnd) {
     }
     EXPECT_TRUE(state.requests.size() <= 100 && state.requests.back().name == "999") << "the newest are kept";
     EXPECT_TRUE(state.log.size() <= 500 && state.log.back() == "999");
-}
-
-TEST(ExampleLocations, FollowTheReceiverOnceItHasAFix) {
-    MonitorState state;
-    state.gga = GPGGA{};
-    state.rmc = GPRMC{};
-    EXPECT_NE(makeLocation(state).Gga.Lat, 0);
-    state.gga->Quality = 1;
-    state.gga->Lat = -3500.5;
-    state.gga->Lon = -100.25;
-    const GPS_LOCATION_SYNC_DATA received = makeLocation(state);
-    EXPECT_EQ(received.Gga.Lat, -3500.5);
-    EXPECT_EQ(received.Rmc.Lon, -100.25);
 }
 
 TEST(LinkStatuses, SayWhyNothingIsReceived) {
