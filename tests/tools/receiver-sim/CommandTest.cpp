@@ -11,7 +11,8 @@ namespace {
  *    fresh N   it is switched on, to refuse the Nth configuration message (0: none; -1: all)
  *    > bytes   it receives a frame, in hexadecimal bytes, or a text with its line end
  *    pause     nothing more comes for a while
- *    epoch     it sends an epoch; told are the kinds of sentences, and the time to the next one */
+ *    epoch     it sends an epoch; told are the kinds of sentences, and the time to the next one
+ *    whole     it sends an epoch, which is told as it is */
 class Transcript {
 public:
     std::string replay(const std::string& transcript) {
@@ -38,6 +39,10 @@ private:
             const std::string kinds = mSim->nextKinds();
             const auto interval = (mSim->receiver.nextEpoch() - mSim->truth.time).count();
             mText += "  " + kinds + ", next in " + std::to_string(interval) + " ms\n";
+        }
+        if (line == "whole") {
+            for (const std::string& text : mSim->nextEpoch())
+                mText += "  " + text.substr(0, text.size() - 2) + "\n";
         }
         for (const sim::PortAction& action : mSim->receiver.takeActions()) {
             const bool isText = action.bytes.starts_with('$');
