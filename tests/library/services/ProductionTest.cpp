@@ -80,6 +80,9 @@ TEST(ProductionAnswer, OddArgumentsAndTypesChangeNothing) {
     EXPECT_THAT(textsOf(log), IsEmpty());
     EXPECT_EQ(manager.getRequestType(), REQUEST_TYPE_START_PRODUCTION_CHECK);
 
+    manager.setRequestType(REQUEST_TYPE_COLD_START);
+    EXPECT_TRUE(manager.switchGpsProductionResponse(answer(false).data(), 10, &listener));
+    EXPECT_THAT(listener.told, ElementsAre("cold start no"));
     manager.setRequestType(static_cast<RequestType>(77));
     EXPECT_TRUE(manager.switchGpsProductionResponse(answer(true).data(), 10, &listener));
     EXPECT_THAT(textsOf(log), ElementsAre("GpsProductionManager::switchGpsProductionResponse() unknown RequestType\n"));
