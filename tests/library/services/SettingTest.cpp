@@ -135,16 +135,15 @@ TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent)
         sent.push_back(answers({settingOfCommand.at(std::string(command))})[0]);
     });
     for (int round = 0; round < 20; ++round) {
-        std::vector<std::thread> threads;
-        for (int thread = 0; thread < 4; ++thread) {
-            threads.emplace_back([this, thread] {
-                for (int setting = thread; setting < 24; setting += 4) {
-                    request({setting});
-                }
-            });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
+        {
+            std::vector<std::jthread> threads;
+            for (int thread = 0; thread < 4; ++thread) {
+                threads.emplace_back([this, thread] {
+                    for (int setting = thread; setting < 24; setting += 4) {
+                        request({setting});
+                    }
+                });
+            }
         }
         for (int i = 0; i < 24; ++i) {
             receiver.send(answer(true));
