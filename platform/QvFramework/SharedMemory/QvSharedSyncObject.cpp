@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <ctime>
 #include <map>
 #include <string>
 
@@ -101,6 +102,23 @@ pthread_mutex_t* makeLocal() {
     return mutex;
 }
 
+/**
+ * Waits for the lock, and looks at it again from time to time: a process that is killed when it has been woken, but
+ * does not have the lock yet, takes the wake-up along, and another one that slipped in does not know of those who wait
+ * on.
+ */
+int waitFor(pthread_mutex_t* mutex) {
+#if defined(__SANITIZE_THREAD__)
+    return pthread_mutex_lock(mutex);  // the one way of waiting that GCC's thread sanitizer knows
+#else
+    constexpr time_t kSeconds = 1;
+    timespec next{};
+    clock_gettime(CLOCK_MONOTONIC, &next);
+    next.tv_sec += kSeconds;
+    return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &next);
+#endif
+}
+
 /** Every name is mapped once a process and stays mapped: the death of a holder is noticed only while it is. */
 pthread_mutex_t* lockOf(const char* name) {
     static QvSync& sync = *new QvSync;  // never destroyed: a client may build the service while its process exits
@@ -123,7 +141,11 @@ QvSharedSyncObject::QvSharedSyncObject(const char* name) : mpMutex(lockOf(name))
 QvSharedSyncObject::~QvSharedSyncObject() = default;
 
 void QvSharedSyncObject::lock() const QV_NO_THREAD_SAFETY_ANALYSIS {
-    if (pthread_mutex_lock(mpMutex) == EOWNERDEAD) pthread_mutex_consistent(mpMutex);
+    int result = pthread_mutex_trylock(mpMutex);
+    while (result == EBUSY || result == ETIMEDOUT) {
+        result = waitFor(mpMutex);
+    }
+    if (result == EOWNERDEAD) pthread_mutex_consistent(mpMutex);
 }
 
 void QvSharedSyncObject::unlock() const QV_NO_THREAD_SAFETY_ANALYSIS {

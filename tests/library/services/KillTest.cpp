@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/futex.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 
@@ -98,6 +100,44 @@ TEST_F(Killed, InsideTheFirstInitialisationOfALockWhileAnotherProcessWaits) {
         EXPECT_EQ(exitCodeOf(startProcess(use)), 0);
         std::filesystem::remove(objectPath(kName + std::string(".lock")));
     });
+}
+
+/** Returns when a process sleeps. */
+void waitUntilAsleep(pid_t pid) {
+    for (std::string stat; stat.find(") S ") == std::string::npos;) {
+        std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
+        std::getline(file, stat);
+    }
+}
+
+TEST_F(Killed, WhenItHasBeenWokenToTakeALockForWhichAnotherOneWaits) {
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "under the thread sanitizer the lock waits in another way";
+#endif
+    constexpr char kName[] = "QVSDK_KillWoken";
+    constexpr std::size_t kMutexAt = 8;  // its first word is what those who wait sleep on
+    const QvSharedSyncObject lock(kName);
+    const int fd = open(objectPath(kName + std::string(".lock")).c_str(), O_RDWR);
+    auto* const object = static_cast<char*>(mmap(nullptr, kMutexAt + 4, PROT_READ, MAP_SHARED, fd, 0));
+    ASSERT_NE(object, MAP_FAILED);
+    lock.lock();
+    const pid_t victim = startProcess([&] {
+        int word = 0;
+        std::memcpy(&word, object + kMutexAt, sizeof(word));
+        syscall(SYS_futex, object + kMutexAt, FUTEX_WAIT, word, nullptr);
+        pause();
+    });
+    waitUntilAsleep(victim);
+    const pid_t other = startProcess([&] { QvSyncGuard<QvSharedSyncObject> guard(lock); });
+    waitUntilAsleep(other);
+    lock.unlock();  // wakes the victim
+    lock.lock();
+    killProcess(victim);
+    lock.unlock();
+    EXPECT_EQ(exitCodeOf(other), 0) << "it waits on";
+    munmap(object, kMutexAt + 4);
+    close(fd);
+    std::filesystem::remove(objectPath(kName + std::string(".lock")));
 }
 
 TEST_F(Killed, InsideTheConstructionOfASegment) {
