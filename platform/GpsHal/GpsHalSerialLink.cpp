@@ -81,7 +81,7 @@ GpsHalSerialLink::GpsHalSerialLink(std::string device, unsigned speed)
     : mPath(std::move(device)), mWakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), mDevice(kNoDevice), mSpeed(speed) {}
 
 GpsHalSerialLink::~GpsHalSerialLink() {
-    close();
+    GpsHalSerialLink::close();
     if (mWakeUp >= 0) ::close(mWakeUp);
 }
 

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr std::size_t kBlock = 128 * 1024;
+constexpr std::size_t kBlock = 128UL * 1024;
 constexpr int kSignalStatus = 128;  // plus the signal's number, as shells have it
 
 void discardMessage(void*, const char*, const char*, int, int, const char*) {}

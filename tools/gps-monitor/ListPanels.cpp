@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <ranges>
 #include <vector>
 
 #include "tools/gps-monitor/Coordinates.h"
@@ -10,11 +9,20 @@ namespace monitor {
 
 namespace {
 
-/** How many of the newest entries a panel shows. */
+template <class Iterator>
+struct Range {
+    Iterator first;
+    Iterator last;
+
+    Iterator begin() const { return first; }
+    Iterator end() const { return last; }
+};
+
+/** The newest entries, as many as a panel shows. */
 template <class List>
 auto newest(const List& list, int room) {
     const auto count = std::min<std::ptrdiff_t>(std::ssize(list), std::max(room, 0));
-    return std::ranges::subrange(list.end() - count, list.end());
+    return Range<typename List::const_iterator>{list.end() - count, list.end()};
 }
 
 struct AnswerText {

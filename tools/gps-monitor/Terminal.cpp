@@ -36,7 +36,7 @@ void defineColours() {
     const short background = use_default_colors() == OK ? -1 : COLOR_BLACK;
     for (short i = 0; i < static_cast<short>(std::size(kLooks)); ++i) {
         const short colour = kLooks[i].colour;
-        init_pair(static_cast<short>(i + 1), colour < 0 && background >= 0 ? COLOR_WHITE : colour, background);
+        init_pair(static_cast<short>(i + 1), colour < 0 && background >= 0 ? short{COLOR_WHITE} : colour, background);
     }
 }
 

@@ -39,7 +39,7 @@ std::string timeField(UtcTime time) {
 
 /** Degrees and minutes with five decimals and the letter of the hemisphere, "3539.00000,N". */
 std::string angleField(double angle, int degreeDigits, char positive, char negative) {
-    constexpr long long kPerDegree = 60 * 100000;
+    constexpr long long kPerDegree = 60 * 100000LL;
     const long long units = std::llround(std::fabs(angle) * kPerDegree);
     const long long minutes = units % kPerDegree;
     return formatted("%0*lld%02lld.%05lld,%c", degreeDigits, units / kPerDegree, minutes / 100000, minutes % 100000,

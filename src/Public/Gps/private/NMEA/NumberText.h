@@ -130,7 +130,7 @@ inline unsigned long toUnsignedHex(std::string_view pair) {
     const int high = hexDigit(pair[0]);
     const int low = hexDigit(pair[1]);
     if (high < 0 || low < 0) return toUnsignedHexSlowly(pair);
-    return static_cast<unsigned long>(high * 16 + low);
+    return static_cast<unsigned long>(high) * 16 + static_cast<unsigned long>(low);
 }
 
 /** Characters that the longest number takes: 309 digits before the point, up to 5 after it, sign and point. */

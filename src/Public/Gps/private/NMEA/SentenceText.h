@@ -54,7 +54,7 @@ inline const char* readField(const char* cursor, Token& field) {
         if (cursor[length] == ',' || cursor[length] == '*' || cursor[length] == '\0') break;
     }
     if (length > kLongest || *cursor == '\0') {
-        field = Token(std::string_view(cursor, 0));
+        field = Token(std::string_view(cursor, cursor));
         return noField(cursor);
     }
     field = Token({cursor, length}, decimal);
