@@ -137,7 +137,7 @@ protected:
         EXPECT_TRUE(mTerminal->hears());
         mTerminal->say(std::string(kAck) + numbered(number + 1));
         mCounter.waitFor(number + 2);
-        EXPECT_EQ(mSettings.take(), Strings{"S:ack 1"});
+        EXPECT_EQ(mSettings.take(), Strings{"S:setting 1 yes"});
     }
 
     /** What the layer has said, with the device's name cut off. */
