@@ -1,4 +1,4 @@
-#include "Configuration.h"
+#include "tools/receiver-sim/Configuration.h"
 
 #include <algorithm>
 
@@ -14,7 +14,7 @@ constexpr std::uint64_t kNavigationSection = 1u << 3;
 
 Configuration defaultConfiguration(unsigned baud, Milliseconds interval) {
     Configuration configuration{{baud}, {}, {interval, kWgs84}};
-    std::transform(sentenceKinds.begin(), sentenceKinds.end(), configuration.messages.rates.begin(),
+    std::transform(kSentenceKinds.begin(), kSentenceKinds.end(), configuration.messages.rates.begin(),
                    [](const SentenceKind& kind) { return kind.defaultRate; });
     return configuration;
 }

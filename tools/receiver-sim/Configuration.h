@@ -4,9 +4,9 @@
 #include <array>
 #include <cstdint>
 
-#include "Geodesy.h"
-#include "Sentences.h"
-#include "UtcTime.h"
+#include "tools/receiver-sim/Geodesy.h"
+#include "tools/receiver-sim/Sentences.h"
+#include "tools/receiver-sim/UtcTime.h"
 
 namespace sim {
 
@@ -16,10 +16,10 @@ struct Configuration {
         unsigned baud;
     };
     struct Messages {
-        std::array<unsigned char, kSentenceKinds> rates; /**< as SentenceKind::defaultRate, in the same order */
+        std::array<unsigned char, kSentenceKindCount> rates;  ///< as SentenceKind::defaultRate, in the same order
     };
     struct Navigation {
-        Milliseconds interval; /**< from one epoch to the next */
+        Milliseconds interval;  ///< from one epoch to the next
         Datum datum;
     };
     Port port;

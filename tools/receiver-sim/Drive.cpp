@@ -1,4 +1,4 @@
-#include "Drive.h"
+#include "tools/receiver-sim/Drive.h"
 
 #include <cmath>
 

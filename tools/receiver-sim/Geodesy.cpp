@@ -1,4 +1,4 @@
-#include "Geodesy.h"
+#include "tools/receiver-sim/Geodesy.h"
 
 #include <cmath>
 #include <numbers>

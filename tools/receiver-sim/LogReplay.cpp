@@ -1,6 +1,6 @@
-#include "LogReplay.h"
+#include "tools/receiver-sim/LogReplay.h"
 
-#include "Nmea.h"
+#include "tools/receiver-sim/Nmea.h"
 
 namespace sim {
 

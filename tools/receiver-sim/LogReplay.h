@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "PortAction.h"
+#include "tools/receiver-sim/PortAction.h"
 
 namespace sim {
 

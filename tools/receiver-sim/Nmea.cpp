@@ -1,4 +1,4 @@
-#include "Nmea.h"
+#include "tools/receiver-sim/Nmea.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,9 +1,9 @@
-#include "Options.h"
+#include "tools/receiver-sim/Options.h"
 
 #include <map>
 
-#include "PortSpeed.h"
 #include "tools/common/CommandLine.h"
+#include "tools/receiver-sim/PortSpeed.h"
 
 namespace sim {
 

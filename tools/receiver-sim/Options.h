@@ -5,15 +5,15 @@
 #include <string>
 #include <variant>
 
-#include "Receiver.h"
+#include "tools/receiver-sim/Receiver.h"
 
 namespace sim {
 
 struct Options {
     Receiver::Setup receiver;
-    std::optional<UtcTime> startTime; /**< empty: the time at which the receiver is switched on */
-    std::optional<double> seconds;    /**< empty: until a signal comes */
-    std::string log;                  /**< file to replay; empty: a drive */
+    std::optional<UtcTime> startTime;  ///< empty: the time at which the receiver is switched on
+    std::optional<double> seconds;     ///< empty: until a signal comes
+    std::string log;                   ///< file to replay; empty: a drive
     bool isLooping = false;
     bool isFast = false;
     bool endsWithLog = false;

@@ -1,9 +1,9 @@
-#include "PortAction.h"
+#include "tools/receiver-sim/PortAction.h"
 
 #include <utility>
 
-#include "Nmea.h"
-#include "Ubx.h"
+#include "tools/receiver-sim/Nmea.h"
+#include "tools/receiver-sim/Ubx.h"
 
 namespace sim {
 

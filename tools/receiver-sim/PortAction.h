@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "StreamFramer.h"
+#include "tools/receiver-sim/StreamFramer.h"
 
 namespace sim {
 
@@ -28,8 +28,8 @@ using Report = nlohmann::ordered_json;
 
 /** One step of what happens at the receiver's port; the steps are carried out strictly in order. */
 struct PortAction {
-    std::string bytes; /**< to send; may be empty */
-    unsigned baud = 0; /**< the port's speed from the end of this step on; 0: as it is */
+    std::string bytes;  ///< to send; may be empty
+    unsigned baud = 0;  ///< the port's speed from the end of this step on; 0: as it is
     /** Lines for the report, written once the step has been carried out. */
     std::vector<Report> reports{};
 };

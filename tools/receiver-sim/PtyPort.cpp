@@ -1,4 +1,4 @@
-#include "PtyPort.h"
+#include "tools/receiver-sim/PtyPort.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "PortSpeed.h"
+#include "tools/receiver-sim/PortSpeed.h"
 
 namespace sim {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "Descriptor.h"
+#include "tools/receiver-sim/Descriptor.h"
 
 namespace sim {
 

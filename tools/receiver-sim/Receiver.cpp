@@ -1,4 +1,4 @@
-#include "Receiver.h"
+#include "tools/receiver-sim/Receiver.h"
 
 #include <algorithm>
 #include <array>
@@ -6,8 +6,8 @@
 #include <cmath>
 #include <utility>
 
-#include "Nmea.h"
-#include "PortSpeed.h"
+#include "tools/receiver-sim/Nmea.h"
+#include "tools/receiver-sim/PortSpeed.h"
 
 namespace sim {
 
@@ -120,10 +120,10 @@ Receiver::Truth Receiver::runEpoch(UtcTime now) {
     updateAntenna(mLastEpoch);
     const Motion motion = driveAt(mLastEpoch - mStart);
     const Fix fix = fixAt(mLastEpoch, motion);
-    for (std::size_t kind = 0; kind < kSentenceKinds; ++kind) {
+    for (std::size_t kind = 0; kind < kSentenceKindCount; ++kind) {
         const unsigned rate = mCurrent.messages.rates[kind];
         if (rate == 0 || mEpochs % rate != 0) continue;
-        for (const std::string& body : sentenceKinds[kind].compose(fix))
+        for (const std::string& body : kSentenceKinds[kind].compose(fix))
             mActions.push_back(sendSentence(nmeaSentence(body)));
     }
     return {mLastEpoch, motion.position};
@@ -207,10 +207,10 @@ Receiver::Answer Receiver::obeyMessageRate(std::string_view payload) {
     if (payload.size() == kPoll) return {true};
     if (payload.size() != kAllPorts && payload.size() != kThisPort) return {false};
     const std::size_t rateOffset = payload.size() == kAllPorts ? 2 + kSerialPort : 2;
-    const auto* kind = std::find_if(sentenceKinds.begin(), sentenceKinds.end(),
+    const auto* kind = std::find_if(kSentenceKinds.begin(), kSentenceKinds.end(),
                                     [&](const SentenceKind& candidate) { return candidate.id == idOf(payload); });
-    if (kind == sentenceKinds.end()) return {true};
-    mCurrent.messages.rates[static_cast<std::size_t>(kind - sentenceKinds.begin())] =
+    if (kind == kSentenceKinds.end()) return {true};
+    mCurrent.messages.rates[static_cast<std::size_t>(kind - kSentenceKinds.begin())] =
         static_cast<unsigned char>(payload[rateOffset]);
     return {true};
 }

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-#include "Configuration.h"
-#include "Drive.h"
-#include "PortAction.h"
-#include "StreamFramer.h"
+#include "tools/receiver-sim/Configuration.h"
+#include "tools/receiver-sim/Drive.h"
+#include "tools/receiver-sim/PortAction.h"
+#include "tools/receiver-sim/StreamFramer.h"
 
 namespace sim {
 
@@ -22,12 +22,12 @@ enum class Antenna { Ok, Open, Short };
 class Receiver {
 public:
     struct Setup {
-        unsigned baud = 9600;                      /**< default speed of the port */
-        Milliseconds interval{1000};               /**< default interval of the epochs, above 0 */
-        std::vector<Antenna> antenna{Antenna::Ok}; /**< states in turn, at least one; the last one stays */
-        Milliseconds antennaEvery{5000};           /**< how long each state lasts, above 0 */
-        bool refusesAll = false;                   /**< every configuration message is refused */
-        unsigned refusesOnce = 0;                  /**< number, from 1, of the one that is refused; 0: none */
+        unsigned baud = 9600;                       ///< default speed of the port
+        Milliseconds interval{1000};                ///< default interval of the epochs, above 0
+        std::vector<Antenna> antenna{Antenna::Ok};  ///< states in turn, at least one; the last one stays
+        Milliseconds antennaEvery{5000};            ///< how long each state lasts, above 0
+        bool refusesAll = false;                    ///< every configuration message is refused
+        unsigned refusesOnce = 0;                   ///< number, from 1, of the one that is refused; 0: none
     };
 
     Receiver(const Setup& setup, UtcTime start);
@@ -47,7 +47,7 @@ public:
     /** Sends the epoch of the last multiple of the interval up to `now`; epochs that were missed are left out. */
     struct Truth {
         UtcTime time;
-        Geodetic position; /**< WGS84, whatever the receiver reports */
+        Geodetic position;  ///< WGS84, whatever the receiver reports
     };
     Truth runEpoch(UtcTime now);
 

@@ -1,10 +1,10 @@
-#include "Sentences.h"
+#include "tools/receiver-sim/Sentences.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
-#include "Nmea.h"
+#include "tools/receiver-sim/Nmea.h"
 
 namespace sim {
 
@@ -127,7 +127,7 @@ std::vector<std::string> composePubx00(const Fix& fix) {
 
 }  // namespace
 
-const std::array<SentenceKind, kSentenceKinds> sentenceKinds{{
+const std::array<SentenceKind, kSentenceKindCount> kSentenceKinds{{
     {{0xF0, 0x04}, 1, composeRmc},
     {{0xF0, 0x05}, 1, composeVtg},
     {{0xF0, 0x00}, 1, composeGga},

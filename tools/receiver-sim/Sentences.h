@@ -5,18 +5,18 @@
 #include <string>
 #include <vector>
 
-#include "Drive.h"
-#include "Sky.h"
-#include "Ubx.h"
-#include "UtcTime.h"
+#include "tools/receiver-sim/Drive.h"
+#include "tools/receiver-sim/Sky.h"
+#include "tools/receiver-sim/Ubx.h"
+#include "tools/receiver-sim/UtcTime.h"
 
 namespace sim {
 
 /** What the receiver knows at one epoch. */
 struct Fix {
     UtcTime time;
-    Geodetic position;      /**< in the datum that the receiver reports */
-    double geoidSeparation; /**< metres from that datum's ellipsoid up to the sea level */
+    Geodetic position;       ///< in the datum that the receiver reports
+    double geoidSeparation;  ///< metres from that datum's ellipsoid up to the sea level
     Motion motion;
     std::vector<Satellite> sky;
 };
@@ -24,13 +24,13 @@ struct Fix {
 /** A kind of sentence that the receiver can send with every epoch. */
 struct SentenceKind {
     MessageId id;
-    unsigned char defaultRate; /**< sent with every so-many-eth epoch; 0: not sent */
+    unsigned char defaultRate;  ///< sent with every so-many-eth epoch; 0: not sent
     std::vector<std::string> (*compose)(const Fix&);
 };
 
 /** Every kind, in the order in which an epoch's sentences are sent. */
-constexpr std::size_t kSentenceKinds = 8;
-extern const std::array<SentenceKind, kSentenceKinds> sentenceKinds;
+constexpr std::size_t kSentenceKindCount = 8;
+extern const std::array<SentenceKind, kSentenceKindCount> kSentenceKinds;
 
 /** A text sentence of the receiver about itself. */
 std::string textSentence(const std::string& text);

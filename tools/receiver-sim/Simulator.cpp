@@ -1,4 +1,4 @@
-#include "Simulator.h"
+#include "tools/receiver-sim/Simulator.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -8,8 +8,8 @@
 #include <iterator>
 #include <numeric>
 
-#include "Nmea.h"
 #include "tools/common/Program.h"
+#include "tools/receiver-sim/Nmea.h"
 
 namespace sim {
 

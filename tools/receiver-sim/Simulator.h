@@ -9,12 +9,12 @@
 #include <string>
 #include <vector>
 
-#include "Descriptor.h"
-#include "DeviceLink.h"
-#include "LogReplay.h"
-#include "Options.h"
-#include "PtyPort.h"
-#include "Receiver.h"
+#include "tools/receiver-sim/Descriptor.h"
+#include "tools/receiver-sim/DeviceSymlink.h"
+#include "tools/receiver-sim/LogReplay.h"
+#include "tools/receiver-sim/Options.h"
+#include "tools/receiver-sim/PtyPort.h"
+#include "tools/receiver-sim/Receiver.h"
 
 namespace sim {
 
@@ -51,7 +51,7 @@ private:
 
     const Options mOptions;
     PtyPort mPort;
-    std::optional<DeviceLink> mLink;
+    std::optional<DeviceSymlink> mLink;
     std::ofstream mReport;
     std::ofstream mTruth;
     std::optional<LogReplay> mReplay;

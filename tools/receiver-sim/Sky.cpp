@@ -1,4 +1,4 @@
-#include "Sky.h"
+#include "tools/receiver-sim/Sky.h"
 
 #include <cmath>
 #include <optional>

@@ -3,17 +3,17 @@
 
 #include <vector>
 
-#include "Geodesy.h"
-#include "UtcTime.h"
+#include "tools/receiver-sim/Geodesy.h"
+#include "tools/receiver-sim/UtcTime.h"
 
 namespace sim {
 
 /** A GPS satellite above the horizon. */
 struct Satellite {
     unsigned number;
-    unsigned elevation; /**< degrees, 0 to 90 */
-    unsigned azimuth;   /**< degrees, 0 to 359 */
-    unsigned signal;    /**< dBHz; 0 when it is too low to be tracked */
+    unsigned elevation;  ///< degrees, 0 to 90
+    unsigned azimuth;    ///< degrees, 0 to 359
+    unsigned signal;     ///< dBHz; 0 when it is too low to be tracked
 
     /** Every satellite that is tracked is used in the fix. */
     bool isTracked() const { return signal > 0; }

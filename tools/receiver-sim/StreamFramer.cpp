@@ -1,9 +1,9 @@
-#include "StreamFramer.h"
+#include "tools/receiver-sim/StreamFramer.h"
 
 #include <algorithm>
 #include <optional>
 
-#include "Ubx.h"
+#include "tools/receiver-sim/Ubx.h"
 
 namespace sim {
 

@@ -10,9 +10,9 @@ namespace sim {
 /** A stretch of a byte stream. */
 struct Piece {
     enum class Kind {
-        Sentence, /**< from "$" through the line feed */
-        Frame,    /**< a binary frame whose checksum holds, or the order that switches to production mode */
-        Other,    /**< bytes that belong to neither */
+        Sentence,  ///< from "$" through the line feed
+        Frame,     ///< a binary frame whose checksum holds, or the order that switches to production mode
+        Other,     ///< bytes that belong to neither
     };
     Kind kind;
     std::string bytes;

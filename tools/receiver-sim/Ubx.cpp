@@ -1,6 +1,6 @@
-#include "Ubx.h"
+#include "tools/receiver-sim/Ubx.h"
 
-#include "Nmea.h"
+#include "tools/receiver-sim/Nmea.h"
 
 namespace sim {
 

@@ -1,8 +1,8 @@
-#include "UtcTime.h"
+#include "tools/receiver-sim/UtcTime.h"
 
 #include <cstdio>
 
-#include "Nmea.h"
+#include "tools/receiver-sim/Nmea.h"
 
 namespace sim {
 

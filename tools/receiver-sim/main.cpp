@@ -1,8 +1,8 @@
 #include <iostream>
 
-#include "Options.h"
-#include "Simulator.h"
 #include "tools/common/Program.h"
+#include "tools/receiver-sim/Options.h"
+#include "tools/receiver-sim/Simulator.h"
 
 namespace {
 

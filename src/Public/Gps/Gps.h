@@ -16,7 +16,8 @@ class GpsController;
  * `Gps::GetInstance()` builds the service on its first call in a process and starts reception; without a receiver
  * everything but reception works. The instance lives until the process exits (or the framework's singleton finaliser
  * is run). All operations may be called from any thread and from inside any notification, except that a location
- * notification must not register or unregister.
+ * notification must not register or unregister. A forked child has none of the service's threads: it must not use the
+ * service before it executes another program.
  *
  * Operations answer true for success. A null listener, a registry that is full (five entries of each kind) or empty,
  * and a request whose outcome no registered listener could be told are refused with false; refusals are written to the

@@ -1,4 +1,4 @@
-#include "DeviceLink.h"
+#include "tools/receiver-sim/DeviceSymlink.h"
 
 #include <filesystem>
 #include <system_error>
@@ -23,14 +23,14 @@ bool isLeftOver(const std::string& path, const std::string& device) {
 
 }  // namespace
 
-DeviceLink::DeviceLink(const std::string& path, const std::string& device) : mPath(path), mDevice(device) {
+DeviceSymlink::DeviceSymlink(const std::string& path, const std::string& device) : mPath(path), mDevice(device) {
     std::error_code error;
     if (isLeftOver(path, device)) fs::remove(path, error);
     fs::create_symlink(device, path, error);
     if (error) throw tool::BadUse("--link: " + path + ": " + error.message());
 }
 
-DeviceLink::~DeviceLink() {
+DeviceSymlink::~DeviceSymlink() {
     std::error_code error;
     if (leadsTo(mPath, mDevice)) fs::remove(mPath, error);
 }
