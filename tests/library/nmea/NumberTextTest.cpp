@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Gps/private/NMEA/NumberText.h"
+#include "tests/support/ScratchDirectory.h"
 
 namespace {
 
@@ -106,14 +107,22 @@ TEST(Numbers, AreWrittenAsPrintfDoes) {
 }
 
 TEST(Numbers, DoNotDependOnTheLocale) {
-    const char* locale = nullptr;
-    for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "ru_RU.UTF-8"})
-        locale = locale != nullptr ? locale : std::setlocale(LC_ALL, name);
-    if (locale == nullptr) GTEST_SKIP() << "no locale with a decimal comma is installed";
+    const ScratchDirectory locales;
+    const std::string make = "localedef -i de_DE -f ISO-8859-1 " + locales.path("de_DE");
+    ASSERT_EQ(std::system(make.c_str()), 0);
+    setenv("LOCPATH", locales.path("").c_str(), 1);
+    ASSERT_NE(std::setlocale(LC_ALL, "de_DE"), nullptr);
     EXPECT_EQ(std::strtod("1,5", nullptr), 1.5);
-    EXPECT_EQ(read("1.5")[3], std::bit_cast<std::uint64_t>(1.5));
+    for (const char* const token : {"1.5", "-1.5", "1e1.5", "0x1.8p1"}) {
+        const Values inGerman = read(token);
+        std::setlocale(LC_ALL, "C");
+        EXPECT_EQ(inGerman, readByLibrary(token)) << token;
+        std::setlocale(LC_ALL, "de_DE");
+    }
     EXPECT_EQ(written(1234.5, 1), "1234.5");
+    EXPECT_EQ(written(1e300, 1), printed("%.1f", 1, 1e300).replace(301, 1, "."));
     std::setlocale(LC_ALL, "C");
+    unsetenv("LOCPATH");
 }
 
 }  // namespace
