@@ -6,8 +6,8 @@
 #include "Gps/private/GpsController.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "GpsHal/GpsHal.h"
-#include "GpsHal/GpsHalLink.h"
 #include "bench/Captures.h"
+#include "tests/support/SilentLink.h"
 
 // What one more listener of each kind costs: the argument is the number of listeners.
 
@@ -15,21 +15,6 @@ namespace {
 
 constexpr GPS_SETTING_LOCAL_MEMORY kWgs84 = {GEODETIC_SYSTEM_WGS84, 1, {}};
 constexpr GPS_SETTING_LOCAL_MEMORY kTokyo = {GEODETIC_SYSTEM_TOKYO, 1, {}};
-
-/** Takes whatever is sent to the receiver, and receives nothing. */
-class SilentLink : public GpsHalLink {
-public:
-    bool open() override { return true; }
-    void close() override { mClosed.SetEvent(); }
-    int read(void*, unsigned int, unsigned int timeoutMs) override {
-        return mClosed.WaitEvent(timeoutMs) == QvEvent::TIMED_OUT ? 0 : -1;
-    }
-    bool write(const void*, unsigned int) override { return true; }
-    bool setSpeed(unsigned int) override { return true; }
-
-private:
-    QvEvent mClosed;
-};
 
 class EveryListener : public GpsNmeaListener,
                       public GpsParseNmeaListener,

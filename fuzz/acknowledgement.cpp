@@ -2,9 +2,9 @@
 
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "GpsHal/GpsHal.h"
-#include "GpsHal/GpsHalMemoryLink.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "fuzz/ExactBuffer.h"
+#include "tests/support/SilentLink.h"
 
 namespace {
 
@@ -18,9 +18,7 @@ public:
 /** A manager that can send, for the whole run. */
 GpsSettingManager& manager() {
     static GpsSettingManager* const instance = [] {
-        auto [link, peer] = GpsHalMemoryLink::makePair();
-        static auto keptPeer = peer;
-        GpsHal::setLink(std::move(link));
+        GpsHal::setLink(std::make_unique<SilentLink>());
         GpsHal::GetInstance()->start();
         return new GpsSettingManager;
     }();

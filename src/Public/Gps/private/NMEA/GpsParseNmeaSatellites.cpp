@@ -7,7 +7,6 @@
 // The satellites used and in view: GSA and GSV. They are parsed for listeners only.
 
 using namespace sentence_fields;
-using sentence_text::modeCode;
 using sentence_text::nmeaLog;
 using sentence_text::operationModeCode;
 
