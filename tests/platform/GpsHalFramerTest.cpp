@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <ctime>
 #include <memory>
+#include <random>
 #include <vector>
 
 #include "tests/support/Messages.h"
@@ -121,6 +122,50 @@ TEST(Framer, AtTheEndOfTheStreamSetsFreeWhatABrokenLengthHadClaimed) {
     const std::string stream = kGga + header(5000) + kRmc + header(3) + kAck + kGga.substr(0, 20);
     EXPECT_EQ(outcomeOf(stream, 7, 7, End::finish), (Outcome{{kGga, kRmc, kAck}, 6 + 6 + 20}));
     EXPECT_EQ(outcomeOf(kGga + "$GPRMC,0927", 7, 7, End::reset), (Outcome{{kGga}, 11})) << "or drops it";
+}
+
+/** Chunks, and noise that is none and completes none, in any mix: a line feed could make a sentence of it. */
+class Mixture {
+public:
+    explicit Mixture(unsigned seed) : mRandom(seed) {
+        for (std::size_t pieces = 5 + below(30); pieces > 0; --pieces) {
+            const std::size_t kind = below(8);
+            const std::string bytes = kind < 3 ? chunk(kind) : noise(kind);
+            if (kind < 3) expected.chunks.push_back(bytes);
+            if (kind >= 3) expected.dropped += bytes.size();
+            stream += bytes;
+        }
+    }
+    std::size_t below(std::size_t limit) { return mRandom() % limit; }
+
+    std::string stream;
+    Outcome expected;
+
+private:
+    std::string anyBytes(char insteadOfLineFeed) {
+        std::string bytes(below(300), '\0');
+        for (char& byte : bytes)
+            byte = static_cast<char>(below(256));
+        std::replace(bytes.begin(), bytes.end(), '\n', insteadOfLineFeed);
+        return bytes;
+    }
+    std::string chunk(std::size_t kind) { return kind == 0 ? kGga : kind == 1 ? kRmc : frameOf(anyBytes('\n')); }
+    std::string noise(std::size_t kind) {
+        const std::string all[] = {anyBytes('$'), "\xB5\xB5\x62", header(below(65536)),
+                                   kGga.substr(0, below(kGga.size())), "$"};
+        return all[kind - 3];
+    }
+
+    std::mt19937 mRandom;
+};
+
+TEST(Framer, FindsEveryIntactChunkAmongRandomNoiseAndInventsNone) {
+    for (unsigned seed = 0; seed < 3000; ++seed) {
+        Mixture mixture(seed);
+        const std::size_t first = mixture.below(mixture.stream.size());
+        const std::size_t others = 1 + mixture.below(600);
+        ASSERT_EQ(outcomeOf(mixture.stream, first, others, End::finish), mixture.expected) << seed;
+    }
 }
 
 std::clock_t timeFor(const std::string& pattern) {
