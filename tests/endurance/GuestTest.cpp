@@ -119,15 +119,17 @@ TEST_F(Host, keepsItsLocaleUmaskDirectorySignalHandlersAndMask) {
 
     // Whatever can be blocked is, on every thread of the guest. The system's threads keep 32 and 33 to themselves.
     const Names threads = entriesOf("/proc/self/task");
-    EXPECT_GE(threads.size(), mThreads.size() + 2) << "the receive thread and the worker";
+    Names names;
     for (const std::string& thread : threads) {
         const std::string status = "/proc/self/task/" + thread + "/status";
         if (mThreads.contains(thread)) continue;
         const std::string mask = linesOf(status, {"SigBlk"});
+        names.insert(linesOf(status, {"Name"}));
         constexpr unsigned long kAll = 0xFFFFFFFE7FFBFEFF;
         EXPECT_EQ(std::stoul(mask.substr(mask.find('\t')), nullptr, 16) & kAll, kAll)
             << linesOf(status, {"Name"}) << mask;
     }
+    EXPECT_EQ(names, (Names{"Name:\tGpsController\n", "Name:\tGpsHalReceive\n"}));
     call("endGuest");
     EXPECT_EQ(hostState(), before);
     unload();

@@ -15,7 +15,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 /** A name that no lock of this process has had yet. Its object goes with it. */
 class Name {
@@ -83,19 +82,6 @@ TEST(SharedSyncObject, ExcludesProcessesThatStartTogether) {
     }
 }
 
-TEST(SharedSyncObject, CompletesWhatADeadCreatorLeftUnfinished) {
-    const Name model;
-    const QvSharedSyncObject whole(model);
-    const auto size = std::filesystem::file_size(model.path());
-    for (const auto sized : {std::uintmax_t{0}, size}) {
-        const LogCapture log;
-        const Name name;
-        std::ofstream(name.path()) << std::string(sized, '\0');
-        expectExclusion(name);
-        EXPECT_THAT(log.texts(), IsEmpty());
-    }
-}
-
 TEST(SharedSyncObject, IsHeldUntilItIsGivenBackAsOftenAsItWasTaken) {
     const Name name;
     const QvSharedSyncObject lock(name);
@@ -111,25 +97,6 @@ TEST(SharedSyncObject, IsHeldUntilItIsGivenBackAsOftenAsItWasTaken) {
     giveBack(lock);
     EXPECT_TRUE(taken.wait());
     EXPECT_EQ(exitCodeOf(other), 0);
-}
-
-TEST(SharedSyncObject, OutlivesAHolderThatIsKilled) {
-    const Name name;
-    const QvSharedSyncObject lock(name);
-    for (int round = 0; round < 5; ++round) {
-        Signal taken;
-        const pid_t holder = startProcess([&] {
-            take(lock);
-            take(lock);
-            taken.give();
-            pause();
-        });
-        ASSERT_TRUE(taken.wait());
-        std::thread waiting([&] { QvSyncGuard guard(lock); });
-        killProcess(holder);
-        waiting.join();
-    }
-    expectExclusion(name);
 }
 
 TEST(SharedSyncObject, RefusesForeignContentAndLeavesItAlone) {

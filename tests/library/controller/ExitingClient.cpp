@@ -9,7 +9,7 @@
 #include "Gps/Gps.h"
 #include "GpsHal/GpsHal.h"
 #include "GpsHal/GpsHalMemoryLink.h"
-#include "tests/library/controller/ThreadState.h"
+#include "tests/support/ThreadState.h"
 
 // A client that ends its process, with exit status 7, in the scene that it is asked for: with its static objects going
 // before or after the service, or from inside a notification while other threads want something of the service.

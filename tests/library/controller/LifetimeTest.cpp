@@ -2,7 +2,7 @@
 #include <latch>
 
 #include "tests/library/controller/ControllerTest.h"
-#include "tests/library/controller/ThreadState.h"
+#include "tests/support/ThreadState.h"
 
 // Listeners that come and go while listeners are being told.
 

@@ -27,6 +27,7 @@
 #include "tests/library/services/MemoryReceiver.h"
 #include "tests/library/services/Processes.h"
 #include "tests/library/services/SharedState.h"
+#include "tests/support/ThreadState.h"
 
 // Processes that die at any instruction must neither stop the others nor leave them half a record.
 
@@ -102,14 +103,6 @@ TEST_F(Killed, InsideTheFirstInitialisationOfALockWhileAnotherProcessWaits) {
     });
 }
 
-/** Returns when a process sleeps. */
-void waitUntilAsleep(pid_t pid) {
-    for (std::string stat; stat.find(") S ") == std::string::npos;) {
-        std::ifstream file("/proc/" + std::to_string(pid) + "/stat");
-        std::getline(file, stat);
-    }
-}
-
 TEST_F(Killed, WhenItHasBeenWokenToTakeALockForWhichAnotherOneWaits) {
 #if defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "under the thread sanitizer the lock waits in another way";
@@ -127,9 +120,9 @@ TEST_F(Killed, WhenItHasBeenWokenToTakeALockForWhichAnotherOneWaits) {
         syscall(SYS_futex, object + kMutexAt, FUTEX_WAIT, word, nullptr);
         pause();
     });
-    waitUntilAsleep(victim);
+    waitUntilBlocked(victim);
     const pid_t other = startProcess([&] { QvSyncGuard<QvSharedSyncObject> guard(lock); });
-    waitUntilAsleep(other);
+    waitUntilBlocked(other);
     lock.unlock();  // wakes the victim
     lock.lock();
     killProcess(victim);

@@ -1,13 +1,7 @@
 #include "QvFramework/SharedMemory/QvSharedMemory.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <grp.h>
-#include <sched.h>
-#include <sys/mount.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstring>
 #include <functional>
@@ -19,50 +13,7 @@
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
 #include "tests/library/services/SharedState.h"
 #include "tests/support/Processes.h"
-
-// The linker sends the segments' system calls here (--wrap), where a test lets them fail.
-
-namespace {
-
-/** The error numbers that end a call's next invocations; 0 stands for the system's own result. */
-struct Faults {
-    const char* call;
-    std::array<int, 3> errors;
-};
-Faults gFaults = {"", {}};
-
-int takeFault(const char* call) {
-    if (std::strcmp(call, gFaults.call) != 0) return 0;
-    const int error = std::exchange(gFaults.errors[0], 0);
-    std::rotate(gFaults.errors.begin(), gFaults.errors.begin() + 1, gFaults.errors.end());
-    if (error != 0) errno = error;
-    return error;
-}
-
-}  // namespace
-
-#pragma GCC visibility push(default)
-extern "C" {
-int __real_shm_open(const char* name, int flags, mode_t mode);
-int __real_ftruncate(int fd, off_t length);
-int __real_posix_fallocate(int fd, off_t offset, off_t length);
-void* __real_mmap(void* address, std::size_t length, int protection, int flags, int fd, off_t offset);
-
-int __wrap_shm_open(const char* name, int flags, mode_t mode) {
-    return takeFault("shm_open") != 0 ? -1 : __real_shm_open(name, flags, mode);
-}
-int __wrap_ftruncate(int fd, off_t length) {
-    return takeFault("ftruncate") != 0 ? -1 : __real_ftruncate(fd, length);
-}
-int __wrap_posix_fallocate(int fd, off_t offset, off_t length) {
-    const int error = takeFault("posix_fallocate");
-    return error != 0 ? error : __real_posix_fallocate(fd, offset, length);
-}
-void* __wrap_mmap(void* address, std::size_t length, int protection, int flags, int fd, off_t offset) {
-    return takeFault("mmap") != 0 ? MAP_FAILED : __real_mmap(address, length, protection, flags, fd, offset);
-}
-}
-#pragma GCC visibility pop
+#include "tests/support/SystemFaults.h"
 
 namespace {
 
@@ -97,17 +48,6 @@ TEST_F(SharedMemory, FirstHolderCreatesTheObjectWithItsHeaderAndZeros) {
         holder.reset();
         EXPECT_EQ(contentsOf(segment.name), segment.contents) << "outlives its holder";
     }
-}
-
-TEST_F(SharedMemory, EveryHolderInEveryProcessSeesTheSameRecords) {
-    const Memory first(kTestSegment);
-    first.getData()[1] = 1;
-    expectInProcess([] {
-        const Memory inOtherProcess(kTestSegment);
-        EXPECT_EQ(std::exchange(inOtherProcess.getData()[1], 2), 1);
-    });
-    EXPECT_EQ(first.getData()[1], 2);
-    EXPECT_EQ(Memory(kTestSegment).getData()[1], 2);
 }
 
 TEST_F(SharedMemory, ModeDoesNotDependOnTheUmaskWhichStaysAsItWas) {
@@ -149,63 +89,6 @@ TEST_F(SharedMemory, ForeignKindOfObjectIsRefused) {
     std::filesystem::remove(objectPath(kTestSegment));
     std::filesystem::create_symlink("/dev/zero", objectPath(kTestSegment));
     expectUnmapped(kTestSegment, "mmap error\n");
-}
-
-constexpr int kNoRights = 77;
-
-/** Runs `work` in a process with a shared-memory directory of its own, mounted with these options. */
-void expectWithDirectory(const char* options, const std::function<void()>& work) {
-    const int code = exitCodeOf(startProcess([&] {
-        if (unshare(CLONE_NEWNS) != 0 || mount("tmpfs", "/dev/shm", "tmpfs", 0, options) != 0) _exit(kNoRights);
-        work();
-    }));
-    if (code == kNoRights) GTEST_SKIP() << "no right to mount or to become another user";
-    EXPECT_EQ(code, 0);
-}
-
-TEST_F(SharedMemory, FullFileSystemIsAnErrorAndNeverASignal) {
-    expectWithDirectory("size=64k,mode=1777", [] {
-        const QvSharedSyncObject lock(kLocationSegment);
-        createObject("filler", zeros(1 << 20));
-        const LogCapture log;
-        GPS_LOCATION_DATA_SHARE record;
-        EXPECT_FALSE(LocationDataMemory().read(&record));
-        EXPECT_THAT(textsOf(log),
-                    ElementsAre("ftruncate error\n", "mmap error\n", "LocationDataMemory::write() lpData = NULL\n",
-                                "LocationDataMemory::read() lpData = NULL\n"));
-        std::filesystem::remove(objectPath("filler"));
-        EXPECT_TRUE(LocationDataMemory().read(&record)) << "works as soon as there is memory again";
-    });
-}
-
-TEST_F(SharedMemory, MissingRightsAreAnError) {
-    expectWithDirectory("mode=0755", [] {
-        constexpr unsigned kNobody = 65534;
-        const Memory ours(kTestSegment);
-        if (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0) _exit(kNoRights);
-        expectUnmapped(kTestSegment, "mmap error\n");
-        expectUnmapped("QVSDK_TestNew", "shm_open error\n");
-    });
-}
-
-TEST_F(SharedMemory, HoldersLeaveNeitherDescriptorsNorMappings) {
-    createObject(kTestSegment, "short");
-    const auto useOnce = [] {
-        const LogCapture quiet;
-        const LocationDataMemory mapped;
-        const Memory unmapped(kTestSegment);
-    };
-    const auto inUse = [] {
-        std::ifstream maps("/proc/self/maps");
-        const auto lines = std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}) + lines;
-    };
-    useOnce();
-    const auto before = inUse();
-    for (int i = 0; i < 1000; ++i) {
-        useOnce();
-    }
-    EXPECT_LT(inUse(), before + 100) << "the heap may have grown a bit";
 }
 
 GPS_LOCATION_DATA_SHARE filled(unsigned char byte) {
@@ -253,20 +136,23 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
     };
     const std::string unmapped =
         "LocationDataMemory::write() lpData = NULL\nLocationDataMemory::read() lpData = NULL\n";
+    const auto descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+    LocationDataMemory();  // and its lock, which stays
+    const auto before = descriptors();
     for (const auto& row : cases) {
         SCOPED_TRACE(row.fault);
         FreshSegments::remove();
         if (row.isExisting) LocationDataMemory();
         GPS_LOCATION_DATA_SHARE record;
         const LogCapture log;
-        gFaults = row.faults;
+        letFail(row.faults);
         record = filled(0x5A);
         const bool isRead = LocationDataMemory().read(&record);
         EXPECT_EQ(isRead, row.texts.empty());
         EXPECT_TRUE(isRead || bytesOf(record) == bytesOf(filled(0x5A))) << "left alone";
-        EXPECT_EQ(gFaults.errors, (std::array<int, 3>{})) << "called as often as it was to fail";
-        gFaults = {"", {}};
+        EXPECT_TRUE(areAllFaultsTaken()) << "called as often as it was to fail";
         EXPECT_TRUE(LocationDataMemory().read(&record)) << "the next holder works";
+        EXPECT_EQ(descriptors(), before);
         const Texts texts = textsOf(log);
         EXPECT_EQ(std::accumulate(texts.begin(), texts.end(), std::string()),
                   row.texts.empty() ? "" : row.texts + unmapped);

@@ -1,5 +1,5 @@
-#ifndef TESTS_LIBRARY_CONTROLLER_THREAD_STATE_H
-#define TESTS_LIBRARY_CONTROLLER_THREAD_STATE_H
+#ifndef TESTS_SUPPORT_THREAD_STATE_H
+#define TESTS_SUPPORT_THREAD_STATE_H
 
 #include <sys/types.h>
 
@@ -7,10 +7,10 @@
 #include <string>
 #include <thread>
 
-/** Returns when a thread of this process sleeps in the kernel, or has ended. */
+/** Returns when a thread of any process sleeps in the kernel, or has ended. */
 inline void waitUntilBlocked(pid_t thread) {
     for (;;) {
-        std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+        std::ifstream file("/proc/" + std::to_string(thread) + "/stat");
         std::string text;
         std::getline(file, text);
         const std::size_t state = text.rfind(") ");
