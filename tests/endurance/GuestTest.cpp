@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "tests/endurance/Endurance.h"
-#include "tests/library/services/Processes.h"
+#include "tests/support/Processes.h"
 
 // The service as the guest of a process that knows nothing of it, brought along by a client that is loaded.
 

@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -58,15 +56,6 @@ TEST(SingletonFinalizer, RunsEveryFunctionOnceNewestFirst) {
     QvSingletonFinalizer::finalize();
     QvSingletonFinalizer::finalize();
     EXPECT_EQ(gOrder, "bca");
-}
-
-TEST(SingletonFinalizer, RunsAtProcessExitAfterAnEarlierFinalize) {
-    const auto exitNormally = [] {
-        QvSingletonFinalizer::finalize();
-        QvSingletonFinalizer::addDestroyFunc([] { std::fputs("ended", stderr); });
-        std::exit(0);
-    };
-    EXPECT_EXIT(exitNormally(), testing::ExitedWithCode(0), "^ended$");
 }
 
 }  // namespace

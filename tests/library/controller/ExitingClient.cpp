@@ -24,10 +24,7 @@ std::atomic<pid_t> receiver{0};  // the receive thread, once it has been seen
 std::atomic<bool> isDelivering{false};
 std::atomic<bool> isLeaving{false};
 
-class Client : public GpsNmeaListener,
-               public GpsLocationDataListener,
-               public GpsVersionListener,
-               public GpsConnectionListener {
+class Client : public GpsNmeaListener, public GpsLocationDataListener, public GpsConnectionListener {
 public:
     ~Client() override {
         Gps* const gps = Gps::GetInstance();  // a fresh one, when the service has gone first
@@ -55,7 +52,6 @@ public:
         isDelivering.notify_all();
     }
 
-    void notifyGpsVersionInfo(const char*, unsigned int) override { std::exit(kStatus); }
     void notifyGpsConnectionStatus(GpsConnectionStatus) override { exitWhileReceiverWaits(); }
 
 private:
@@ -91,10 +87,6 @@ int main(int, char** arguments) {
     }).detach();
     receiver.wait(0);
     if (scene == "statics-first" || scene == "service-first") return kStatus;
-    if (scene == "version") {
-        gps->registerGpsVersionListener(&listener);
-        gps->requestGpsVersionInfo();
-    }
     if (scene == "first-status") {
         isDelivering.wait(false);
         gps->registerGpsConnectionListener(&listener);

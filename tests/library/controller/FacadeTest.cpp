@@ -79,8 +79,7 @@ TEST_F(Facade, isOneInstanceForAllThreadsUntilTheFinalizerRuns) {
 }
 
 TEST(ProcessExit, isCleanFromAnywhereWhileSentencesComeIn) {
-    for (const char* scene :
-         {"statics-first", "service-first", "receive", "unregistering", "worker", "version", "first-status"}) {
+    for (const char* scene : {"statics-first", "service-first", "receive", "unregistering", "worker", "first-status"}) {
         Child client({QVGPS_EXITING_CLIENT, scene});
         EXPECT_EQ(client.end(), 7) << scene;
         EXPECT_THAT(client.all(), testing::EndsWith("the last of the client\n")) << scene;

@@ -229,28 +229,4 @@ TEST_F(ControllersWorker, deliversInTheCycleInWhichARecordIsDue) {
     EXPECT_EQ(publishAndCycle(4000), told);
 }
 
-TEST_F(ControllersWorker, survivesAListenerThatBreaksTheRuleAndUnregistersFromInside) {
-    std::promise<void> left;
-    mListener.setHook([&] {
-        EXPECT_TRUE(mController->unRegisterGpsLocationDataListener(&mListener));
-        left.set_value();
-    });
-    mController->setLocationData(&kNowhere);
-    mController->registerGpsLocationDataListener(&mListener);
-    std::future<void> leaving = left.get_future();
-    expectDone(leaving, "the unregistration");
-
-    std::promise<void> told;
-    mOther.setHook([&, calls = 0]() mutable {
-        if (++calls == 4) told.set_value();
-    });
-    EXPECT_TRUE(mController->registerGpsLocationDataListener(&mOther));
-    std::future<void> telling = told.get_future();
-    expectDone(telling, "the next listener");
-    EXPECT_TRUE(mController->unRegisterGpsLocationDataListener(&mOther));
-    EXPECT_EQ(mOther.take(), toldBy({"other"}, kLocationTold));
-    EXPECT_THAT(mListener.take(), ElementsAre("L:location's RMC")) << "it is not told the rest";
-    EXPECT_THAT(mLog.texts(), IsEmpty());
-}
-
 }  // namespace

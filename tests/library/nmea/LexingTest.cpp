@@ -52,12 +52,6 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
 
 TEST(Helpers, SplitAndConvertAsTheParsersDo) {
     Manager m;
-    double value = 0, minutes = 0;
-    int degrees = 0;
-    EXPECT_TRUE(m.parseCoordinate("3539.5", m.IDENTIFIER_LATITUDE, &value, &degrees, &minutes));
-    EXPECT_EQ(std::tuple(value, degrees, minutes), std::tuple(3539.5, 35, 39.5));
-    EXPECT_TRUE(m.parseCoordinate("13942.5", m.IDENTIFIER_LONGITUDE, &value, &degrees, &minutes));
-    EXPECT_EQ(std::tuple(value, degrees, minutes), std::tuple(13942.5, 139, 42.5));
     unsigned short year = 0, month = 0, day = 0, hour = 0, second = 0;
     EXPECT_TRUE(m.divideDate("160902", &year, &month, &day) && year == 2 && month == 9 && day == 16);
     EXPECT_TRUE(m.divideTime("1234.56", &hour, nullptr, &second, nullptr) && hour == 12 && second == 34);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <linux/futex.h>
 #include <sys/mman.h>
+#include <sys/ptrace.h>
 #include <sys/resource.h>
 
 #include <atomic>
@@ -18,15 +19,13 @@
 #include <vector>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
-#include "Gps/private/GpsController.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
-#include "GpsHal/GpsHalMemoryLink.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/endurance/Endurance.h"
 #include "tests/library/services/MemoryReceiver.h"
-#include "tests/library/services/Processes.h"
 #include "tests/library/services/SharedState.h"
+#include "tests/support/Processes.h"
 #include "tests/support/ThreadState.h"
 
 // Processes that die at any instruction must neither stop the others nor leave them half a record.
@@ -52,6 +51,51 @@ unsigned wholeRecordIn(const LocationDataMemory& memory) {
     EXPECT_EQ(std::memcmp(&record, &whole, sizeof(record)), 0) << "torn";
     return record.UpdateCounter;
 }
+
+/** A process that does `work` step by step. It dies where it stands, with this object at the latest. */
+class SteppedProcess {
+public:
+    /** Where the system lets no process be traced, no process can be stepped. */
+    static bool isPossible() {
+        return exitCodeOf(startProcess([] { EXPECT_EQ(ptrace(PTRACE_TRACEME, 0, nullptr, nullptr), 0); })) == 0;
+    }
+
+    template <class Work>
+    explicit SteppedProcess(Work work)
+        : mPid(startProcess([&] {
+              ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+              raise(SIGSTOP);
+              work();
+              raise(SIGSTOP);
+          })) {
+        waitpid(mPid, nullptr, 0);
+    }
+    ~SteppedProcess() { kill(); }
+    SteppedProcess(const SteppedProcess&) = delete;
+    SteppedProcess& operator=(const SteppedProcess&) = delete;
+
+    bool isAtWork() const { return mIsAtWork; }
+    /** Goes on until it has made that many system calls. */
+    void makeSystemCalls(unsigned count) { resume(PTRACE_SYSCALL, 2 * count); }  // it stops before and after each
+    void execute(unsigned instructions) { resume(PTRACE_SINGLESTEP, instructions); }
+    void kill() {
+        if (mPid != 0) killProcess(mPid);
+        mPid = 0;
+    }
+
+private:
+    void resume(__ptrace_request request, unsigned times) {
+        for (unsigned done = 0; done < times && mIsAtWork; ++done) {
+            int status = 0;
+            ptrace(request, mPid, nullptr, nullptr);
+            waitpid(mPid, &status, 0);
+            mIsAtWork = WIFSTOPPED(status) && WSTOPSIG(status) == SIGTRAP;
+        }
+    }
+
+    pid_t mPid;
+    bool mIsAtWork = true;
+};
 
 class Killed : public testing::Test {
 protected:
@@ -198,28 +242,6 @@ void workUntilKilled() {
     }
 }
 
-class Listener : public GpsNmeaListener, public GpsLocationDataListener, public GpsSettingListener {};
-
-/** Is a whole client, with its threads: receives, sets, and comes and goes for locations. */
-void serveUntilKilled() {
-    QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);
-    for (;;) {
-        auto [link, peer] = GpsHalMemoryLink::makePair();
-        GpsHal::setLink(std::move(link));
-        GpsController controller;
-        Listener listener;
-        controller.registerGpsNmeaListener(&listener, GEODETIC_SYSTEM_TOKYO);
-        controller.registerGpsSettingListener(&listener);
-        controller.registerGpsLocationDataListener(&listener);
-        for (int i = 0; i < 20; ++i) {
-            controller.requestGpsSetting(GPS_SETTING_DATUM_TOKYO);
-            peer->send("$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n$GPZDA,123519.00,16,11,2026,00,00*6A\r\n");
-            peer->waitUntilRead(1000);
-        }
-        controller.unRegisterGpsLocationDataListener(&listener);
-    }
-}
-
 /** What the survivors of the test below and their parent tell each other. */
 struct Progress {
     std::atomic<bool> isEnding{false};
@@ -274,7 +296,7 @@ TEST_F(Killed, AtRandomPointsWhileTheOthersGoOn) {
     unsigned kills = 0;
     for (const auto end = endOfStorm(); !isOver(end) && !HasFailure(); ++kills) {
         while (victims.size() < kVictims) {
-            victims.push_back(startProcess(random() % 2 == 0 ? workUntilKilled : serveUntilKilled));
+            victims.push_back(startProcess(workUntilKilled));
         }
         for (unsigned left = operations(random); left > 0; --left, ++operationsHere) {
             here.operate();

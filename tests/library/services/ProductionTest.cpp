@@ -46,22 +46,6 @@ TEST(ProductionRequest, IsAnsweredEvenBeforeSendingHasReturned) {
     EXPECT_THAT(listener.told, ElementsAre("mode yes", "check yes"));
 }
 
-TEST(ProductionAnswer, ThatIsNoneEndsTheWaiting) {
-    GpsProductionManager manager;
-    Listener listener;
-    for (const std::string& frame : {ubxFrame(5, 2, "12"), ubxFrame(6, 1, "12"), "\xB5\x62\5"s, "\xB5\x63\5\1"s}) {
-        manager.setRequestType(REQUEST_TYPE_START_PRODUCTION_CHECK);
-        const LogCapture log;
-        const std::vector<char> exact(frame.begin(), frame.end());
-        const auto length = static_cast<unsigned>(exact.size());
-        EXPECT_FALSE(manager.switchGpsProductionResponse(exact.data(), length, &listener));
-        EXPECT_EQ(manager.getRequestType(), REQUEST_TYPE_NONE);
-        EXPECT_THAT(textsOf(log),
-                    ElementsAre("GpsProductionManager::switchGpsProductionResponse() unknown response\n"));
-    }
-    EXPECT_THAT(listener.told, IsEmpty());
-}
-
 TEST(ProductionAnswer, OddArgumentsAndTypesChangeNothing) {
     GpsProductionManager manager;
     manager.setRequestType(REQUEST_TYPE_START_PRODUCTION_CHECK);

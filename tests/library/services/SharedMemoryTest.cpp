@@ -77,20 +77,6 @@ TEST_F(SharedMemory, ObjectThatExistsIsFinishedUsedOrRefusedByItsLength) {
     }
 }
 
-void expectUnmapped(const char* name, const char* text) {
-    const LogCapture log;
-    EXPECT_EQ(Memory(name).getData(), nullptr);
-    EXPECT_EQ(log.texts().back(), text);
-}
-
-TEST_F(SharedMemory, ForeignKindOfObjectIsRefused) {
-    std::filesystem::create_directory(objectPath(kTestSegment));
-    expectUnmapped(kTestSegment, "mmap error\n");
-    std::filesystem::remove(objectPath(kTestSegment));
-    std::filesystem::create_symlink("/dev/zero", objectPath(kTestSegment));
-    expectUnmapped(kTestSegment, "mmap error\n");
-}
-
 GPS_LOCATION_DATA_SHARE filled(unsigned char byte) {
     GPS_LOCATION_DATA_SHARE record;
     std::memset(static_cast<void*>(&record), byte, sizeof(record));
@@ -129,7 +115,6 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
         {"sizing failed", false, {"ftruncate", {EIO}}, "ftruncate error\nmmap error\n"},
         {"sizing interrupted", false, {"ftruncate", {EINTR, EINTR}}, ""},
         {"no memory", false, {"posix_fallocate", {ENOSPC}}, "ftruncate error\nmmap error\n"},
-        {"no memory behind an old object", true, {"posix_fallocate", {ENOSPC}}, "ftruncate error\nmmap error\n"},
         {"reserving interrupted", true, {"posix_fallocate", {EINTR, EINTR}}, ""},
         {"mapping failed", false, {"mmap", {ENOMEM}}, "mmap error\n"},
         {"mapping of an old object failed", true, {"mmap", {ENOMEM}}, "mmap error\n"},
