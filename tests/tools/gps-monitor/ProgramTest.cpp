@@ -76,9 +76,31 @@ TEST_F(WithAReceiver, AMonitorOfTokyoHearsItBeforeItReportsTokyo) {
     EXPECT_THAT(monitor.all(), HasSubstr("\nsummary notifyReceiveNmeaSentence=0 notifyParseNmeaSentence=0 "));
 }
 
-termios settingsOf(const Child& child) {
+TEST(AReceiverAtAnotherSpeed, IsNoiseOfWhichNothingIsTold) {
+    Child receiver({RECEIVER_SIM, "--baud", "38400", "--rate", "5"});
+    std::string device = receiver.until("\n");
+    device.pop_back();
+    Monitor deaf({"--plain", "--device", device, "--seconds", "2"});
+    deaf.expect({"summary notifyReceiveNmeaSentence=0 "});
+    EXPECT_EQ(deaf.end(), 0);
+    Monitor hearing({"--plain", "--device", device, "--baud", "38400"});
+    hearing.expect({"\nnotifyParseNmeaSentence "});
+    EXPECT_EQ(hearing.end(SIGTERM), 0);
+}
+
+termios settingsOf(int terminal) {
     termios settings{};
-    tcgetattr(child.descriptor(), &settings);
+    tcgetattr(terminal, &settings);
+    return settings;
+}
+
+/** As every terminal has them before a program has changed them. */
+termios settingsOfANewTerminal() {
+    int ends[2] = {-1, -1};
+    openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr);
+    const termios settings = settingsOf(ends[0]);
+    close(ends[0]);
+    close(ends[1]);
     return settings;
 }
 
@@ -89,12 +111,12 @@ TEST(OnATerminal, ItIsLeftCleanHoweverTheProgramEnds) {
     } cases[] = {{"q", 0}, {"\x03", 0}, {"\x1C", 0}, {"", SIGINT}, {"", SIGTERM}, {"", SIGHUP}};
     for (const auto& [keys, signal] : cases) {
         Monitor monitor({}, Child::On::terminal);
-        const termios before = settingsOf(monitor);
+        const termios before = settingsOfANewTerminal();
         monitor.expect({"\x1B[?1049h", "quit"});
         monitor.send(keys);
         EXPECT_EQ(monitor.end(signal), 0) << keys << signal;
         monitor.expect({"\x1B[?1049l", "summary notifyReceiveNmeaSentence="});
-        const termios after = settingsOf(monitor);
+        const termios after = settingsOf(monitor.descriptor());
         EXPECT_EQ(std::memcmp(&before, &after, sizeof(before)), 0) << keys << signal;
     }
 }

@@ -178,16 +178,17 @@ bool GpsProductionManager::requestFinishGpsProductionCheck() {
                        "GpsProductionManager::requestFinishGpsProductionCheck() : requestGpsReset() = false\n");
 }
 
+// Nobody is told an answer to these two, not even one that comes before the bytes are known to have left.
+
 bool GpsProductionManager::requestGpsReset() {
-    const bool isSent = send(mpGpsHal, kReset);
     mRequestType = REQUEST_TYPE_NONE;
-    return isSent || log.failure("requestGpsReset", "GpsProductionManager::requestGpsReset() : sendData() = false\n");
+    return send(mpGpsHal, kReset) ||
+           log.failure("requestGpsReset", "GpsProductionManager::requestGpsReset() : sendData() = false\n");
 }
 
 bool GpsProductionManager::requestGpsColdStart() {
-    const bool isSent = send(mpGpsHal, kColdStart);
     mRequestType = REQUEST_TYPE_NONE;
-    return isSent ||
+    return send(mpGpsHal, kColdStart) ||
            log.failure("requestGpsColdStart", "GpsProductionManager::requestGpsColdStart() : sendData() = false\n");
 }
 
