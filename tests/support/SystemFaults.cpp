@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <mutex>
@@ -20,9 +21,12 @@ constexpr std::size_t kEventSize = 8;
 
 constinit std::mutex gMutex;
 constinit Faults gFaults = {"", {}};
+// Some calls come from a sanitizer's start, before any lock works: this file is built without sanitizers, too.
+constinit std::atomic<bool> gIsArmed = false;
 
 /** Sets errno when the call is to fail. */
 int takeFault(const char* call) {
+    if (!gIsArmed) return 0;
     const std::lock_guard guard(gMutex);
     if (std::strcmp(call, gFaults.call) != 0) return 0;
     const int error = std::exchange(gFaults.errors[0], 0);
@@ -36,6 +40,7 @@ int takeFault(const char* call) {
 void letFail(const Faults& faults) {
     const std::lock_guard guard(gMutex);
     gFaults = faults;
+    gIsArmed = true;
 }
 
 bool areAllFaultsTaken() {
