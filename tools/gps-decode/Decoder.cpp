@@ -1,8 +1,8 @@
 #include "tools/gps-decode/Decoder.h"
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
-#include "Gps/private/GpsReceiveRules.h"
 #include "Gps/private/NMEA/SentenceDelivery.h"
+#include "Gps/private/Support/GpsReceiveRules.h"
 
 namespace decode {
 

@@ -1,11 +1,11 @@
 #ifndef GPS_MONITOR_MONITOR_H
 #define GPS_MONITOR_MONITOR_H
 
-#include "tools/gps-monitor/Model.h"
 #include "tools/gps-monitor/Options.h"
-#include "tools/gps-monitor/PlainWriter.h"
-#include "tools/gps-monitor/Signals.h"
-#include "tools/gps-monitor/Terminal.h"
+#include "tools/gps-monitor/model/Model.h"
+#include "tools/gps-monitor/terminal/Signals.h"
+#include "tools/gps-monitor/terminal/Terminal.h"
+#include "tools/gps-monitor/view/PlainWriter.h"
 
 namespace monitor {
 

@@ -1,8 +1,8 @@
 #include "tools/gps-monitor/Options.h"
 
 #include "tools/common/CommandLine.h"
-#include "tools/gps-monitor/Keys.h"
-#include "tools/gps-monitor/Names.h"
+#include "tools/gps-monitor/model/Names.h"
+#include "tools/gps-monitor/terminal/Keys.h"
 
 namespace monitor {
 

@@ -2,7 +2,7 @@
 #include <signal.h>
 
 #include "tools/gps-monitor/Monitor.h"
-#include "tools/gps-monitor/Session.h"
+#include "tools/gps-monitor/session/Session.h"
 
 namespace monitor {
 

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 
-#include "tools/gps-monitor/Keys.h"
 #include "tools/gps-monitor/Monitor.h"
-#include "tools/gps-monitor/Session.h"
-#include "tools/gps-monitor/View.h"
+#include "tools/gps-monitor/session/Session.h"
+#include "tools/gps-monitor/terminal/Keys.h"
+#include "tools/gps-monitor/view/View.h"
 
 namespace monitor {
 

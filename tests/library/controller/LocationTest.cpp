@@ -2,7 +2,7 @@
 #include <cmath>
 #include <limits>
 
-#include "Gps/private/LocationPipeline.h"
+#include "Gps/private/Location/LocationPipeline.h"
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/ScratchDirectory.h"
 

@@ -1,10 +1,10 @@
-#include "tools/gps-monitor/MonitorState.h"
+#include "tools/gps-monitor/model/MonitorState.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "tools/gps-monitor/LinkStatus.h"
+#include "tools/gps-monitor/model/LinkStatus.h"
 
 namespace monitor {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/gps-monitor/PlainWriter.h"
+#include "tools/gps-monitor/view/PlainWriter.h"
 
 #include <gtest/gtest.h>
 

@@ -1,13 +1,13 @@
-#include "tools/gps-monitor/Text.h"
+#include "tools/gps-monitor/view/Text.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <limits>
 
-#include "tools/gps-monitor/Coordinates.h"
-#include "tools/gps-monitor/Names.h"
-#include "tools/gps-monitor/NmeaPosition.h"
+#include "tools/gps-monitor/model/Coordinates.h"
+#include "tools/gps-monitor/model/Names.h"
+#include "tools/gps-monitor/model/NmeaPosition.h"
 
 namespace monitor {
 namespace {

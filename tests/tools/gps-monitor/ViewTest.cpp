@@ -1,10 +1,10 @@
-#include "tools/gps-monitor/View.h"
+#include "tools/gps-monitor/view/View.h"
 
 #include <gmock/gmock.h>
 
 #include "tests/support/ScratchDirectory.h"
-#include "tools/gps-monitor/Canvas.h"
-#include "tools/gps-monitor/Layout.h"
+#include "tools/gps-monitor/view/Canvas.h"
+#include "tools/gps-monitor/view/Layout.h"
 
 namespace monitor {
 namespace {

@@ -6,10 +6,10 @@
 #include <atomic>
 #include <thread>
 
-#include "Gps/private/GpsListenerGates.h"
-#include "Gps/private/GpsListenerList.h"
-#include "Gps/private/ListenerRegistry.h"
-#include "Gps/private/LocationPipeline.h"
+#include "Gps/private/Listeners/GpsListenerGates.h"
+#include "Gps/private/Listeners/GpsListenerList.h"
+#include "Gps/private/Listeners/ListenerRegistry.h"
+#include "Gps/private/Location/LocationPipeline.h"
 #include "QvFramework/Foundation/QvEvent.h"
 #include "QvFramework/Foundation/QvObserver.h"
 #include "QvFramework/Foundation/QvSync.h"

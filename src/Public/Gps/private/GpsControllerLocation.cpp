@@ -1,10 +1,10 @@
 #include <cstring>
 
-#include "Gps/private/DegreesMinutes.h"
 #include "Gps/private/GpsController.h"
 #include "Gps/private/GpsControllerGuard.h"
 #include "Gps/private/GpsControllerLog.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
+#include "Gps/private/Support/DegreesMinutes.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
 namespace {

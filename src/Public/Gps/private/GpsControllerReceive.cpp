@@ -3,11 +3,11 @@
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/GpsController.h"
 #include "Gps/private/GpsControllerLog.h"
-#include "Gps/private/GpsReceiveRules.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
 #include "Gps/private/NMEA/SentenceDelivery.h"
 #include "Gps/private/Production/GpsProductionManager.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
+#include "Gps/private/Support/GpsReceiveRules.h"
 #include "Gps/private/Version/GpsVersionManager.h"
 
 namespace {

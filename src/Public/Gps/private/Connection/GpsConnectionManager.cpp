@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "Gps/private/GpsLog.h"
+#include "Gps/private/Support/GpsLog.h"
 #include "GpsHal/GpsHal.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 

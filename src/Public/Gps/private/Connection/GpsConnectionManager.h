@@ -3,7 +3,7 @@
 
 #include <atomic>
 
-#include "Gps/private/GpsListenerList.h"
+#include "Gps/private/Listeners/GpsListenerList.h"
 #include "QvFramework/SharedMemory/QvSharedMemory.h"
 
 class GpsHal;

@@ -1,8 +1,8 @@
 #include <cmath>
 
-#include "Gps/private/DegreesMinutes.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
 #include "Gps/private/NMEA/SentenceText.h"
+#include "Gps/private/Support/DegreesMinutes.h"
 
 // Three-parameter datum shift through Earth-centred Cartesian coordinates. The way back is Bowring's closed formula
 // (B. R. Bowring, "Transformation from spatial to geographical coordinates", Survey Review 181, 1976), one step: its

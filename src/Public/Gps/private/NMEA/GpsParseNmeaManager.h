@@ -1,7 +1,7 @@
 #ifndef GPS_PRIVATE_NMEA_GPS_PARSE_NMEA_MANAGER_H
 #define GPS_PRIVATE_NMEA_GPS_PARSE_NMEA_MANAGER_H
 
-#include "Gps/private/GpsListenerList.h"
+#include "Gps/private/Listeners/GpsListenerList.h"
 
 struct Recipients;
 namespace sentence_text {

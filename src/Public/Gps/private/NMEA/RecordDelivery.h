@@ -1,8 +1,8 @@
 #ifndef GPS_PRIVATE_NMEA_RECORD_DELIVERY_H
 #define GPS_PRIVATE_NMEA_RECORD_DELIVERY_H
 
-#include "Gps/private/GpsListenerList.h"
-#include "Gps/private/GpsReceiveRules.h"
+#include "Gps/private/Listeners/GpsListenerList.h"
+#include "Gps/private/Support/GpsReceiveRules.h"
 
 /** To whom parsed records go, and by which datum rule. */
 struct Recipients {

@@ -3,9 +3,9 @@
 
 #include <string_view>
 
-#include "Gps/private/GpsListenerList.h"
-#include "Gps/private/GpsReceiveRules.h"
+#include "Gps/private/Listeners/GpsListenerList.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/Support/GpsReceiveRules.h"
 
 /**
  * Hands a raw sentence to one listener in its datum; one that cannot be served is left out.

@@ -3,9 +3,9 @@
 
 #include <string_view>
 
-#include "Gps/private/GpsLog.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
 #include "Gps/private/NMEA/NumberText.h"
+#include "Gps/private/Support/GpsLog.h"
 
 /** The text of sentences: framing, kinds and fields. Shared by parsing and rewriting. */
 namespace sentence_text {

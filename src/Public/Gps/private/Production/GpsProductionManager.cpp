@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "Gps/private/GpsListenerList.h"
-#include "Gps/private/GpsLog.h"
+#include "Gps/private/Listeners/GpsListenerList.h"
+#include "Gps/private/Support/GpsLog.h"
 #include "GpsHal/GpsHal.h"
 
 namespace {

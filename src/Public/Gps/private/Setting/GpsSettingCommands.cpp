@@ -2,8 +2,8 @@
 #include <iterator>
 #include <string_view>
 
-#include "Gps/private/GpsLog.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
+#include "Gps/private/Support/GpsLog.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-#include "Gps/private/GpsLog.h"
+#include "Gps/private/Support/GpsLog.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
 namespace {

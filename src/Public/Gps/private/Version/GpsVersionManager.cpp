@@ -1,7 +1,7 @@
 #include "Gps/private/Version/GpsVersionManager.h"
 
-#include "Gps/private/GpsListenerList.h"
-#include "Gps/private/GpsLog.h"
+#include "Gps/private/Listeners/GpsListenerList.h"
+#include "Gps/private/Support/GpsLog.h"
 #include "GpsHal/GpsHal.h"
 
 namespace {

@@ -1,0 +1,73 @@
+#include "Gps/private/Location/LocationPipeline.h"
+
+#include <cstdint>
+#include <limits>
+
+#include "Gps/private/GpsControllerLog.h"
+
+namespace {
+
+constexpr char kFunction[] = "MainProc";
+
+constexpr int kIntervalMs = 999;     // a delivery is due when more than this has passed
+constexpr int kHurryMs = 100;        // taken off per poll while a backlog waits
+constexpr int kLargestAdjustMs = 5;  // reached one by one while nothing waits
+constexpr int kSmallestAdjustMs = std::numeric_limits<int>::min() + kHurryMs;  // reached after weeks of backlog
+
+std::int64_t elapsedMs(const timeval& from, const timeval& to) {
+    std::int64_t seconds = to.tv_sec - from.tv_sec;
+    std::int64_t microseconds = to.tv_usec - from.tv_usec;
+    if (microseconds < 0) {
+        microseconds += 1000000;
+        --seconds;
+    }
+    return seconds * 1000 + microseconds / 1000;
+}
+
+}  // namespace
+
+void LocationPipeline::reset(const timeval& now) {
+    mOldest = 0;
+    mWaiting = 0;
+    mLastUpdateCounter = 0;
+    mLastNotifyTime = now;
+    mIntervalAdjust = 0;
+}
+
+bool LocationPipeline::take(const GPS_LOCATION_DATA_SHARE& record) {
+    const unsigned int last = mLastUpdateCounter;
+    if (record.UpdateCounter <= last) return false;
+    if (last != 0 && record.UpdateCounter - last >= 2) {
+        QvDbgOutput::DbgPrint(controllerLog.source(), kFunction, __LINE__, GpsLog::TAG, "- Gps - DATA DROP %d->%d \n",
+                              static_cast<int>(last), static_cast<int>(record.UpdateCounter));
+    }
+    if (mWaiting == QUEUE_MAX) {
+        controllerLog(kFunction, "- Gps - QUEUE IS FULL \n");
+        dropOldest();
+    }
+    mLocationQueue[(mOldest + mWaiting) % QUEUE_MAX] = record;
+    ++mWaiting;
+    mLastUpdateCounter = record.UpdateCounter;
+    return true;
+}
+
+bool LocationPipeline::isDue(const timeval& now) {
+    if (mWaiting == 0) {
+        if (mIntervalAdjust < kLargestAdjustMs) ++mIntervalAdjust;
+        return false;
+    }
+    if (mWaiting >= 2 && mIntervalAdjust >= kSmallestAdjustMs) mIntervalAdjust -= kHurryMs;
+    const std::int64_t elapsed = elapsedMs(mLastNotifyTime, now);
+    const bool isClockSetBack = elapsed < 0;
+    return isClockSetBack || elapsed > mIntervalAdjust + kIntervalMs;
+}
+
+void LocationPipeline::pop(GPS_LOCATION_DATA_SHARE& record) {
+    record = mLocationQueue[mOldest];
+    dropOldest();
+}
+
+void LocationPipeline::dropOldest() {
+    mOldest = (mOldest + 1) % QUEUE_MAX;
+    --mWaiting;
+}

@@ -1,0 +1,17 @@
+#ifndef GPS_MONITOR_EXAMPLE_LOCATION_H
+#define GPS_MONITOR_EXAMPLE_LOCATION_H
+
+#include "Gps/GpsLocationRecords.h"
+#include "tools/gps-monitor/model/MonitorState.h"
+
+namespace monitor {
+
+/**
+ * A location to publish: what the receiver told last, with an example position while it has no fix, and a PASCD block
+ * that is easy to recognise at the receiving end.
+ */
+GPS_LOCATION_SYNC_DATA makeLocation(const MonitorState& state);
+
+}  // namespace monitor
+
+#endif

@@ -1,0 +1,30 @@
+#ifndef GPS_MONITOR_LINK_STATUS_H
+#define GPS_MONITOR_LINK_STATUS_H
+
+#include <optional>
+#include <string>
+
+#include "tools/gps-monitor/model/MonitorState.h"
+
+namespace monitor {
+
+enum class Health { good, unsure, bad };
+
+/** Whether the receiver is heard, in words. */
+struct LinkStatus {
+    Health health;
+    std::string text;
+};
+
+struct LinkFacts {
+    std::string device;                             ///< path of the receiver's device; empty when none is named
+    std::string startMessage;                       ///< what was logged last while the library started
+    Clock::time_point start;                        ///< when that was
+    std::optional<Clock::time_point> lastSentence;  ///< when the receiver was last heard
+};
+
+LinkStatus linkStatus(const LinkFacts& facts, Clock::time_point now);
+
+}  // namespace monitor
+
+#endif

@@ -1,0 +1,80 @@
+#ifndef GPS_MONITOR_LISTENERS_H
+#define GPS_MONITOR_LISTENERS_H
+
+#include <string>
+
+#include "Gps/GpsListeners.h"
+#include "tools/gps-monitor/model/Model.h"
+#include "tools/gps-monitor/view/PlainWriter.h"
+
+namespace monitor {
+
+/** Listens to everything: writes a line for every notification when there is a writer, and keeps the model current. */
+class Listeners : public GpsNmeaListener,
+                  public GpsParseNmeaListener,
+                  public GpsLocationDataListener,
+                  public GpsVersionListener,
+                  public GpsConnectionListener,
+                  public GpsSettingListener,
+                  public GpsProductionListener {
+public:
+    /** @param writer may be null; both must outlive this object */
+    Listeners(Model& model, PlainWriter* writer) : mModel(model), mWriter(writer) {}
+
+    void notifyReceiveNmeaSentence(const char* sentence, unsigned int length) override;
+
+    void notifyParseNmeaSentence(const PARSE_NMEA* record) override;
+    void notifyParseGgaSentence(const GPGGA* record) override;
+    void notifyParseGllSentence(const GPGLL* record) override;
+    void notifyParseGsaSentence(const GPGSA* record) override;
+    void notifyParseGsvSentence(const GPGSV* record) override;
+    void notifyParseRmcSentence(const GPRMC* record) override;
+    void notifyParseVtgSentence(const GPVTG* record) override;
+    void notifyParseZdaSentence(const GPZDA* record) override;
+    void notifyParsePubxSentence(const PUBX* record) override;
+
+    void notifyLocationData(const LOCATION_DATA* record) override;
+    void notifyRmcData(const GPRMC* record) override;
+    void notifyGgaData(const GPGGA* record) override;
+    void notifyPascdData(const PASCD* record) override;
+
+    void notifyGpsVersionInfo(const char* version, unsigned int length) override;
+    void notifyGpsConnectionStatus(GpsConnectionStatus status) override;
+    void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override;
+
+    void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged) override;
+    void notifyStartGpsProductionCheckResponse(bool acknowledged) override;
+    void notyfyGpsColdStartRequestResponse(bool acknowledged) override;
+    void notifyReceiveGpsProductionData(const PRODUCTION_DATA* record) override;
+    void notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA* record) override;
+
+private:
+    /** `text` follows the notification's name in the line; `change` is made to the model. */
+    template <class Change>
+    void told(Notification notification, const std::string& text, Change change);
+    template <class Record, class Change>
+    void toldRecord(Notification notification, const Record& record, Change change);
+    /** The answer to the request of that name; `subject` follows it in the line. */
+    void toldAnswer(Notification notification, bool acknowledged, std::string_view request,
+                    const std::string& subject = "");
+    template <class Record>
+    void toldCheckResult(Notification notification, const Record& record);
+
+    Model& mModel;
+    PlainWriter* mWriter;
+};
+
+/** Hears the raw sentences in a second datum: keeps the position in it, and that the receiver is heard. */
+class OtherDatumListener : public GpsNmeaListener {
+public:
+    explicit OtherDatumListener(Model& model) : mModel(model) {}
+
+    void notifyReceiveNmeaSentence(const char* sentence, unsigned int length) override;
+
+private:
+    Model& mModel;
+};
+
+}  // namespace monitor
+
+#endif

@@ -1,0 +1,65 @@
+#ifndef GPS_MONITOR_REQUESTER_H
+#define GPS_MONITOR_REQUESTER_H
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <queue>
+#include <thread>
+
+#include "Gps/Gps.h"
+#include "tools/gps-monitor/model/Model.h"
+#include "tools/gps-monitor/view/PlainWriter.h"
+
+namespace monitor {
+
+/**
+ * Makes requests of the library one after another on a thread of its own, so that neither sending nor waiting for an
+ * answer holds up anybody. What becomes of them is told to the model, and to the writer when there is one.
+ *
+ * All operations return at once. The destructor drops what has not been started.
+ */
+class Requester {
+public:
+    Requester(Gps& gps, Model& model, PlainWriter* writer);
+    ~Requester();
+
+    /** The next request waits until this one is answered, for at most two seconds. */
+    void requestSetting(GpsSetting setting);
+    void requestVersion();
+    void requestReset();
+    void requestColdStart();
+
+    /** Switches the receiver to production mode, starts the check, waits for both results and ends it by a reset. */
+    void requestProductionCheck();
+
+    void publishLocation();
+
+private:
+    using Job = std::function<void(const std::stop_token&)>;
+
+    void enqueue(Job job);
+    void run(const std::stop_token& stop);
+
+    /** Makes a request that is answered: adds it to the model, sends it and waits. True when it was sent. */
+    bool ask(const std::stop_token& stop, std::string_view operation, const std::string& name,
+             const std::function<bool()>& send);
+    /** Makes a request that nobody answers. */
+    void tell(std::string_view operation, const std::function<bool()>& send);
+    void checkProduction(const std::stop_token& stop);
+
+    Gps& mGps;
+    Model& mModel;
+    PlainWriter* mWriter;
+    std::mutex mMutex;
+    std::condition_variable_any mHasJob;
+    std::queue<Job> mJobs;  // guarded by mMutex
+    std::jthread mThread;
+};
+
+/** Publishes one location: the receiver's position when there is one, else an example. */
+void publishLocation(Gps& gps, const Model& model, PlainWriter* writer);
+
+}  // namespace monitor
+
+#endif

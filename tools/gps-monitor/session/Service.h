@@ -1,0 +1,51 @@
+#ifndef GPS_MONITOR_SERVICE_H
+#define GPS_MONITOR_SERVICE_H
+
+#include "Gps/Gps.h"
+#include "tools/gps-monitor/session/Listeners.h"
+
+namespace monitor {
+
+/** The library in use: started and listened to by the constructor, left and ended by the destructor. */
+class Service {
+public:
+    /**
+     * @param datum datum of the raw and the parsed sentences
+     * @param writer null while the screen shows what happens
+     */
+    Service(Model& model, PlainWriter* writer, GeodeticSystem datum);
+    ~Service();
+    Service(const Service&) = delete;
+    Service& operator=(const Service&) = delete;
+
+    Gps& gps() { return *mGps; }
+
+    /** What was logged last while the library started: why it goes without a receiver. Empty when nothing was. */
+    const std::string& startMessage() const { return mStartMessage; }
+
+private:
+    /** Takes the debug log over while it lives. */
+    class LogSink {
+    public:
+        LogSink(Model& model, PlainWriter* writer);
+        ~LogSink();
+        LogSink(const LogSink&) = delete;
+        LogSink& operator=(const LogSink&) = delete;
+
+    private:
+        static void log(void* sink, const char* file, const char* function, int line, int tag, const char* text);
+
+        Model& mModel;
+        PlainWriter* mWriter;
+    };
+
+    LogSink mLogSink;
+    Listeners mListeners;
+    OtherDatumListener mOtherDatumListener;
+    Gps* mGps;
+    std::string mStartMessage;
+};
+
+}  // namespace monitor
+
+#endif

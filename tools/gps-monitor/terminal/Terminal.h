@@ -1,0 +1,47 @@
+#ifndef GPS_MONITOR_TERMINAL_H
+#define GPS_MONITOR_TERMINAL_H
+
+#include <memory>
+
+#include "tools/gps-monitor/view/Canvas.h"
+
+namespace monitor {
+
+/** The terminal as a full screen. One object at a time, used by one thread. */
+class Terminal {
+public:
+    /** Takes the terminal over; null when standard output is none, or none that can be drawn on. */
+    static std::unique_ptr<Terminal> open();
+
+    /** Gives the terminal back as it was. */
+    ~Terminal();
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    int width() const;
+    int height() const;
+
+    /** Takes over the size that the terminal has now. */
+    void resize();
+
+    /** Shows the canvas; only what has changed is sent. */
+    void show(const Canvas& canvas);
+
+    /** Sends everything anew with the next show(). */
+    void redraw();
+
+    /** The next key that was pressed, or a negative number. Does not wait. */
+    int readKey();
+
+    /** Stops the process as Ctrl-Z does, with the terminal given back meanwhile. */
+    void suspend();
+
+private:
+    Terminal();
+
+    bool mShowsUnicode;
+};
+
+}  // namespace monitor
+
+#endif
