@@ -1,5 +1,6 @@
 #include "tools/receiver-sim/Options.h"
 
+#include <cstdio>
 #include <map>
 
 #include "tools/common/CommandLine.h"
@@ -25,6 +26,7 @@ struct Typed {
     unsigned rate = 1;
     std::vector<std::string> antenna{"ok"};
     double antennaEvery = 5.0;
+    std::string fixLoss = "0,0";
     std::string startTime;
     double seconds = 0.0;
     bool doesNotWait = false;
@@ -32,6 +34,19 @@ struct Typed {
 
 std::string isoTimeProblem(const std::string& text) {
     return parseIsoTime(text) ? "" : text + " is not a UTC time such as 2024-05-01T12:00:00Z";
+}
+
+/** Reads "AT,SECONDS". */
+std::optional<std::pair<double, double>> parseFixLoss(const std::string& text) {
+    std::pair<double, double> loss;
+    char rest = 0;
+    const int read = std::sscanf(text.c_str(), "%lf,%lf%c", &loss.first, &loss.second, &rest);
+    const auto isPossible = [](double seconds) { return seconds >= 0.0 && seconds <= 1e6; };
+    return read == 2 && isPossible(loss.first) && isPossible(loss.second) ? std::optional(loss) : std::nullopt;
+}
+
+std::string fixLossProblem(const std::string& text) {
+    return parseFixLoss(text) ? "" : text + " is not a pair of seconds such as 30,10";
 }
 
 std::vector<unsigned> knownBauds() {
@@ -56,6 +71,9 @@ void addReceiverOptions(CLI::App& app, Options& options, Typed& typed) {
     app.add_option("--antenna-every", typed.antennaEvery, "How long each of them lasts (default 5)")
         ->option_text("SECONDS")
         ->check(CLI::Range(0.001, 1e6));
+    app.add_option("--fix-loss", typed.fixLoss, "Lose the fix AT seconds after the start, for so many SECONDS")
+        ->option_text("AT,SECONDS")
+        ->check(fixLossProblem);
     auto* all = app.add_flag("--nak", receiver.refusesAll, "Refuse every configuration message");
     app.add_option("--nak-once", receiver.refusesOnce, "Refuse the Nth configuration message only")
         ->option_text("N")
@@ -67,7 +85,7 @@ void addReplayOptions(CLI::App& app, Options& options) {
     auto* log = app.add_option("--log", options.log, "Replay a captured log, an epoch (from RMC to RMC) at a time")
                     ->option_text("FILE")
                     ->check(CLI::ExistingFile)
-                    ->excludes("--antenna", "--antenna-every", "--start-time", "--truth");
+                    ->excludes("--antenna", "--antenna-every", "--fix-loss", "--start-time", "--truth");
     auto* loop = app.add_flag("--loop", options.isLooping, "Replay the log again and again")->needs(log);
     app.add_flag("--fast", options.isFast, "Replay as fast as the client reads")->needs(log)->excludes("--no-wait");
     app.add_flag("--exit-at-end", options.endsWithLog, "End once the log is out and no client is there any more")
@@ -111,6 +129,9 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     for (const std::string& name : typed.antenna)
         options.receiver.antenna.push_back(kAntennas.at(name));
     options.receiver.antennaEvery = milliseconds(typed.antennaEvery);
+    const auto [lostAt, lostFor] = parseFixLoss(typed.fixLoss).value();
+    options.receiver.fixLostAt = milliseconds(lostAt);
+    options.receiver.fixLostFor = milliseconds(lostFor);
     options.startTime = parseIsoTime(typed.startTime);
     if (app.count("--seconds") > 0) options.seconds = typed.seconds;
     options.waitsForClient = !typed.doesNotWait;

@@ -69,6 +69,15 @@ const CheckResult kCheckResults[] = {
       {80 + 25, 1, 25}}},
 };
 
+constexpr unsigned kFadePerSecond = 8;  // dB, once the fix is lost
+
+/** Weakens all signals; what falls below the receiver's sensitivity is no longer tracked. */
+void fade(std::vector<Satellite>& sky, unsigned loss) {
+    constexpr unsigned kWeakest = 12;  // dBHz
+    for (Satellite& satellite : sky)
+        satellite.signal = satellite.signal >= kWeakest + loss ? satellite.signal - loss : 0;
+}
+
 UtcTime alignedDown(UtcTime time, Milliseconds interval) {
     return time - time.time_since_epoch() % interval;
 }
@@ -118,6 +127,7 @@ Receiver::Truth Receiver::runEpoch(UtcTime now) {
     mLastEpoch = alignedDown(now, mCurrent.navigation.interval);
     ++mEpochs;
     updateAntenna(mLastEpoch);
+    updateReception(mLastEpoch);
     const Motion motion = driveAt(mLastEpoch - mStart);
     const Fix fix = fixAt(mLastEpoch, motion);
     for (std::size_t kind = 0; kind < kSentenceKindCount; ++kind) {
@@ -137,7 +147,22 @@ Fix Receiver::fixAt(UtcTime time, const Motion& motion) const {
     const Geodetic& truth = motion.position;
     const Geodetic reported = toGeodetic(toCartesian(truth, kWgs84), mCurrent.navigation.datum);
     const double aboveSea = truth.height - kGeoidHeight;
-    return {time, reported, reported.height - aboveSea, motion, skyAt(time, truth)};
+    Fix fix{!mFixLost, time, reported, reported.height - aboveSea, motion, skyAt(time, truth)};
+    if (mFixLost) {
+        const auto secondsLost = std::chrono::ceil<std::chrono::seconds>(time - *mFixLost).count();
+        fade(fix.sky, static_cast<unsigned>(secondsLost + 1) * kFadePerSecond);
+    }
+    return fix;
+}
+
+void Receiver::updateReception(UtcTime now) {
+    const Milliseconds sinceStart = now - mStart;
+    const bool isLost = sinceStart >= mSetup.fixLostAt && sinceStart < mSetup.fixLostAt + mSetup.fixLostFor;
+    if (!isLost && mAntenna != Antenna::Open) {
+        mFixLost.reset();
+    } else if (!mFixLost) {
+        mFixLost = now;
+    }
 }
 
 void Receiver::updateAntenna(UtcTime now) {

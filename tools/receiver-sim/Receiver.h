@@ -1,6 +1,7 @@
 #ifndef RECEIVER_SIM_RECEIVER_H
 #define RECEIVER_SIM_RECEIVER_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 
 namespace sim {
 
+/** With an open antenna the receiver loses its fix. */
 enum class Antenna { Ok, Open, Short };
 
 /**
@@ -26,6 +28,8 @@ public:
         Milliseconds interval{1000};                ///< default interval of the epochs, above 0
         std::vector<Antenna> antenna{Antenna::Ok};  ///< states in turn, at least one; the last one stays
         Milliseconds antennaEvery{5000};            ///< how long each state lasts, above 0
+        Milliseconds fixLostAt{0};                  ///< since the start
+        Milliseconds fixLostFor{0};                 ///< how long there is no fix; 0: it is never lost
         bool refusesAll = false;                    ///< every configuration message is refused
         unsigned refusesOnce = 0;                   ///< number, from 1, of the one that is refused; 0: none
     };
@@ -85,6 +89,7 @@ private:
     void switchSpeed();
     void updateAntenna(UtcTime now);
     void announceAntenna();
+    void updateReception(UtcTime now);
     Fix fixAt(UtcTime time, const Motion& motion) const;
 
     const Setup mSetup;
@@ -94,6 +99,7 @@ private:
     Configuration mCurrent;
     unsigned mPortBaud;  // speed of the port once all actions are carried out
     Antenna mAntenna;
+    std::optional<UtcTime> mFixLost;  // since when there is no fix
     UtcTime mLastEpoch;
     unsigned long mEpochs = 0;
     unsigned mConfigurationMessages = 0;

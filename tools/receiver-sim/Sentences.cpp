@@ -57,17 +57,20 @@ std::string courseField(const Fix& fix) {
 
 std::vector<std::string> composeRmc(const Fix& fix) {
     const UtcFields t = utcFields(fix.time);
+    const std::string date = formatted(",%02u%02u%02d", t.day, t.month, t.year % 100);
+    if (!fix.isValid) return {"GPRMC," + timeField(fix.time) + ",V,,,,,," + date + ",,,N"};
     return {"GPRMC," + timeField(fix.time) + ",A," + positionFields(fix) +
-            formatted(",%.3f,", fix.motion.speed / kKnot) + courseField(fix) +
-            formatted(",%02u%02u%02d,,,A", t.day, t.month, t.year % 100)};
+            formatted(",%.3f,", fix.motion.speed / kKnot) + courseField(fix) + date + ",,,A"};
 }
 
 std::vector<std::string> composeVtg(const Fix& fix) {
+    if (!fix.isValid) return {"GPVTG,,,,,,,,,N"};
     return {"GPVTG," + courseField(fix) +
             formatted(",T,,M,%.3f,N,%.3f,K,A", fix.motion.speed / kKnot, fix.motion.speed * 3.6)};
 }
 
 std::vector<std::string> composeGga(const Fix& fix) {
+    if (!fix.isValid) return {"GPGGA," + timeField(fix.time) + ",,,,,0,00,99.99,,,,,,"};
     const Dilution dilution(fix);
     return {"GPGGA," + timeField(fix.time) + "," + positionFields(fix) +
             formatted(",1,%02u,%.2f,%.1f,M,%.1f,M,,", dilution.satellites, dilution.horizontal,
@@ -75,6 +78,7 @@ std::vector<std::string> composeGga(const Fix& fix) {
 }
 
 std::vector<std::string> composeGsa(const Fix& fix) {
+    if (!fix.isValid) return {"GPGSA,A,1,,,,,,,,,,,,,99.99,99.99,99.99"};
     std::string used;
     std::size_t count = 0;
     for (const Satellite& satellite : fix.sky) {
@@ -105,6 +109,7 @@ std::vector<std::string> composeGsv(const Fix& fix) {
 }
 
 std::vector<std::string> composeGll(const Fix& fix) {
+    if (!fix.isValid) return {"GPGLL,,,,," + timeField(fix.time) + ",V,N"};
     return {"GPGLL," + positionFields(fix) + "," + timeField(fix.time) + ",A,A"};
 }
 
@@ -114,6 +119,10 @@ std::vector<std::string> composeZda(const Fix& fix) {
 }
 
 std::vector<std::string> composePubx00(const Fix& fix) {
+    if (!fix.isValid) {
+        return {"PUBX,00," + timeField(fix.time) +
+                ",0000.00000,N,00000.00000,E,0.000,NF,5303302,3750001,0.000,0.00,0.000,,99.99,99.99,99.99,0,0,0"};
+    }
     constexpr double kRangeError = 2.0;  // metres of error for a dilution of 1
     const Dilution dilution(fix);
     return {"PUBX,00," + timeField(fix.time) + "," + positionFields(fix) +

@@ -12,9 +12,10 @@
 
 namespace sim {
 
-/** What the receiver knows at one epoch. */
+/** What the receiver knows at one epoch. Without a fix it still knows the time and which satellites are in view. */
 struct Fix {
-    UtcTime time;
+    bool isValid;
+    UtcTime time;            ///< with the date that the receiver works out, which may be wrong by its week rollover
     Geodetic position;       ///< in the datum that the receiver reports
     double geoidSeparation;  ///< metres from that datum's ellipsoid up to the sea level
     Motion motion;
