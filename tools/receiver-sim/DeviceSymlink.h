@@ -3,22 +3,26 @@
 
 #include <string>
 
+#include "tools/receiver-sim/Descriptor.h"
+
 namespace sim {
 
 /** A symbolic link to the terminal, as long as the object lives. */
 class DeviceSymlink {
 public:
     /**
-     * Replaces a link that leads nowhere, or to the terminal itself (one that a killed simulator left behind).
-     * @throws tool::BadUse when the path is anything else, or cannot be made
+     * Replaces a link that leads nowhere or to a pseudo-terminal, unless a running simulator made it: a killed one
+     * leaves its link, and the terminal's name may belong to another program by then.
+     * @throws tool::BadUse when the path is in use by a running simulator, is anything else, or cannot be created
      */
     DeviceSymlink(const std::string& path, const std::string& device);
-    /** Removes the link, unless someone has made it lead elsewhere. */
+    /** Removes the link, unless it leads elsewhere now. */
     ~DeviceSymlink();
     DeviceSymlink(const DeviceSymlink&) = delete;
     DeviceSymlink& operator=(const DeviceSymlink&) = delete;
 
 private:
+    const Descriptor mClaim;
     const std::string mPath;
     const std::string mDevice;
 };

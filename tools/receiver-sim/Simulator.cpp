@@ -28,6 +28,9 @@ Descriptor endingSignals() {
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    struct sigaction hangUp = {};
+    sigaction(SIGHUP, nullptr, &hangUp);
+    if (hangUp.sa_handler != SIG_IGN) sigaddset(&signals, SIGHUP);  // ignored under nohup
     sigprocmask(SIG_BLOCK, &signals, nullptr);
     return Descriptor(signalfd(-1, &signals, SFD_CLOEXEC));
 }

@@ -98,17 +98,21 @@ TEST(Program, IsUnderstoodAndUnderstandsOnlyAtItsOwnSpeed) {
     EXPECT_THAT(client.until(kPortAcknowledged), EndsWith(kPortAcknowledged));
 }
 
-TEST(Program, KeepsItsLinkUntilItEnds) {
+TEST(Program, KeepsItsLinkUntilItEndsAndReplacesAStaleOne) {
     const ScratchDirectory scratch;
     const auto link = scratch.path("gps");
-    std::filesystem::create_symlink(scratch.path("nowhere"), link);
-    Simulator simulator({"--link", link});
-    EXPECT_EQ(std::filesystem::read_symlink(link), simulator.device);
-    Simulator second({"--link", link});
-    EXPECT_EQ(second.end(), 2) << "the link is in use";
-    EXPECT_EQ(std::filesystem::read_symlink(link), simulator.device);
-    EXPECT_EQ(simulator.end(SIGINT), 0);
-    EXPECT_FALSE(std::filesystem::is_symlink(link));
+    for (const std::string stale : {"/nowhere", "/dev/pts/ptmx"}) {
+        std::filesystem::create_symlink(stale, link);
+        Simulator simulator({"--link", link});
+        EXPECT_EQ(std::filesystem::read_symlink(link), simulator.device);
+        Simulator second({"--link", link});
+        EXPECT_EQ(second.end(), 2) << "the link is in use";
+        EXPECT_EQ(std::filesystem::read_symlink(link), simulator.device);
+        EXPECT_EQ(simulator.end(SIGHUP), 0);
+        EXPECT_FALSE(std::filesystem::is_symlink(link));
+    }
+    std::filesystem::create_symlink("/dev/null", link);
+    EXPECT_EQ(Simulator({"--link", link}).end(), 2) << "neither stale nor its own";
 }
 
 TEST(Program, ServesOneClientAfterAnotherUntilItsTimeIsOver) {
