@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Shared by the scripts: where things are, and what a bare Debian machine needs.
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

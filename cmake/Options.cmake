@@ -1,0 +1,31 @@
+# How everything here is compiled and linked, as the interface target QvGpsOptions.
+
+include(CheckCXXCompilerFlag)
+
+add_library(QvGpsOptions INTERFACE)
+target_compile_options(QvGpsOptions INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
+  # GCC 12 reports overlaps in the additions of its own strings (its bug 105651).
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+  # Position arithmetic gives the same bits whether or not the processor can fuse multiply and add.
+  -ffp-contract=off
+  # The same sources give the same bytes in whatever directory they are built.
+  -ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+
+if(QVGPS_SANITIZE)
+  add_compile_options(-fsanitize=${QVGPS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${QVGPS_SANITIZE})
+elseif(QVGPS_HARDENING)
+  # Which of them exist depends on the processor.
+  foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
+    string(MAKE_C_IDENTIFIER "QVGPS_HAS${flag}" has_flag)
+    check_cxx_compiler_flag(${flag} ${has_flag})
+    if(${has_flag})
+      list(APPEND hardening ${flag})
+    endif()
+  endforeach()
+  target_compile_options(QvGpsOptions INTERFACE
+    "$<$<NOT:$<CONFIG:Debug>>:${hardening};-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=3>")
+  target_link_options(QvGpsOptions INTERFACE "$<$<NOT:$<CONFIG:Debug>>:-Wl,-z,relro,-z,now>")
+endif()
