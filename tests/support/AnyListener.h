@@ -7,7 +7,7 @@
 #include "Gps/GpsListeners.h"
 #include "tools/common/RecordFields.h"
 
-/** A record's values in the order of its fields; doubles with as many digits as they need, records in brackets. */
+/** A record's fields that differ from zero, as NAME=VALUE; doubles with as many digits as they need. */
 template <FieldRecord Record>
 std::string fields(const Record& record);
 
@@ -20,23 +20,32 @@ inline std::string textOf(double value) {
 }
 template <FieldRecord Record>
 std::string textOf(const Record& record) {
-    return "[" + fields(record) + "]";
+    return "{" + fields(record) + "}";
 }
+/** All elements up to the last that differs from zero. */
 template <class Element>
 std::string textOf(std::span<Element> elements) {
     std::string text;
-    for (const auto& element : elements)
-        text += (text.empty() ? "" : " ") + textOf(fieldValue(element));
-    return text;
+    std::size_t end = 0;
+    for (const auto& element : elements) {
+        const std::string shown = textOf(fieldValue(element));
+        text += (text.empty() ? "" : ",") + shown;
+        if (shown != "0" && shown != "{}") end = text.size();
+    }
+    return text.substr(0, end);
 }
 template <FieldRecord Record>
 std::string fields(const Record& record) {
     std::string text;
-    visitFields(record, [&](const char*, const auto& value) { text += (text.empty() ? "" : " ") + textOf(value); });
+    visitFields(record, [&](const char* name, const auto& value) {
+        const std::string shown = textOf(value);
+        if (shown.empty() || shown == "0" || shown == "{}") return;
+        text += (text.empty() ? "" : " ") + std::string(name) + "=" + shown;
+    });
     return text;
 }
 
-/** A listener of every kind that is told everything in one form: what it is about, and its contents as text. */
+/** A listener of every kind. `tell` receives every notification in one form: its subject, and its contents as text. */
 class AnyListener : public GpsNmeaListener,
                     public GpsParseNmeaListener,
                     public GpsLocationDataListener,

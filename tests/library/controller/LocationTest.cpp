@@ -212,9 +212,12 @@ TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
     registerListener();
     const LOCATION_DATA told = publish(location);
 
-    EXPECT_EQ(fields(told.Gga), "0 1 2 3 4 3539.125 35 39.125 -13945.625 -139 45.625 -5 6 7.5 8.5 -9.5 10 -11");
+    EXPECT_EQ(fields(told.Gga),
+              "Hour=1 Minute=2 Second=3 MilliSecond=4 Lat=3539.125 LatDeg=35 LatMin=39.125 Lon=-13945.625 LonDeg=-139 "
+              "LonMin=45.625 Quality=-5 SatView=6 HDOP=7.5 Alt=8.5 Geo=-9.5 DGPS_Age=10 DGPS_ID=-11");
     EXPECT_EQ(fields(told.Rmc),
-              "0 12 13 14 15 16 -3539.125 -35 39.125 13945.625 139 45.625 17.5 18.5 19 20 21 22.5 23");
+              "Hour=12 Minute=13 Second=14 MilliSecond=15 Status=16 Lat=-3539.125 LatDeg=-35 LatMin=39.125 "
+              "Lon=13945.625 LonDeg=139 LonMin=45.625 Speed=17.5 Dir=18.5 Year=19 Month=20 Day=21 MagDec=22.5 Mode=23");
     const PASCD& pascd = told.Pascd;
     EXPECT_EQ(std::memcmp(&pascd.Head1, &location.Pascd.Head1, sizeof(double)), 0);
     EXPECT_EQ(std::tie(pascd.Head2, pascd.Head3, pascd.Head4, pascd.Head5),

@@ -1,73 +1,155 @@
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <sstream>
 
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/Messages.h"
 #include "tests/support/ScratchDirectory.h"
 
-// What the controller makes of what it receives and is asked for, as transcripts. Lines that begin with two spaces are
-// what happened: notifications with the listener's name, log lines, and bytes sent. All others are steps; a transcript
-// is right when its steps, taken again, give the same text. Its steps:
-//   # or an empty line   nothing
-//   < chunk              is received; \xHH stands for a byte
-//   $ body               is received as a sentence with its checksum and line end
-//   ubx class id payload is received as a frame; all in hexadecimal bytes
-//   base datum finished  is what the shared record says from now on; both numbers
-//   listen name [datum]  registers a listener for everything, of that datum (a number)
-//   leave name           unregisters it from everything
-//   request name [value] calls the operation of that name
-//   writes fail|work     says what becomes of what is sent to the receiver
-//   publish number       publishes a location, which is told at once
+// The controller's reactions to chunks and requests, as transcripts. A line that begins with two spaces is a reaction:
+// a notification after the names of its listeners, a log text after "log", or bytes sent. Every other line is a step.
+// A transcript passes when its steps, run again, give the same text. Steps:
+//   # or an empty line        nothing
+//   let NAME body             names a sentence
+//   send NAME...              receives named sentences
+//   cuts NAME                 receives a named sentence cut after each of its fields, the longest first; the log texts
+//                             share a line
+//   $ body                    receives a sentence: checksum and line end are added
+//   < chunk                   receives these characters; \xHH is a byte, and "*N" after a space repeats the last one
+//   ubx class id payload      receives a frame; hexadecimal bytes: 00*5 is five zeros, 04..17 counts up
+//   base datum finished       sets the shared setting record; two numbers
+//   listen NAME [KIND[:datum]...]   registers, without kinds for everything
+//   leave NAME [KIND...]      unregisters, without kinds from everything
+//   show [SUBJECT...]         limits the notifications that are shown from now on; without subjects to none
+//   request OPERATION [setting]     calls an operation
+//   writes fail|work          makes sending fail or work
+//   publish number            publishes a location and delivers it
+// A raw sentence that equals the chunk is shown as "=". A part of an aggregate that equals the last record of its kind
+// is shown as its name alone.
 
 namespace {
 
+constexpr char kHexDigits[] = "0123456789ABCDEF";
+
 std::string escaped(const std::string& bytes) {
-    std::ostringstream text;
+    std::string text;
     for (const char c : bytes) {
         const unsigned value = static_cast<unsigned char>(c);
-        if (value >= ' ' && value <= '~' && c != '\\') text << c;
-        if (value < ' ' || value > '~' || c == '\\')
-            text << "\\x"
-                 << "0123456789ABCDEF"[value >> 4] << "0123456789ABCDEF"[value & 15];
+        if (c == '\n') text += "\\n";
+        if (c == '\r') text += "\\r";
+        if (c == '\n' || c == '\r') continue;
+        if (value >= ' ' && value <= '~' && c != '\\')
+            text += c;
+        else
+            text += {'\\', 'x', kHexDigits[value >> 4], kHexDigits[value & 15]};
     }
-    return text.str();
+    return text;
 }
 
 std::string unescaped(const std::string& text) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool isEscape = text.compare(i, 2, "\\x") == 0;
-        bytes += isEscape ? static_cast<char>(std::stoi(text.substr(i + 2, 2), nullptr, 16)) : text[i];
-        i += isEscape ? 3 : 0;
+        if (text[i] != '\\') {
+            bytes += text[i];
+        } else if (text[++i] == 'x') {
+            bytes += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
+            i += 2;
+        } else {
+            bytes += text[i] == 'r' ? '\r' : '\n';
+        }
+    }
+    const std::size_t repeat = bytes.rfind(" *");
+    const bool isRepeat = repeat != std::string::npos && repeat + 2 < bytes.size() && repeat > 0 &&
+                          bytes.find_first_not_of("0123456789", repeat + 2) == std::string::npos;
+    if (!isRepeat) return bytes;
+    const std::size_t count = std::stoul(bytes.substr(repeat + 2));
+    return bytes.substr(0, repeat) + std::string(count - 1, bytes[repeat - 1]);
+}
+
+std::string fromHex(std::istream& words) {
+    std::string bytes;
+    for (std::string word; words >> word;) {
+        const int first = std::stoi(word, nullptr, 16);
+        const std::size_t sign = std::min<std::size_t>(2, word.size());
+        const int last = word.substr(sign, 2) == ".." ? std::stoi(word.substr(sign + 2), nullptr, 16) : first;
+        const int times = word.substr(sign, 1) == "*" ? std::stoi(word.substr(sign + 1)) : 1;
+        for (int byte = first; byte <= last; ++byte)
+            bytes.append(static_cast<std::size_t>(times), static_cast<char>(byte));
     }
     return bytes;
 }
 
-std::string fromHex(std::istream& digits) {
-    std::string bytes;
-    for (unsigned byte; digits >> std::hex >> byte;)
-        bytes += static_cast<char>(byte);
-    return bytes;
+/** Bytes in hexadecimal, but for a sentence at their beginning. */
+std::string shownBytes(const std::string& bytes) {
+    const std::size_t end = bytes.starts_with('$') ? bytes.find('\n') + 1 : 0;
+    std::ostringstream text;
+    text << escaped(bytes.substr(0, end));
+    for (const char c : bytes.substr(end)) {
+        const unsigned value = static_cast<unsigned char>(c);
+        text << (text.tellp() > 0 ? " " : "") << kHexDigits[value >> 4] << kHexDigits[value & 15];
+    }
+    return text.str();
 }
 
-/** Notes everything in full but what is too long to be read. */
+struct Note {
+    std::string listeners;
+    std::string text;
+};
+
+/** What all listeners of a transcript share. */
+struct Scene {
+    std::vector<Note> notes;
+    std::string chunk;                // the last one received
+    std::optional<Strings> subjects;  // those that are shown, if not all
+};
+
 class Witness : public Listener {
 public:
-    Witness(std::string name, Strings& notes) : Listener(""), mName(std::move(name)), mNotes(notes) {}
+    Witness(std::string name, Scene& scene) : Listener(""), mName(std::move(name)), mScene(scene) {}
+
     void tell(const std::string& what, const std::string& text) override {
-        const bool isLong = what == "location" || what == "location's PASCD";
-        mNotes.push_back(mName + " " + what + (isLong ? "" : " " + escaped(text)));
+        mLast[what] = text;
+        const std::string value =
+            what == "raw" && text == mScene.chunk ? "=" : escaped(text.substr(0, text.find('\0')));
+        const std::string size = what == "version" ? " " + std::to_string(text.size()) : "";
+        const std::string line = what + size + (value.empty() ? "" : " " + value);
+        // The four notifications of a location share a line.
+        mBefore += what.starts_with("location's") ? line.substr(std::strlen("location's ")) + ", " : "";
+        if (!what.starts_with("location's")) note(what, std::exchange(mBefore, {}) + line);
+    }
+
+    void notifyParseNmeaSentence(const PARSE_NMEA* record) override {
+        std::string text = "EPOCH";
+        visitFields(*record, [&](const char* name, const auto& part) {
+            std::string kind = name;
+            std::transform(kind.begin(), kind.end(), kind.begin(), [](unsigned char c) { return std::toupper(c); });
+            const std::string value = textOf(part);
+            if (value != "{}") text += " " + std::string(name) + (value == "{" + mLast[kind] + "}" ? "" : "=" + value);
+        });
+        note("EPOCH", text);
     }
 
 private:
+    /** Listeners that receive the same one after another share a line. */
+    void note(const std::string& what, const std::string& line) {
+        const auto& shown = mScene.subjects;
+        if (shown && std::find(shown->begin(), shown->end(), what) == shown->end()) return;
+        if (!mScene.notes.empty() && mScene.notes.back().text == line)
+            mScene.notes.back().listeners += " " + mName;
+        else
+            mScene.notes.push_back({mName, line});
+    }
+
     std::string mName;
-    Strings& mNotes;
+    Scene& mScene;
+    std::string mBefore;
+    std::map<std::string, std::string> mLast;
 };
 
 class Transcript : public ControllerTest, public testing::WithParamInterface<const char*> {
 protected:
-    /** The transcript with what happens now in the place of what happened. */
+    /** The transcript with the reactions of now in the place of its own. */
     std::string replay(const std::string& transcript) {
         std::istringstream lines(transcript);
         std::string text;
@@ -77,54 +159,98 @@ protected:
             std::istringstream words(line);
             std::string step;
             words >> step;
-            if (!step.empty() && step[0] != '#') take(step, words, line);
+            if (!step.empty() && step[0] != '#') run(step, words, line);
             const std::string sent = mPeer->written().substr(mWritten);
             mWritten += sent.size();
-            if (!sent.empty()) mNotes.push_back("sent " + escaped(sent));
+            if (!sent.empty()) note("sent", shownBytes(sent));
             for (const LogCapture::Line& logged : mLog.take()) {
-                // The worker is stopped at once, and may be gone before its priority is set.
-                if (logged.function != "SetPriority")
-                    mNotes.push_back("log " + logged.function + ": " + escaped(logged.text));
+                // The worker is stopped at once, and may end before its priority is set.
+                if (logged.function != "SetPriority") note("log", logged.function + ": " + escaped(logged.text));
             }
-            for (const std::string& note : std::exchange(mNotes, {}))
-                text += "  " + note + "\n";
+            for (const Note& note : std::exchange(mScene.notes, {}))
+                text += "  " + note.listeners + " " + note.text + "\n";
         }
         return text;
     }
 
 private:
-    void take(const std::string& step, std::istream& words, const std::string& line) {
-        if (step == "<") return receive(unescaped(line.substr(2)));
-        if (step == "$") return receive(sentence(line.substr(2)));
+    void run(const std::string& step, std::istream& words, const std::string& line) {
+        if (step == "<") return receiveChunk(unescaped(line.substr(2)));
+        if (step == "$") return receiveChunk(sentence(line.substr(2)));
         if (step == "ubx") {
             const std::string bytes = fromHex(words);
-            const auto idOf = [&](std::size_t place) { return static_cast<unsigned char>(bytes[place]); };
-            return receive(ubxFrame(idOf(0), idOf(1), bytes.substr(2)));
+            return receiveChunk(
+                ubxFrame(static_cast<unsigned char>(bytes[0]), static_cast<unsigned char>(bytes[1]), bytes.substr(2)));
         }
         std::string name;
-        int value = 0;
-        words >> name >> value;
-        if (step == "base") return setShared(static_cast<GeodeticSystem>(std::stoi(name)), value != 0);
+        words >> name;
+        if (step == "let") return void(words >> mSentences[name]);
+        if (step == "send") {
+            for (; !name.empty(); name = {}, words >> name)
+                receiveChunk(sentence(mSentences.at(name)));
+            return;
+        }
+        if (step == "cuts") return receiveCuts(mSentences.at(name));
+        if (step == "listen" || step == "leave") return change(step == "listen", name, words);
+        if (step == "show") {
+            mScene.subjects.emplace();
+            for (; !name.empty(); name = {}, words >> name)
+                mScene.subjects->push_back(name);
+            return;
+        }
         if (step == "writes") return mPeer->setWriteFails(name == "fail");
         if (step == "publish") return publish(std::stoi(name));
-        if (step == "request") return request(name, static_cast<GpsSetting>(value));
-        ASSERT_TRUE(step == "listen" || step == "leave") << step;
-        forEachKind(mListeners.try_emplace(name, name, mNotes).first->second, step == "listen", value);
+        int value = 0;
+        words >> value;
+        if (step == "base") return setShared(static_cast<GeodeticSystem>(std::stoi(name)), value != 0);
+        ASSERT_EQ(step, "request");
+        request(name, static_cast<GpsSetting>(value));
     }
 
-    void forEachKind(const Witness& listener, bool isComing, int datum) {
-        std::string results;
+    void receiveChunk(const std::string& chunk) {
+        mScene.chunk = chunk;
+        receive(chunk);
+    }
+
+    void receiveCuts(std::string body) {
+        std::string texts;
+        for (std::size_t end; (end = body.rfind(',')) != std::string::npos;) {
+            body.resize(end);
+            receiveChunk(sentence(body));
+            for (const LogCapture::Line& logged : mLog.take()) {
+                const std::size_t argument = texts.empty() ? 0 : logged.text.find(") ") + 2;
+                texts += (texts.empty() ? logged.function + ": " : ", ") + escaped(logged.text.substr(argument));
+            }
+        }
+        note("log", texts);
+    }
+
+    /** Registers or unregisters for the kinds in `words`, for all when there are none. */
+    void change(bool isComing, const std::string& name, std::istream& words) {
+        const Witness& listener = mListeners.try_emplace(name, name, mScene).first->second;
+        std::map<std::string, int> datums;
+        for (std::string word; words >> word;) {
+            const std::size_t colon = word.find(':');
+            datums[word.substr(0, colon)] =
+                colon == std::string::npos ? GEODETIC_SYSTEM_WGS84 : std::stoi(&word[colon + 1]);
+        }
+        std::string refused;
         for (const auto& kind : kKinds<GpsController>) {
-            const bool isOfDatum = isComing && datum != 0 && std::string_view(kind.name).ends_with("Nmea");
-            if (isOfDatum) continue;
-            results += (isComing ? kind.add : kind.remove)(*mController, &listener) ? " yes" : " no";
+            if (!datums.empty() && datums.count(kind.name) == 0) continue;
+            const auto datum =
+                static_cast<GeodeticSystem>(datums.empty() ? GEODETIC_SYSTEM_WGS84 : datums.at(kind.name));
+            const bool isDone = !isComing               ? kind.remove(*mController, &listener)
+                                : kind.name == "Nmea"sv ? mController->registerGpsNmeaListener(&listener, datum)
+                                : kind.name == "ParseNmea"sv
+                                    ? mController->registerGpsParseNmeaListener(&listener, datum)
+                                    : kind.add(*mController, &listener);
+            if (!isDone) refused += std::string(" ") + kind.name;
         }
         mController->stop();
-        mNotes.push_back("done:" + results);
-        if (!isComing || datum == 0) return;
-        mController->registerGpsNmeaListener(&listener, static_cast<GeodeticSystem>(datum));
-        mController->registerGpsParseNmeaListener(&listener, static_cast<GeodeticSystem>(datum));
+        if (!refused.empty()) note("refused", refused.substr(1));
     }
+
+    void note(const std::string& subject, const std::string& text) { mScene.notes.push_back({subject, text}); }
 
     void publish(int number) {
         GPS_LOCATION_SYNC_DATA location = {};
@@ -138,12 +264,13 @@ private:
                                         [&](const auto& operation) { return operation.name == name; });
         ASSERT_NE(known, std::end(kRequests<GpsController>)) << name;
         const bool isSetting = name == "requestGpsSetting";
-        mNotes.push_back((isSetting ? mController->requestGpsSetting(setting) : known->call(*mController)) ? "true"
-                                                                                                           : "false");
+        const bool answer = isSetting ? mController->requestGpsSetting(setting) : known->call(*mController);
+        note("answer", answer ? "true" : "false");
     }
 
-    Strings mNotes;
+    Scene mScene;
     std::map<std::string, Witness> mListeners;
+    std::map<std::string, std::string> mSentences;
     std::size_t mWritten = 0;
 };
 

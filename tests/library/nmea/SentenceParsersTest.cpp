@@ -47,7 +47,9 @@ TEST(PositionSentences, KeepWhatWasReadBeforeAMissingField) {
     record.Mode = 77;
     EXPECT_FALSE(GpsParseNmeaManager().parseRmcSentence("$GPRMC,123519,A,3539.1,S,13942.5,W,1.5,,160926,3.5,W*00\r",
                                                         nullptr, 0, &record, kWgs84, false));
-    EXPECT_EQ(fields(record), "1 12 35 19 0 1 -3539.1 -35 39.1 -13942.5 -139 42.5 1.5 0 26 9 16 -3.5 77");
+    EXPECT_EQ(fields(record),
+              "SatType=1 Hour=12 Minute=35 Second=19 Status=1 Lat=-3539.1 LatDeg=-35 LatMin=39.1 Lon=-13942.5 "
+              "LonDeg=-139 LonMin=42.5 Speed=1.5 Year=26 Month=9 Day=16 MagDec=-3.5 Mode=77");
 }
 
 }  // namespace
