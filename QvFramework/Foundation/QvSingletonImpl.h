@@ -1,6 +1,8 @@
 #ifndef QVFRAMEWORK_FOUNDATION_QV_SINGLETON_IMPL_H
 #define QVFRAMEWORK_FOUNDATION_QV_SINGLETON_IMPL_H
 
+#include <memory>
+
 #include "QvFramework/Foundation/QvSingleton.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
 #include "QvFramework/Foundation/QvSync.h"
@@ -26,9 +28,10 @@ T* QvSingleton<T>::GetInstance() {
     QvSyncGuard guard(Sync_);
     instance = pInstance_.load(std::memory_order_relaxed);
     if (instance == nullptr) {
-        instance = new T();
-        pInstance_.store(instance, std::memory_order_release);
+        std::unique_ptr<T> created(new T());
         QvSingletonFinalizer::addDestroyFunc(&QvSingleton<T>::destroy);
+        instance = created.release();
+        pInstance_.store(instance, std::memory_order_release);
     }
     return instance;
 }

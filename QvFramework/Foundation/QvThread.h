@@ -48,8 +48,6 @@ public:
     void SetPriority(int priority);
     int GetPriority() const;
 
-    bool IsCurrentThread() const { return mHandle != NO_HANDLE && pthread_equal(mHandle, pthread_self()) != 0; }
-
     /** Waits for the thread's end without a time limit; says so in the log when it takes longer than `timeoutMs`. */
     bool WaitExit(unsigned int timeoutMs);
 

@@ -87,6 +87,7 @@ private:
 
     const std::shared_ptr<GpsHal> mHal;
     const std::shared_ptr<GpsHalLink> mLink;
+    std::shared_ptr<Reception> mSelf;  // until the thread takes it over
     pthread_t mThread{};
     std::atomic<bool> mIsEnding{false};
     QvEvent mEnding;
@@ -94,15 +95,15 @@ private:
 };
 
 bool GpsHal::Reception::begin(const std::shared_ptr<Reception>& reception) {
-    auto* const threadsOwn = new std::shared_ptr<Reception>(reception);
+    reception->mSelf = reception;
     sigset_t all;  // the new thread takes its mask over, and leaves every signal to the client's threads
     sigset_t callers;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &callers);
-    const int result = pthread_create(&reception->mThread, nullptr, &Reception::runThread, threadsOwn);
+    const int result = pthread_create(&reception->mThread, nullptr, &Reception::runThread, reception.get());
     pthread_sigmask(SIG_SETMASK, &callers, nullptr);
     if (result == 0) return true;
-    delete threadsOwn;
+    reception->mSelf.reset();
     errno = result;
     return false;
 }
@@ -120,8 +121,8 @@ void GpsHal::Reception::end() {
 }
 
 void* GpsHal::Reception::runThread(void* reception) {
-    const std::unique_ptr<std::shared_ptr<Reception>> threadsOwn(static_cast<std::shared_ptr<Reception>*>(reception));
-    (*threadsOwn)->run();
+    const std::shared_ptr<Reception> self = std::move(static_cast<Reception*>(reception)->mSelf);
+    self->run();
     return nullptr;
 }
 
@@ -154,7 +155,8 @@ void GpsHal::Reception::reopen() {
 GpsHal* GpsHal::GetInstance() {
     Process& process = Process::instance();
     QvSyncGuard guard(process.sync);
-    if (process.shares++ == 0) process.hal.reset(new GpsHal());
+    if (process.shares == 0) process.hal.reset(new GpsHal());
+    ++process.shares;
     return process.hal.get();
 }
 

@@ -23,41 +23,28 @@ void Decoder::finish() {
 void Decoder::take(const unsigned char* chunk, unsigned length) {
     mChunk = {reinterpret_cast<const char*>(chunk), length};
     mIsDelivered = false;
-    dispatch(mChunk.data(), length);
+    route(mChunk.data(), length, *this);
     if (mIsDelivered) ++mDelivered;
 }
 
-void Decoder::dispatch(const char* chunk, unsigned length) {
-    switch (classifyChunk(chunk, length)) {
-        case ChunkKind::AntennaText:
-            tellStatus(chunk, length);
-            break;
-        case ChunkKind::Sentence:
-            tellSentence(chunk, length);
-            tellRecords(chunk, length);
-            break;
-        case ChunkKind::Acknowledgement:
-            break;  // answers a request, and nobody has made one
-        case ChunkKind::Other:
-            mProduction.parseGpsProductionData(chunk, &mListeners, length);
-            break;
-    }
-}
-
-void Decoder::tellStatus(const char* chunk, unsigned length) {
+void Decoder::connectionStatusProc(const char* chunk, unsigned length) {
     const std::string text(chunk, length);
     GpsConnectionStatus status = GPS_CONNECTION_STATUS_OK;
     if (GpsConnectionManager::recognizeStatus(text.c_str(), &status)) mListeners.notifyGpsConnectionStatus(status);
 }
 
-void Decoder::tellSentence(const char* chunk, unsigned length) {
+void Decoder::nmeaSentenceProc(const char* chunk, unsigned length) {
     deliverSentence(mParser, {&mListeners, mSetup.wanted}, mSetup.base, {chunk, length},
                     [this] { return mSetup.settingFinished; });
 }
 
-void Decoder::tellRecords(const char* chunk, unsigned length) {
+void Decoder::parseNmeaSentenceProc(const char* chunk, unsigned length) {
     const GPS_PARSE_NMEA_LISTENER_LIST registry[] = {{&mListeners, mSetup.wanted}};
     mParser.parseNmeaSentence(chunk, length, registry, 1, mSetup.base, mSetup.settingFinished);
+}
+
+void Decoder::parseGpsProductionDataProc(const char* chunk, unsigned length) {
+    mProduction.parseGpsProductionData(chunk, &mListeners, length);
 }
 
 }  // namespace decode

@@ -37,12 +37,18 @@ public:
     /** Bytes that belong to no chunk. */
     unsigned long droppedBytes() const { return mFramer.droppedBytes(); }
 
+    // Steps for the chunks that `route` passes on, as in the service.
+
+    void connectionStatusProc(const char* chunk, unsigned length);
+    void nmeaSentenceProc(const char* chunk, unsigned length);
+    void parseNmeaSentenceProc(const char* chunk, unsigned length);
+    void parseGpsProductionDataProc(const char* chunk, unsigned length);
+    // An acknowledgement answers a request, and none was made.
+    void responseGpsSettingProc(const char*, unsigned) {}
+    void responseGpsProductionProc(const char*, unsigned) {}
+
 private:
     void take(const unsigned char* chunk, unsigned length);
-    void dispatch(const char* chunk, unsigned length);
-    void tellStatus(const char* chunk, unsigned length);
-    void tellSentence(const char* chunk, unsigned length);
-    void tellRecords(const char* chunk, unsigned length);
 
     const Setup mSetup;
     GpsHalFramer mFramer;

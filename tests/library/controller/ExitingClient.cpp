@@ -1,3 +1,4 @@
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -5,14 +6,16 @@
 #include <cstdlib>
 #include <string_view>
 #include <thread>
+#include <utility>
 
 #include "Gps/Gps.h"
 #include "GpsHal/GpsHal.h"
 #include "GpsHal/GpsHalMemoryLink.h"
 #include "tests/support/ThreadState.h"
 
-// A client that ends its process, with exit status 7, in the scene that it is asked for: with its static objects going
-// before or after the service, or from inside a notification while other threads want something of the service.
+// A client that ends its process, with exit status 7, in the scene that is asked for: with its static objects destroyed
+// before or after the service, in a forked child, or from inside a notification while other threads use the service.
+// In the scenes "...-removed" the receive thread unregisters the listener that exits.
 
 namespace {
 
@@ -23,8 +26,14 @@ std::string_view scene;
 std::atomic<pid_t> receiver{0};  // the receive thread, once it has been seen
 std::atomic<bool> isDelivering{false};
 std::atomic<bool> isLeaving{false};
+std::atomic<bool> isRemoving{false};
 
-class Client : public GpsNmeaListener, public GpsLocationDataListener, public GpsConnectionListener {
+GpsLocationDataListener quiet;
+
+class Client : public GpsNmeaListener,
+               public GpsLocationDataListener,
+               public GpsConnectionListener,
+               public GpsVersionListener {
 public:
     ~Client() override {
         Gps* const gps = Gps::GetInstance();  // a fresh one, when the service has gone first
@@ -42,24 +51,46 @@ public:
             waitUntilBlocked(getpid());  // main waits for the end of this call
             std::exit(kStatus);
         }
+        if (scene.ends_with("-removed") && std::exchange(hasPublished, true)) {
+            isLeaving.wait(false);
+            remove();
+        }
         const GPS_LOCATION_SYNC_DATA location = {};
         Gps::GetInstance()->setLocationData(&location);  // waits while the registry lock is held
     }
 
     void notifyLocationData(const LOCATION_DATA*) override {
-        if (scene == "worker") exitWhileReceiverWaits();
+        if (scene == "joined-removed") Gps::GetInstance()->unRegisterGpsLocationDataListener(this);
+        if (scene.starts_with("worker") || scene == "joined-removed") exitWhileReceiverWaits();
         isDelivering = true;
         isDelivering.notify_all();
     }
 
     void notifyGpsConnectionStatus(GpsConnectionStatus) override { exitWhileReceiverWaits(); }
 
+    void notifyGpsVersionInfo(const char*, unsigned int) override { exitWhileReceiverWaits(); }
+
 private:
     [[noreturn]] static void exitWhileReceiverWaits() {
+        isLeaving = true;
+        isLeaving.notify_all();
+        if (scene.ends_with("-removed")) isRemoving.wait(false);
         receiver.wait(0);
         waitUntilBlocked(receiver);
         std::exit(kStatus);
     }
+
+    void remove() {
+        isRemoving = true;
+        isRemoving.notify_all();
+        Gps* const gps = Gps::GetInstance();
+        if (scene == "joined-removed") gps->unRegisterGpsLocationDataListener(&quiet);  // waits for the worker's end
+        if (scene == "worker-removed") gps->unRegisterGpsLocationDataListener(this);
+        if (scene == "first-status-removed") gps->unRegisterGpsConnectionListener(this);
+        if (scene == "version-removed") gps->unRegisterGpsVersionListener(this);
+    }
+
+    bool hasPublished = false;
 };
 
 Client& client() {
@@ -80,6 +111,7 @@ int main(int, char** arguments) {
     Gps* const gps = Gps::GetInstance();
     gps->registerGpsNmeaListener(&listener, GEODETIC_SYSTEM_WGS84);
     gps->registerGpsLocationDataListener(&listener);
+    if (scene == "joined-removed") gps->registerGpsLocationDataListener(&quiet);
     std::thread([wire = peer] {
         do {
             wire->send("$X\r\n");
@@ -87,13 +119,24 @@ int main(int, char** arguments) {
     }).detach();
     receiver.wait(0);
     if (scene == "statics-first" || scene == "service-first") return kStatus;
-    if (scene == "first-status") {
-        isDelivering.wait(false);
-        gps->registerGpsConnectionListener(&listener);
+    if (scene == "forked") {
+        const pid_t child = fork();
+        if (child == 0) return kStatus;
+        int status = 0;
+        waitpid(child, &status, 0);
+        _exit(WEXITSTATUS(status));
     }
-    isLeaving = true;
-    isLeaving.notify_all();
-    if (scene == "unregistering") gps->unRegisterGpsNmeaListener(&listener);
+    if (scene == "first-status") isDelivering.wait(false);
+    if (scene.starts_with("first-status")) gps->registerGpsConnectionListener(&listener);
+    if (scene == "version-removed") {
+        gps->registerGpsVersionListener(&listener);
+        gps->requestGpsVersionInfo();
+    }
+    if (scene == "unregistering") {
+        isLeaving = true;
+        isLeaving.notify_all();
+        gps->unRegisterGpsNmeaListener(&listener);
+    }
     for (;;) {
         pause();
     }

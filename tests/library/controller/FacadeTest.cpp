@@ -7,6 +7,24 @@
 
 namespace {
 
+thread_local long gAllocationsLeft = -1;  // the one after them fails; a negative number is no limit
+
+}  // namespace
+
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    if (gAllocationsLeft >= 0 && gAllocationsLeft-- == 0) throw std::bad_alloc();
+    if (void* const memory = std::malloc(size)) return memory;
+    throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace {
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -78,8 +96,33 @@ TEST_F(Facade, isOneInstanceForAllThreadsUntilTheFinalizerRuns) {
     EXPECT_THAT(mListener.take(), ElementsAre("L:raw $A\r\n"));
 }
 
+TEST_F(Facade, canBeTriedAgainWhereverMemoryRanOut) {
+    const auto isBuiltWith = [](long allocations) {
+        gAllocationsLeft = allocations;
+        try {
+            Gps::GetInstance();
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+        gAllocationsLeft = -1;
+        return true;
+    };
+    long allocations = 0;
+    for (; !isBuiltWith(allocations); ++allocations) {
+        EXPECT_TRUE(Gps::GetInstance()->registerGpsNmeaListener(&mListener, GEODETIC_SYSTEM_WGS84));
+        mPeer->send("$A\r\n");
+        EXPECT_TRUE(mPeer->waitUntilRead(kLongMs));
+        QvSingletonFinalizer::finalize();
+        EXPECT_THAT(mListener.take(), ElementsAre("L:raw $A\r\n")) << allocations;
+        EXPECT_TRUE(mPeer->waitForOpen(false, kLongMs)) << allocations;
+    }
+    EXPECT_GT(allocations, 10);
+}
+
 TEST(ProcessExit, isCleanFromAnywhereWhileSentencesComeIn) {
-    for (const char* scene : {"statics-first", "service-first", "receive", "unregistering", "worker", "first-status"}) {
+    for (const char* scene :
+         {"statics-first", "service-first", "forked", "receive", "unregistering", "worker", "worker-removed",
+          "joined-removed", "first-status", "first-status-removed", "version-removed"}) {
         Child client({QVGPS_EXITING_CLIENT, scene});
         EXPECT_EQ(client.end(), 7) << scene;
         EXPECT_THAT(client.all(), testing::EndsWith("the last of the client\n")) << scene;

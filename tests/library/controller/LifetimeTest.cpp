@@ -107,6 +107,34 @@ TEST_F(Threads, inTwoNotificationsMayUnregisterEachOthersListeners) {
     expectDone(delivery, "the raw listener");
 }
 
+TEST_F(Threads, unregisteringTheirListenerFromInsideWaitForTheOthersInside) {
+    mController->registerGpsVersionListener(&mVersion);
+    std::latch bothInside(2);
+    std::atomic<pid_t> leaving{0};
+    std::atomic<bool> hasOtherReturned{false};
+    mVersion.setHook([&] {
+        bothInside.arrive_and_wait();
+        pid_t none = 0;
+        if (leaving.compare_exchange_strong(none, gettid())) {
+            EXPECT_TRUE(mController->unRegisterGpsVersionListener(&mVersion));
+            EXPECT_TRUE(hasOtherReturned);
+        } else {
+            waitUntilBlocked(leaving);
+            hasOtherReturned = true;
+        }
+    });
+    auto request = run([this] { mController->requestGpsVersionInfo(); });
+    mController->requestGpsVersionInfo();
+    expectDone(request, "the other request");
+}
+
+TEST_F(Threads, areNotNeededForAListenerToLeaveInItsFirstStatus) {
+    mAntenna.setHook([this] { EXPECT_TRUE(mController->unRegisterGpsConnectionListener(&mAntenna)); });
+    EXPECT_TRUE(mController->registerGpsConnectionListener(&mAntenna));
+    receive(kAntennaOpen);
+    EXPECT_THAT(mAntenna.take(), testing::ElementsAre("antenna:antenna 0"));
+}
+
 TEST_F(Threads, mayUnregisterInTheFirstStatusAListenerThatIsRegistering) {
     mController->registerGpsNmeaListener(&mRaw, GEODETIC_SYSTEM_WGS84);
     std::latch bothInside(2);

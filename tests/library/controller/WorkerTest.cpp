@@ -200,6 +200,23 @@ TEST_F(ControllersWorker, runsFromTheFirstLocationListenerToTheLast) {
     EXPECT_NE(workers(), first);
 }
 
+TEST_F(ControllersWorker, goesOnWhenTheLastListenerReplacesItselfInsideItsNotification) {
+    mListener.setHook([this] {
+        mController->unRegisterGpsLocationDataListener(&mListener);
+        mController->registerGpsLocationDataListener(&mOther);
+    });
+    std::promise<void> next;
+    mOther.setHook([&, calls = 0]() mutable {
+        if (++calls == 4) mController->setLocationData(&kNowhere);
+        if (calls == 8) next.set_value();
+    });
+    mController->registerGpsLocationDataListener(&mListener);
+    mController->setLocationData(&kNowhere);
+    auto delivered = next.get_future();
+    expectDone(delivered, "the second delivery");
+    mController->stop();
+}
+
 TEST_F(ControllersWorker, isTriedAgainByTheNextRegistrationWhenItCouldNotBeStarted) {
     letFail({"pthread_create", {EAGAIN}});
     EXPECT_TRUE(mController->registerGpsLocationDataListener(&mListener));

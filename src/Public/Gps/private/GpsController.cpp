@@ -12,13 +12,7 @@
 
 namespace {
 
-template <class Part>
-void deletePart(Part*& part) {
-    delete part;
-    part = nullptr;
-}
-
-/** Starts the layer's reception unless another user of the layer has. A refusal leaves the service without data. */
+/** Starts the HAL's reception unless another user of the HAL has. A refusal leaves the service without data. */
 void startReception(GpsHal& hal) {
     QvSyncGuard guard(hal.sync());
     if (!hal.isStarted()) hal.setStarted(hal.start());
@@ -33,42 +27,49 @@ void stopReception(GpsHal& hal) {
 
 }  // namespace
 
+std::atomic<std::thread::id> GpsController::sReceiver{std::thread::id()};
+
+void GpsController::ShareRelease::operator()(GpsHal*) const {
+    GpsHal::DelInstance();
+}
+
+void GpsController::ObserverRemoval::operator()(QvObserver<GpsController>* observer) const {
+    hal->RemoveObserver(observer);
+    delete observer;
+}
+
 GpsController::GpsController()
-    : mGpsParseNmeaManager(new GpsParseNmeaManager),
+    : mProcess(getpid()),
+      mGpsParseNmeaManager(new GpsParseNmeaManager),
       mGpsSettingManager(new GpsSettingManager),
       mGpsProductionManager(new GpsProductionManager),
       mGpsVersionManager(new GpsVersionManager),
       mGpsConnectionManager(new GpsConnectionManager),
-      mGpsHal(nullptr),
       mLocationDataMemory(new LocationDataMemory),
-      mObserver(nullptr),
-      mParseNmeaArray(mGpsParseNmeaListeners),
-      mConnectionArray(mGpsConnectionListeners),
-      mSyncHolder(std::thread::id()),
-      mIsWorkerToBeSettled(false),
       mThread(new QvThread<GpsController>(this)),
-      mIsRunning(false),
-      mIsStopRequested(false) {
-    mGpsHal = GpsHal::GetInstance();
-    mObserver = new QvObserver<GpsController>(this, &GpsController::receiveData);
-    mGpsHal->AddObserver(mObserver);
+      mGpsHal(GpsHal::GetInstance()),
+      mObserver(new QvObserver<GpsController>(this, &GpsController::receiveData), {mGpsHal.get()}) {
+    mGpsHal->AddObserver(mObserver.get());
     startReception(*mGpsHal);
 }
 
 GpsController::~GpsController() {
-    releaseSync();  // when the process exits from inside a call: the threads that end here may be waiting for it
-    stopReception(*mGpsHal);
-    mGpsHal->RemoveObserver(mObserver);
+    mSync.release();  // when the process exits from inside a notification: the threads that end here may wait for it
+    if (!endReception()) {
+        mObserver.release();
+        mGpsHal.release();
+    }
     endWorker();
-    deletePart(mThread);
-    deletePart(mObserver);
-    GpsHal::DelInstance();
-    deletePart(mLocationDataMemory);
-    deletePart(mGpsConnectionManager);
-    deletePart(mGpsVersionManager);
-    deletePart(mGpsProductionManager);
-    deletePart(mGpsSettingManager);
-    deletePart(mGpsParseNmeaManager);
+}
+
+/** False, with reception left as it is, when the receive thread waits for a notification that exits the process. */
+bool GpsController::endReception() {
+    const std::thread::id receiver = sReceiver;
+    const GpsListenerCalls::Wait wait(receiver);
+    if (!wait.canEnd() && receiver != std::this_thread::get_id()) return false;
+    stopReception(*mGpsHal);
+    mObserver.reset();
+    return true;
 }
 
 bool GpsController::requestGpsVersionInfo() {

@@ -4,11 +4,12 @@
 #include <sys/time.h>
 
 #include <atomic>
+#include <memory>
 #include <thread>
 
-#include "Gps/private/Listeners/GpsListenerGates.h"
 #include "Gps/private/Listeners/GpsListenerList.h"
 #include "Gps/private/Listeners/ListenerRegistry.h"
+#include "Gps/private/Listeners/RegistryLock.h"
 #include "Gps/private/Location/LocationPipeline.h"
 #include "QvFramework/Foundation/QvEvent.h"
 #include "QvFramework/Foundation/QvObserver.h"
@@ -25,15 +26,12 @@ class LocationDataMemory;
 struct GpsRegistryTexts;
 
 /**
- * The core of the library: owns the managers, observes the hardware-abstraction layer, classifies what it delivers,
- * keeps the listener registries, forwards requests and delivers location data on a worker thread.
+ * The core of the library: owns the managers, observes the HAL, dispatches what it delivers, keeps the listener
+ * registries, forwards requests and delivers location data on a worker thread.
  *
- * Threads: `receiveData` and the `...Proc` operations run on the layer's receive thread and take no registry lock;
- * `Initialize`, `MainProc` and `Finalize` run on the worker; everything else runs on clients' threads. Nothing throws
- * but the constructor.
- *
- * Locks, outermost first: mWorkerSync, mSync, a segment's lock, the one leaf lock of all registries. A thread that
- * waits for a listener to return holds none of them, and one that waits for the worker's end holds mWorkerSync alone.
+ * `receiveData` and the `...Proc` operations run on the HAL's receive thread and take no registry lock; `Initialize`,
+ * `MainProc` and `Finalize` run on the worker; everything else runs on clients' threads. Nothing throws but the
+ * constructor. docs/architecture.md lists the threads and the order of the locks.
  */
 class GpsController {
 public:
@@ -72,8 +70,9 @@ public:
 
     // Received data.
 
-    /** Takes one chunk from the layer. Always 0: the layer never sees a failure. */
+    /** Dispatches one chunk. Always 0: the HAL never sees a failure. */
     unsigned int receiveData(unsigned int eventCode, void* data, unsigned int length);
+    void connectionStatusProc(const char* data, unsigned int length);
     void nmeaSentenceProc(const char* data, unsigned int length);
     void parseNmeaSentenceProc(const char* data, unsigned int length);
     void responseGpsSettingProc(const char* data, unsigned int length);
@@ -83,7 +82,7 @@ public:
     void responseGpsVersionProc(const char* data, unsigned int length);
     void parseGpsVersionDataProc(const char* data, unsigned int length);
 
-    // The worker. `start` and `stop` must not run at the same time as each other.
+    // The worker. `start` and `stop` must not run concurrently.
 
     /** False when a worker is running, or cannot be started. */
     bool start();
@@ -95,35 +94,38 @@ public:
     void init_queue();
     /** Takes and delivers what is due at `now`: one cycle of the worker. */
     void runLocationCycle(const timeval& now);
-    /** Delivers the stored record at once, on the caller's thread, unless the worker has taken it already. */
+    /** Delivers the stored record on the caller's thread, unless the worker has taken it already. */
     void notifyLocationData();
 
 private:
-    friend class GpsControllerGuard;
-    class SettingListeners;
+    /** Give back what the controller has taken from the HAL. */
+    struct ShareRelease {
+        void operator()(GpsHal* hal) const;
+    };
+    struct ObserverRemoval {
+        GpsHal* hal;
+        void operator()(QvObserver<GpsController>* observer) const;
+    };
 
     template <class Entry, class Action>
     bool addListener(ListenerRegistry<Entry>& registry, const Entry& entry, const GpsRegistryTexts& texts,
-                     Action beforeEntry);
-    template <class Entry, class Action>
+                     Action firstCall);
+    template <class Entry>
     bool removeListener(ListenerRegistry<Entry>& registry, const typename ListenerRegistry<Entry>::Listener* npListener,
-                        const GpsRegistryTexts& texts, Action afterRemoval);
-    unsigned int releaseSync();
-    void retakeSync(unsigned int depth);
-    void requestWorkerStop();
-    void settleWorker();
+                        const GpsRegistryTexts& texts);
+    bool isForkedChild() const;
+    void reconcileWorker();
+    bool endReception();
     void endWorker();
-    void connectionStatusProc(const char* data, unsigned int length);
-    bool tellLocation(const LOCATION_DATA& location);
+    bool deliverLocation(const LOCATION_DATA& location);
 
-    GpsParseNmeaManager* mGpsParseNmeaManager;
-    GpsSettingManager* mGpsSettingManager;
-    GpsProductionManager* mGpsProductionManager;
-    GpsVersionManager* mGpsVersionManager;
-    GpsConnectionManager* mGpsConnectionManager;
-    GpsHal* mGpsHal;
-    LocationDataMemory* mLocationDataMemory;
-    QvObserver<GpsController>* mObserver;
+    const pid_t mProcess;
+    std::unique_ptr<GpsParseNmeaManager> mGpsParseNmeaManager;
+    std::unique_ptr<GpsSettingManager> mGpsSettingManager;
+    std::unique_ptr<GpsProductionManager> mGpsProductionManager;
+    std::unique_ptr<GpsVersionManager> mGpsVersionManager;
+    std::unique_ptr<GpsConnectionManager> mGpsConnectionManager;
+    std::unique_ptr<LocationDataMemory> mLocationDataMemory;
 
     ListenerRegistry<GPS_NMEA_LISTENER_LIST> mGpsNmeaListeners;
     ListenerRegistry<GPS_PARSE_NMEA_LISTENER_LIST> mGpsParseNmeaListeners;
@@ -132,19 +134,20 @@ private:
     ListenerRegistry<const GpsProductionListener*> mGpsProductionListeners;
     ListenerRegistry<const GpsVersionListener*> mGpsVersionListeners;
     ListenerRegistry<GPS_CONNECTION_LISTENER_LIST> mGpsConnectionListeners;
-    GatedRegistry<GPS_PARSE_NMEA_LISTENER_LIST, ParseNmeaGate> mParseNmeaArray;
-    GatedRegistry<GPS_CONNECTION_LISTENER_LIST, ConnectionGate> mConnectionArray;
 
-    QvSync mSync;  // registrations, location deliveries, read-change-write of the location
-    unsigned int mSyncDepth QV_GUARDED_BY(mSync) = 0;  // how often GpsControllerGuards of its holder have taken mSync
-    std::atomic<std::thread::id> mSyncHolder;          // the thread of those guards
-    std::atomic<bool> mIsWorkerToBeSettled;            // location listeners have come or gone
-    QvSync mWorkerSync;                                // starting and stopping the worker; never taken by the worker
-    QvThread<GpsController>* mThread;
+    RegistryLock mSync;  // registrations, location deliveries, read-change-write of the location
+    QvSync mWorkerSync;  // starting and stopping the worker; never taken by the worker
+    std::unique_ptr<QvThread<GpsController>> mThread;
     QvEvent mStopEvent;
-    std::atomic<bool> mIsRunning;
-    std::atomic<bool> mIsStopRequested;
+    std::atomic<bool> mIsRunning{false};
+    std::atomic<bool> mIsStopRequested{false};
+    std::atomic<bool> mHasWorkerEnded{false};  // by itself, for want of listeners; set while mSync is held
+    std::atomic<std::thread::id> mWorker{std::thread::id()};
     LocationPipeline mLocationPipeline;
+
+    static std::atomic<std::thread::id> sReceiver;  // the thread that received last
+    std::unique_ptr<GpsHal, ShareRelease> mGpsHal;
+    std::unique_ptr<QvObserver<GpsController>, ObserverRemoval> mObserver;
 };
 
 #endif

@@ -1,7 +1,6 @@
 #include <cstring>
 
 #include "Gps/private/GpsController.h"
-#include "Gps/private/GpsControllerGuard.h"
 #include "Gps/private/GpsControllerLog.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
 #include "Gps/private/Support/DegreesMinutes.h"
@@ -92,10 +91,12 @@ void GpsController::runLocationCycle(const timeval& now) {
     }
     if (!mLocationPipeline.isDue(now) || mIsStopRequested) return;
 
-    const GpsListenerCalls::Call call(this);  // what settleWorker may have to wait for
-    GpsControllerGuard guard(*this);
+    const GpsListenerCalls::Call call(this);  // for a thread that waits for the worker
+    QvSyncGuard guard(mSync);
     mLocationPipeline.pop(record);
-    if (tellLocation(record.Data)) mLocationPipeline.noteDelivery(now);
+    if (!deliverLocation(record.Data)) return;
+    mLocationPipeline.noteDelivery(now);
+    mHasWorkerEnded = mGpsLocationDataListeners.count() == 0;  // the last listener left inside its notification
 }
 
 void GpsController::notifyLocationData() {
@@ -105,21 +106,21 @@ void GpsController::notifyLocationData() {
         QvSyncGuard guard(mSync);
         mLocationDataMemory->read(&record);
     }
-    if (record.UpdateCounter != mLocationPipeline.lastUpdateCounter()) tellLocation(record.Data);
+    if (record.UpdateCounter != mLocationPipeline.lastUpdateCounter()) deliverLocation(record.Data);
 }
 
-/** False when there was nobody to tell. */
-bool GpsController::tellLocation(const LOCATION_DATA& location) {
-    const auto tellListener = [&](const GpsLocationDataListener* listener) {
-        // One by one: a listener that unregisters itself is not told the rest.
-        const auto tell = [&](auto notify, const auto* part) {
-            mGpsLocationDataListeners.callIfRegistered(listener, [&] { (callable(listener)->*notify)(part); });
+/** False when there was no listener. */
+bool GpsController::deliverLocation(const LOCATION_DATA& location) {
+    const auto deliver = [&](const GpsLocationDataListener* listener) {
+        // One by one: a listener that unregisters itself is not notified of the rest.
+        const auto notify = [&](auto notification, const auto* part) {
+            mGpsLocationDataListeners.callIfRegistered(listener, [&] { (asMutable(listener)->*notification)(part); });
         };
-        tell(&GpsLocationDataListener::notifyRmcData, &location.Rmc);
-        tell(&GpsLocationDataListener::notifyGgaData, &location.Gga);
-        tell(&GpsLocationDataListener::notifyPascdData, &location.Pascd);
-        tell(&GpsLocationDataListener::notifyLocationData, &location);
+        notify(&GpsLocationDataListener::notifyRmcData, &location.Rmc);
+        notify(&GpsLocationDataListener::notifyGgaData, &location.Gga);
+        notify(&GpsLocationDataListener::notifyPascdData, &location.Pascd);
+        notify(&GpsLocationDataListener::notifyLocationData, &location);
         return true;
     };
-    return mGpsLocationDataListeners.callEach(tellListener) != 0;
+    return mGpsLocationDataListeners.callEach(deliver) != 0;
 }

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <optional>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/GpsController.h"
 #include "Gps/private/GpsControllerLog.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/RecordDelivery.h"
 #include "Gps/private/NMEA/SentenceDelivery.h"
 #include "Gps/private/Production/GpsProductionManager.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
@@ -13,67 +15,39 @@
 namespace {
 
 /**
- * Offers something to a manager with one listener after another, as long as `offer` answers true. When the last
- * listener has left meanwhile, a message says so.
+ * Calls `notify` with one listener after another, as long as it answers true. Logs `noListener` when the last listener
+ * has left meanwhile.
  */
-template <class Listener, class Offer>
-void offerToEach(ListenerRegistry<const Listener*>& registry, const char* function, const char* noListener,
-                 Offer offer) {
+template <class Listener, class Notify>
+void notifyEach(ListenerRegistry<const Listener*>& registry, const char* function, const char* noListener,
+                Notify notify) {
     if (registry.count() == 0) return;
-    if (registry.callEach(offer) == 0) controllerLog(function, noListener);
+    if (registry.callEach(notify) == 0) controllerLog(function, noListener);
 }
 
 }  // namespace
 
-/** Stands for all setting listeners: one acknowledgement settles one request, and every listener is told. */
-class GpsController::SettingListeners : public GpsSettingListener {
-public:
-    explicit SettingListeners(ListenerRegistry<const GpsSettingListener*>& registry) : mRegistry(registry) {}
-
-    void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
-        offerToEach(mRegistry, "responseGpsSettingProc", "GpsController::responseGpsSettingProc() lpListener = NULL\n",
-                    [&](const GpsSettingListener* listener) {
-                        callable(listener)->notifyGpsSettingRequestResponse(acknowledged, setting);
-                        return true;
-                    });
-    }
-
-private:
-    ListenerRegistry<const GpsSettingListener*>& mRegistry;
-};
-
 unsigned int GpsController::receiveData(unsigned int, void* data, unsigned int length) {
+    sReceiver.store(std::this_thread::get_id(), std::memory_order_relaxed);
     if (data == nullptr || length == 0) {
         controllerLog("receiveData", "GpsController::receiveData() Argument Error\n");
         return 0;
     }
-    const char* const chunk = static_cast<const char*>(data);
-    switch (classifyChunk(chunk, length)) {
-        case ChunkKind::AntennaText:
-            connectionStatusProc(chunk, length);
-            break;
-        case ChunkKind::Sentence:
-            nmeaSentenceProc(chunk, length);
-            parseNmeaSentenceProc(chunk, length);
-            break;
-        case ChunkKind::Acknowledgement:
-            responseGpsSettingProc(chunk, length);
-            responseGpsProductionProc(chunk, length);
-            break;
-        case ChunkKind::Other:
-            parseGpsProductionDataProc(chunk, length);
-            break;
-    }
+    route(static_cast<const char*>(data), length, *this);
     return 0;
 }
 
-/** The connection manager reads terminated text, and no more of it than a status word behind its address. */
+/** The connection manager reads terminated text, and no more of it than the status word. */
 void GpsController::connectionStatusProc(const char* data, unsigned int length) {
     constexpr unsigned int kLongestText = 63;
     char text[kLongestText + 1] = {};
     std::copy_n(data, std::min(length, kLongestText), text);
-    mConnectionArray.refresh();
-    mGpsConnectionManager->changeGpsConnectionStatus(text, mConnectionArray.entries(), mConnectionArray.count());
+    GpsConnectionStatus status{};
+    if (!mGpsConnectionManager->takeStatus(text, &status)) return;
+    mGpsConnectionListeners.callEach([status](const GPS_CONNECTION_LISTENER_LIST& entry) {
+        asMutable(entry.listener)->notifyGpsConnectionStatus(status);
+        return true;
+    });
 }
 
 void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
@@ -82,12 +56,11 @@ void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
         return;
     }
     const GeodeticSystem base = mGpsSettingManager->getBaseGeodeticSystem();
-    const auto tell = [&](const GPS_NMEA_LISTENER_LIST& entry) {
+    mGpsNmeaListeners.callEach([&](const GPS_NMEA_LISTENER_LIST& entry) {
         deliverSentence(*mGpsParseNmeaManager, entry, base, {data, length},
                         [this] { return mGpsSettingManager->getSettingFinishFlg(); });
         return true;
-    };
-    mGpsNmeaListeners.callEach(tell);
+    });
 }
 
 void GpsController::parseNmeaSentenceProc(const char* data, unsigned int length) {
@@ -97,19 +70,25 @@ void GpsController::parseNmeaSentenceProc(const char* data, unsigned int length)
     }
     const GeodeticSystem base = mGpsSettingManager->getBaseGeodeticSystem();
     const bool settingFinished = mGpsSettingManager->getSettingFinishFlg();
-    mParseNmeaArray.refresh();
-    mGpsParseNmeaManager->parseNmeaSentence(data, length, mParseNmeaArray.entries(), mParseNmeaArray.count(), base,
-                                            settingFinished);
+    mGpsParseNmeaManager->parseNmeaSentence(data, length, Recipients(mGpsParseNmeaListeners, base, settingFinished));
 }
 
+/** One acknowledgement settles one request, and every setting listener is notified of it. */
 void GpsController::responseGpsSettingProc(const char* data, unsigned int length) {
+    constexpr char kFunction[] = "responseGpsSettingProc";
     if (data == nullptr || length == 0) {
-        controllerLog("responseGpsSettingProc", "GpsController::responseGpsSettingProc() Argument Error\n");
+        controllerLog(kFunction, "GpsController::responseGpsSettingProc() Argument Error\n");
         return;
     }
     if (mGpsSettingListeners.count() == 0) return;
-    const SettingListeners everyone(mGpsSettingListeners);
-    mGpsSettingManager->analizeGpsSettingResponse(data, length, &everyone);
+    std::optional<SettledRequest> settled;
+    mGpsSettingManager->takeResponse(data, length, settled);
+    if (!settled) return;
+    notifyEach(mGpsSettingListeners, kFunction, "GpsController::responseGpsSettingProc() lpListener = NULL\n",
+               [&](const GpsSettingListener* listener) {
+                   asMutable(listener)->notifyGpsSettingRequestResponse(settled->acknowledged, settled->setting);
+                   return true;
+               });
 }
 
 void GpsController::responseGpsProductionProc(const char* data, unsigned int length) {
@@ -118,10 +97,10 @@ void GpsController::responseGpsProductionProc(const char* data, unsigned int len
         controllerLog(kFunction, "GpsController::responseGpsProductionProc() Argument Error\n");
         return;
     }
-    offerToEach(mGpsProductionListeners, kFunction, "GpsController::responseGpsProductionProc() lpListener = NULL\n",
-                [&](const GpsProductionListener* listener) {
-                    return mGpsProductionManager->switchGpsProductionResponse(data, length, listener);
-                });
+    notifyEach(mGpsProductionListeners, kFunction, "GpsController::responseGpsProductionProc() lpListener = NULL\n",
+               [&](const GpsProductionListener* listener) {
+                   return mGpsProductionManager->switchGpsProductionResponse(data, length, listener);
+               });
 }
 
 void GpsController::parseGpsProductionDataProc(const char* data, unsigned int length) {
@@ -130,13 +109,13 @@ void GpsController::parseGpsProductionDataProc(const char* data, unsigned int le
         controllerLog(kFunction, "GpsController::parseGpsProductionDataProc() Argument Error\n");
         return;
     }
-    offerToEach(mGpsProductionListeners, kFunction, "GpsController::parseGpsProductionDataProc() lpListener = NULL\n",
-                [&](const GpsProductionListener* listener) {
-                    return mGpsProductionManager->parseGpsProductionData(data, listener, length) ||
-                           controllerLog.failure(
-                               kFunction,
-                               "GpsController::parseGpsProductionDataProc() : parseGpsProductionData() = false\n");
-                });
+    notifyEach(mGpsProductionListeners, kFunction, "GpsController::parseGpsProductionDataProc() lpListener = NULL\n",
+               [&](const GpsProductionListener* listener) {
+                   return mGpsProductionManager->parseGpsProductionData(data, listener, length) ||
+                          controllerLog.failure(
+                              kFunction,
+                              "GpsController::parseGpsProductionDataProc() : parseGpsProductionData() = false\n");
+               });
 }
 
 void GpsController::responseGpsVersionProc(const char* data, unsigned int length) {
@@ -145,10 +124,10 @@ void GpsController::responseGpsVersionProc(const char* data, unsigned int length
         controllerLog(kFunction, "GpsController::responseGpsVersionProc() Argument Error\n");
         return;
     }
-    offerToEach(mGpsVersionListeners, kFunction, "GpsController::responseGpsVersionProc() lpListener = NULL\n",
-                [&](const GpsVersionListener* listener) {
-                    return mGpsVersionManager->gpsVersionInfoResponse(data, length, listener);
-                });
+    notifyEach(mGpsVersionListeners, kFunction, "GpsController::responseGpsVersionProc() lpListener = NULL\n",
+               [&](const GpsVersionListener* listener) {
+                   return mGpsVersionManager->gpsVersionInfoResponse(data, length, listener);
+               });
 }
 
 void GpsController::parseGpsVersionDataProc(const char* data, unsigned int length) {

@@ -1,11 +1,11 @@
-#include <utility>
+#include <unistd.h>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/GpsController.h"
-#include "Gps/private/GpsControllerGuard.h"
 #include "Gps/private/GpsControllerLog.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
 
-/** What the operations of one registry say when they refuse. */
+/** What the operations of one registry log when they refuse. */
 struct GpsRegistryTexts {
     const char* registerFunction;
     const char* registerNull;
@@ -39,58 +39,40 @@ constexpr auto kNothing = [] {};
 
 }  // namespace
 
-/** `beforeEntry` runs once it is known that there is room, and before the listener can be called. */
+/** `firstCall` runs once the entry is there, and before it can be called otherwise. It may remove the entry. */
 template <class Entry, class Action>
 bool GpsController::addListener(ListenerRegistry<Entry>& registry, const Entry& entry, const GpsRegistryTexts& texts,
-                                Action beforeEntry) {
+                                Action firstCall) {
     if (listenerOf(entry) == nullptr) return controllerLog.failure(texts.registerFunction, texts.registerNull);
-    {
-        GpsControllerGuard guard(*this);
-        if (!registry.isFull()) {
-            beforeEntry();
-            if (registry.append(entry)) return true;
-        }
-    }
-    return controllerLog.failure(texts.registerFunction, texts.full);
+    QvSyncGuard guard(mSync);
+    if (!registry.append(entry)) return controllerLog.failure(texts.registerFunction, texts.full);
+    firstCall();
+    registry.enable(listenerOf(entry));
+    return true;
 }
 
-/** `afterRemoval` runs while the registry is still locked. */
-template <class Entry, class Action>
+template <class Entry>
 bool GpsController::removeListener(ListenerRegistry<Entry>& registry,
                                    const typename ListenerRegistry<Entry>::Listener* npListener,
-                                   const GpsRegistryTexts& texts, Action afterRemoval) {
+                                   const GpsRegistryTexts& texts) {
     if (npListener == nullptr) return controllerLog.failure(texts.unRegisterFunction, texts.unRegisterNull);
+    if (isForkedChild()) return true;
     bool isEmpty = false;
     {
-        GpsControllerGuard guard(*this);
+        QvSyncGuard guard(mSync);
         isEmpty = registry.count() == 0;
         registry.remove(npListener);
-        if (!isEmpty) afterRemoval();
     }
-    const unsigned int depth = releaseSync();  // a call that is waited for may itself be waiting for mSync
-    GpsListenerCalls::instance().waitUntilNotCalled(npListener);
-    retakeSync(depth);
+    {
+        const RegistryLock::Pause pause(mSync);  // a call that is waited for may itself wait for mSync
+        GpsListenerCalls::instance().waitUntilNotCalled(npListener);
+    }
     return !isEmpty || controllerLog.failure(texts.unRegisterFunction, texts.empty);
 }
 
-/** Gives mSync back, however often guards of this thread have taken it. Returns how often. */
-unsigned int GpsController::releaseSync() QV_NO_THREAD_SAFETY_ANALYSIS {
-    if (mSyncHolder != std::this_thread::get_id()) return 0;
-    const unsigned int depth = std::exchange(mSyncDepth, 0U);
-    mSyncHolder = std::thread::id();
-    for (unsigned int i = 0; i < depth; ++i) {
-        mSync.unlock();
-    }
-    return depth;
-}
-
-void GpsController::retakeSync(unsigned int depth) QV_NO_THREAD_SAFETY_ANALYSIS {
-    if (depth == 0) return;
-    for (unsigned int i = 0; i < depth; ++i) {
-        mSync.lock();
-    }
-    mSyncDepth = depth;
-    mSyncHolder = std::this_thread::get_id();
+/** A forked child has none of the threads that an unregistration waits for, and perhaps locks that stay taken. */
+bool GpsController::isForkedChild() const {
+    return getpid() != mProcess;
 }
 
 bool GpsController::registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem) {
@@ -98,7 +80,7 @@ bool GpsController::registerGpsNmeaListener(const GpsNmeaListener* npListener, G
 }
 
 bool GpsController::unRegisterGpsNmeaListener(const GpsNmeaListener* npListener) {
-    return removeListener(mGpsNmeaListeners, npListener, kNmea, kNothing);
+    return removeListener(mGpsNmeaListeners, npListener, kNmea);
 }
 
 bool GpsController::registerGpsParseNmeaListener(const GpsParseNmeaListener* npListener,
@@ -107,19 +89,19 @@ bool GpsController::registerGpsParseNmeaListener(const GpsParseNmeaListener* npL
 }
 
 bool GpsController::unRegisterGpsParseNmeaListener(const GpsParseNmeaListener* npListener) {
-    return removeListener(mGpsParseNmeaListeners, npListener, kParseNmea, kNothing);
+    return removeListener(mGpsParseNmeaListeners, npListener, kParseNmea);
 }
 
 bool GpsController::registerGpsLocationDataListener(const GpsLocationDataListener* npListener) {
-    return addListener(mGpsLocationDataListeners, npListener, kLocationData, [this] { mIsWorkerToBeSettled = true; });
+    const bool isAdded = addListener(mGpsLocationDataListeners, npListener, kLocationData, kNothing);
+    if (isAdded) reconcileWorker();
+    return isAdded;
 }
 
 bool GpsController::unRegisterGpsLocationDataListener(const GpsLocationDataListener* npListener) {
-    return removeListener(mGpsLocationDataListeners, npListener, kLocationData, [this] {
-        if (mGpsLocationDataListeners.count() != 0) return;
-        requestWorkerStop();
-        mIsWorkerToBeSettled = true;
-    });
+    const bool isRemoved = removeListener(mGpsLocationDataListeners, npListener, kLocationData);
+    if (isRemoved) reconcileWorker();
+    return isRemoved;
 }
 
 bool GpsController::registerGpsVersionListener(const GpsVersionListener* npListener) {
@@ -127,7 +109,7 @@ bool GpsController::registerGpsVersionListener(const GpsVersionListener* npListe
 }
 
 bool GpsController::unRegisterGpsVersionListener(const GpsVersionListener* npListener) {
-    return removeListener(mGpsVersionListeners, npListener, kVersion, kNothing);
+    return removeListener(mGpsVersionListeners, npListener, kVersion);
 }
 
 bool GpsController::registerGpsConnectionListener(const GpsConnectionListener* npListener) {
@@ -140,7 +122,7 @@ bool GpsController::registerGpsConnectionListener(const GpsConnectionListener* n
 }
 
 bool GpsController::unRegisterGpsConnectionListener(const GpsConnectionListener* npListener) {
-    return removeListener(mGpsConnectionListeners, npListener, kConnection, kNothing);
+    return removeListener(mGpsConnectionListeners, npListener, kConnection);
 }
 
 bool GpsController::registerGpsSettingListener(const GpsSettingListener* npListener) {
@@ -148,7 +130,7 @@ bool GpsController::registerGpsSettingListener(const GpsSettingListener* npListe
 }
 
 bool GpsController::unRegisterGpsSettingListener(const GpsSettingListener* npListener) {
-    return removeListener(mGpsSettingListeners, npListener, kSetting, kNothing);
+    return removeListener(mGpsSettingListeners, npListener, kSetting);
 }
 
 bool GpsController::registerGpsProductionListener(const GpsProductionListener* npListener) {
@@ -156,5 +138,5 @@ bool GpsController::registerGpsProductionListener(const GpsProductionListener* n
 }
 
 bool GpsController::unRegisterGpsProductionListener(const GpsProductionListener* npListener) {
-    return removeListener(mGpsProductionListeners, npListener, kProduction, kNothing);
+    return removeListener(mGpsProductionListeners, npListener, kProduction);
 }

@@ -24,6 +24,7 @@ bool GpsController::start() {
     if (mIsRunning) return false;
     mStopEvent.ResetEvent();
     mIsStopRequested = false;
+    mHasWorkerEnded = false;
     if (!mThread->Start(kWorkerName)) {
         mIsRunning = false;
         return controllerLog.failure("start", "- GpsController::start - unable to start worker.\n");
@@ -35,41 +36,42 @@ bool GpsController::start() {
 
 bool GpsController::stop() {
     if (!mIsRunning) return false;
-    requestWorkerStop();
+    mIsStopRequested = true;
+    mStopEvent.SetEvent();
     const bool hasEnded = mThread->WaitExit(kStopTimeoutMs);
+    mWorker = std::thread::id();
     mIsRunning = false;
     return hasEnded || controllerLog.failure("stop", "- GpsController::stop - unable to stop worker.\n");
 }
 
-void GpsController::requestWorkerStop() {
-    mIsStopRequested = true;
-    mStopEvent.SetEvent();
-}
-
-/** Makes the worker run exactly when there are location listeners. The caller does not hold mSync. */
-void GpsController::settleWorker() {
+/**
+ * Makes the worker run while there are location listeners. Does nothing on the worker, and on a thread for which a
+ * location listener waits: the worker looks for listeners itself after a delivery.
+ */
+void GpsController::reconcileWorker() {
+    if (isForkedChild() || mWorker == std::this_thread::get_id()) return;
     const GpsListenerCalls::Wait wait(this);
-    if (!wait.canEnd()) {  // a location listener waits for this thread: the worker ends by itself and is joined later
-        mIsWorkerToBeSettled = true;
-        return;
-    }
+    if (!wait.canEnd()) return;
+    const RegistryLock::Pause pause(mSync);  // which the worker takes for a delivery
     QvSyncGuard guard(mWorkerSync);
-    const bool isStopping = mIsStopRequested || mGpsLocationDataListeners.count() == 0;
-    if (mIsRunning && isStopping) stop();
-    if (!mIsRunning && mGpsLocationDataListeners.count() != 0) start();
+    const bool isWanted = mGpsLocationDataListeners.count() != 0;
+    if (mHasWorkerEnded || !isWanted) stop();
+    if (isWanted) start();
 }
 
+/** Leaves the worker as it is when the process exits from inside a notification that the worker runs or waits for. */
 void GpsController::endWorker() {
     const GpsListenerCalls::Wait wait(this);
-    if (!wait.canEnd()) {  // the process exits from inside a location notification, which never returns
-        mThread = nullptr;
+    if (mWorker == std::this_thread::get_id() || !wait.canEnd()) {
+        mThread.release();
         return;
     }
     QvSyncGuard guard(mWorkerSync);
-    if (mIsRunning) stop();
+    stop();
 }
 
 int GpsController::Initialize() {
+    mWorker = std::this_thread::get_id();
     init_queue();
     return 0;
 }
@@ -88,5 +90,6 @@ int GpsController::MainProc() {
         qv_msleep(kPollPeriodMs);
         if (mIsStopRequested) return 0;
         runLocationCycle(currentTime());
+        if (mHasWorkerEnded) return 0;
     }
 }

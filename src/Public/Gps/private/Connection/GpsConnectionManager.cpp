@@ -34,21 +34,24 @@ GpsConnectionManager::~GpsConnectionManager() {
 
 void GpsConnectionManager::changeGpsConnectionStatus(const char* sentence, const GPS_CONNECTION_LISTENER_LIST* list,
                                                      unsigned int count) {
-    if (sentence == nullptr) return;
-    GpsConnectionStatus status = getConnectionStatus();
-    if (!parseConnectionStatus(sentence, &status)) return;
-    setConnectionStatus(status);
-    if (list == nullptr) return;
+    GpsConnectionStatus status{};
+    if (!takeStatus(sentence, &status) || list == nullptr) return;
     for (unsigned int i = 0; i < count; ++i) {
-        if (list[i].listener != nullptr) callable(list[i].listener)->notifyGpsConnectionStatus(status);
+        if (list[i].listener != nullptr) asMutable(list[i].listener)->notifyGpsConnectionStatus(status);
     }
+}
+
+bool GpsConnectionManager::takeStatus(const char* sentence, GpsConnectionStatus* status) {
+    if (sentence == nullptr) return false;
+    *status = getConnectionStatus();
+    return parseConnectionStatus(sentence, status);
 }
 
 bool GpsConnectionManager::getGpsConnectionStatus(const GpsConnectionListener* listener) {
     if (listener == nullptr) {
         return log.failure("getGpsConnectionStatus", "GpsConnectionManager::getGpsConnectionStatus() Argument Error\n");
     }
-    callable(listener)->notifyGpsConnectionStatus(getConnectionStatus());
+    asMutable(listener)->notifyGpsConnectionStatus(getConnectionStatus());
     return true;
 }
 

@@ -14,28 +14,29 @@ struct GPS_CONNECTION_LOCAL_MEMORY {
 };
 static_assert(sizeof(GPS_CONNECTION_LOCAL_MEMORY) == 4, "shared with every process");
 
-/** Recognises antenna-status sentences, keeps the status for all processes and tells the connection listeners. */
+/** Recognises antenna-status sentences, keeps the status for all processes and notifies connection listeners. */
 class GpsConnectionManager : public QvSharedMemory<GPS_CONNECTION_LOCAL_MEMORY, 1> {
 public:
     GpsConnectionManager();
     ~GpsConnectionManager() override;
 
-    /**
-     * Recognises, stores and tells, on the caller's thread.
-     * @param sentence NUL-terminated
-     */
+    // Sentences are terminated by a NUL.
+
+    /** Recognises and stores a status, and notifies the listeners on the caller's thread. */
     void changeGpsConnectionStatus(const char* sentence, const GPS_CONNECTION_LISTENER_LIST* list, unsigned int count);
-    /** Tells one listener the current status. False only for a null listener. */
+    /** The same without notifying. False when there is no status in the sentence or it cannot be stored. */
+    bool takeStatus(const char* sentence, GpsConnectionStatus* status);
+    /** Notifies one listener of the current status. False only for a null listener. */
     bool getGpsConnectionStatus(const GpsConnectionListener* listener);
 
-    /** The shared status; this process's copy where the segment cannot be read. */
+    /** The shared status; this process's copy when the segment cannot be read. */
     GpsConnectionStatus getConnectionStatus();
     /** Sets this process's copy only. */
     void setConnectionStatus(GpsConnectionStatus status);
 
-    /** Recognises a NUL-terminated sentence and stores its status in all three places. */
+    /** Recognises a status and stores it in `status`, in this process's copy and in the segment. */
     bool parseConnectionStatus(const char* sentence, GpsConnectionStatus* status);
-    /** Recognises it only; uses nothing shared. */
+    /** Recognises a status only; uses nothing shared. */
     static bool recognizeStatus(const char* sentence, GpsConnectionStatus* status);
 
     bool readLocalMemory(GPS_CONNECTION_LOCAL_MEMORY* out) const;

@@ -8,17 +8,11 @@
 #include "Gps/private/Listeners/LeafLock.h"
 
 /**
- * The listeners' calls in progress, and the threads that wait for their end. One for all registries of the process,
- * and never destroyed: the process may exit from inside a call while another thread waits for its end.
+ * The notifications in progress, and the threads that wait for one of them or for another thread. One for all
+ * registries of the process, and never destroyed: the process may exit from inside a notification while other threads
+ * wait for it.
  */
 class GpsListenerCalls : private QvUncopyable {
-    /** A thread that is inside a callee, or waits for its calls to end. Lives on the thread's stack. */
-    struct Mark {
-        const void* callee = nullptr;
-        std::thread::id thread = std::this_thread::get_id();
-        Mark* next = nullptr;
-    };
-
 public:
     static GpsListenerCalls& instance() {
         static GpsListenerCalls* const calls = new GpsListenerCalls();
@@ -28,110 +22,125 @@ public:
     /** Guards the registries as well. A leaf: held for single steps, never while a listener runs. */
     LeafLock& lock() QV_RETURN_CAPABILITY(mLock) { return mLock; }
 
-    /** A call in progress, from `begin` to the end of its own lifetime. */
+    /** A notification of a listener in progress on this thread, from `begin` to the end of this object. */
     class Call : private QvUncopyable {
     public:
         Call() = default;
         /** Begins at once. */
-        explicit Call(const void* callee) {
-            GpsListenerCalls& calls = instance();
-            LeafGuard guard(calls.mLock);
-            begin(calls, callee);
+        explicit Call(const void* listener) {
+            LeafGuard guard(instance().mLock);
+            begin(instance(), listener);
         }
         /** @param calls the instance */
-        void begin(GpsListenerCalls& calls, const void* callee) QV_REQUIRES(calls.mLock) {
-            mMark.callee = callee;
-            link(calls.mCalls, mMark);
+        void begin(GpsListenerCalls& calls, const void* listener) QV_REQUIRES(calls.mLock) {
+            mListener = listener;
+            link(calls.mCalls, *this);
         }
         ~Call() {
-            if (mMark.callee != nullptr) instance().end(mMark);
+            if (mListener != nullptr) instance().end(*this);
         }
 
     private:
-        Mark mMark;
+        friend class GpsListenerCalls;
+        const void* mListener = nullptr;
+        const std::thread::id mThread = std::this_thread::get_id();
+        Call* mNext = nullptr;
     };
 
-    /** This thread's wait for the end of a callee's calls, for its own lifetime. */
+    /** This thread waits: for the end of a listener's calls on other threads, or for a thread. */
     class Wait : private QvUncopyable {
     public:
-        explicit Wait(const void* callee) : mCanEnd(instance().beginWait(mMark, callee)) {}
+        explicit Wait(const void* listener) : Wait(listener, std::thread::id()) {}
+        explicit Wait(std::thread::id awaited) : Wait(nullptr, awaited) {}
         ~Wait() {
-            if (mCanEnd) instance().endWait(mMark);
+            if (mCanEnd) instance().endWait(*this);
         }
 
-        /** False when it must not be waited: this thread is inside the callee itself, or is what a thread inside it
-         *  waits for. */
+        /** False when the wait must not be started: what it waits for is, or waits for, this thread. */
         bool canEnd() const { return mCanEnd; }
 
     private:
-        Mark mMark;
-        bool mCanEnd;
+        friend class GpsListenerCalls;
+        Wait(const void* listener, std::thread::id awaited)
+            : mListener(listener), mAwaited(awaited), mCanEnd(instance().beginWait(*this)) {}
+
+        const void* const mListener;
+        const std::thread::id mAwaited;
+        const std::thread::id mThread = std::this_thread::get_id();
+        Wait* mNext = nullptr;
+        const bool mCanEnd;
     };
 
-    /** Returns when no other thread is inside the callee; at once where that would never come. */
-    void waitUntilNotCalled(const void* callee) {
-        const Wait wait(callee);
+    /** Returns when no other thread is inside the listener; at once where that would be a ring of waits. */
+    void waitUntilNotCalled(const void* listener) {
+        const Wait wait(listener);
         if (!wait.canEnd()) return;
         LeafGuard guard(mLock);
-        while (isCalled(callee))
+        while (firstCallAwaitedBy(wait, mCalls) != nullptr)
             mCallEnded.wait(mLock);
     }
 
 private:
-    static void link(Mark*& head, Mark& mark) {
-        mark.next = head;
-        head = &mark;
+    template <class Node>
+    static void link(Node*& head, Node& node) {
+        node.mNext = head;
+        head = &node;
     }
 
-    static void unlink(Mark*& head, Mark& mark) {
-        Mark** place = &head;
-        while (*place != &mark)
-            place = &(*place)->next;
-        *place = mark.next;
+    template <class Node>
+    static void unlink(Node*& head, const Node& node) {
+        Node** pointer = &head;
+        while (*pointer != &node)
+            pointer = &(*pointer)->mNext;
+        *pointer = node.mNext;
     }
 
-    bool isCalled(const void* callee) const QV_REQUIRES(mLock) {
-        const Mark* call = mCalls;
-        while (call != nullptr && call->callee != callee)
-            call = call->next;
-        return call != nullptr;
-    }
-
-    void end(Mark& call) {
+    void end(const Call& call) {
         LeafGuard guard(mLock);
         unlink(mCalls, call);
         if (mWaits != nullptr) mCallEnded.notify_all();
     }
 
-    bool beginWait(Mark& wait, const void* callee) {
+    bool beginWait(Wait& wait) {
         LeafGuard guard(mLock);
-        if (endsWithThread(callee, wait.thread)) return false;
-        wait.callee = callee;
+        if (dependsOn(wait, wait.mThread)) return false;
         link(mWaits, wait);
         return true;
     }
 
-    void endWait(Mark& wait) {
+    void endWait(const Wait& wait) {
         LeafGuard guard(mLock);
         unlink(mWaits, wait);
     }
 
-    /** Whether a call of the callee cannot end before `thread` goes on. Waits never form a ring, so this comes to an
-     *  end. */
-    bool endsWithThread(const void* callee, std::thread::id thread) const QV_REQUIRES(mLock) {
-        for (const Mark* call = mCalls; call != nullptr; call = call->next) {
-            if (call->callee != callee) continue;
-            if (call->thread == thread) return true;
-            for (const Mark* wait = mWaits; wait != nullptr; wait = wait->next) {
-                if (wait->thread == call->thread && endsWithThread(wait->callee, thread)) return true;
-            }
+    /** The first call from `call` on that the wait is for; null when there is none. */
+    static const Call* firstCallAwaitedBy(const Wait& wait, const Call* call) {
+        while (call != nullptr && (call->mListener != wait.mListener || call->mThread == wait.mThread))
+            call = call->mNext;
+        return call;
+    }
+
+    /** Whether a wait cannot end before `thread` goes on. Waits never form a ring, so the recursion ends. */
+    bool dependsOn(const Wait& wait, std::thread::id thread) const QV_REQUIRES(mLock) {
+        if (isHeldUpBy(wait.mAwaited, thread)) return true;
+        const Call* call = firstCallAwaitedBy(wait, mCalls);
+        while (call != nullptr && !isHeldUpBy(call->mThread, thread))
+            call = firstCallAwaitedBy(wait, call->mNext);
+        return call != nullptr;
+    }
+
+    /** Whether `waiting` is `thread`, or waits for it. */
+    bool isHeldUpBy(std::thread::id waiting, std::thread::id thread) const QV_REQUIRES(mLock) {
+        if (waiting == thread) return true;
+        for (const Wait* wait = mWaits; wait != nullptr; wait = wait->mNext) {
+            if (wait->mThread == waiting && dependsOn(*wait, thread)) return true;
         }
         return false;
     }
 
     LeafLock mLock;
-    Mark* mCalls QV_GUARDED_BY(mLock) = nullptr;
-    Mark* mWaits QV_GUARDED_BY(mLock) = nullptr;
+    Call* mCalls QV_GUARDED_BY(mLock) = nullptr;
+    Wait* mWaits QV_GUARDED_BY(mLock) = nullptr;
     std::condition_variable_any mCallEnded;
 };
 

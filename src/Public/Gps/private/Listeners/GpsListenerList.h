@@ -14,17 +14,13 @@ struct GPS_NMEA_LISTENER_LIST {
 struct GPS_PARSE_NMEA_LISTENER_LIST {
     const GpsParseNmeaListener* listener;
     GeodeticSystem geodeticSystem;  ///< the datum asked for; not validated
-
-    bool operator==(const GPS_PARSE_NMEA_LISTENER_LIST&) const = default;
 };
 
 struct GPS_CONNECTION_LISTENER_LIST {
     const GpsConnectionListener* listener;
-
-    bool operator==(const GPS_CONNECTION_LISTENER_LIST&) const = default;
 };
 
-/** The listener of a registry entry, whatever the entry's shape. */
+/** The listener of a registry entry of either shape. */
 template <class Listener>
 constexpr const Listener* listenerOf(const Listener* entry) {
     return entry;
@@ -36,7 +32,7 @@ constexpr auto listenerOf(const Entry& entry) -> decltype(entry.listener) {
 
 /** Listeners are registered by pointer to const, but notifications are not const. */
 template <class Listener>
-Listener* callable(const Listener* listener) {
+Listener* asMutable(const Listener* listener) {
     return const_cast<Listener*>(listener);
 }
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdint>
-#include <iterator>
 #include <type_traits>
 
 #include "Gps/private/Listeners/GpsListenerCalls.h"
@@ -22,101 +21,101 @@ template <class Entry>
 class ListenerRegistry : private QvUncopyable {
 public:
     using Listener = std::remove_pointer_t<decltype(listenerOf(Entry{}))>;
-    using Entries = Entry[LISTENER_LIST_MAX];
 
     unsigned int count() const { return mCount.load(std::memory_order_acquire); }
-    bool isFull() const { return count() == LISTENER_LIST_MAX; }
 
-    /** Changes with every registration and unregistration. */
-    unsigned int generation() const { return mGeneration.load(std::memory_order_acquire); }
-
-    /** False when the registry is full. */
+    /** Adds an entry that is not called until it is enabled. False when the registry is full. */
     bool append(const Entry& entry) {
         LeafGuard guard(mCalls.lock());
         const unsigned int index = count();
         if (index == LISTENER_LIST_MAX) return false;
-        mPlaces[index] = {entry, ++mLastTicket};
-        publish(index + 1);
+        const std::uint64_t serial = mLastSerial.load(std::memory_order_relaxed) + 1;
+        mRegistrations[index] = {entry, serial, false};
+        mLastSerial.store(serial, std::memory_order_release);
+        mCount.store(index + 1, std::memory_order_release);
         return true;
     }
 
-    /** Removes every entry of a listener; those behind move up. */
-    void remove(const Listener* listener) {
+    /** Enables every entry of a listener. */
+    void enable(const Listener* listener) {
         LeafGuard guard(mCalls.lock());
-        const auto isOfListener = [listener](const Place& place) { return listenerOf(place.entry) == listener; };
-        Place* const kept = std::remove_if(mPlaces, end(), isOfListener);
-        std::fill(kept, end(), Place{});
-        publish(static_cast<unsigned int>(kept - mPlaces));
+        std::for_each(mRegistrations, end(), [listener](Registration& registration) {
+            if (listenerOf(registration.entry) == listener) registration.isEnabled = true;
+        });
     }
 
-    /** Copies all entries, empty ones too. Returns the generation they belong to. */
-    unsigned int copyTo(Entries& entries) const {
+    /** Removes every entry of a listener; those after it move up. */
+    void remove(const Listener* listener) {
         LeafGuard guard(mCalls.lock());
-        std::transform(std::begin(mPlaces), std::end(mPlaces), entries, [](const Place& place) { return place.entry; });
-        return generation();
+        Registration* const kept = std::remove_if(mRegistrations, end(), [listener](const Registration& registration) {
+            return listenerOf(registration.entry) == listener;
+        });
+        mCount.store(static_cast<unsigned int>(kept - mRegistrations), std::memory_order_release);
     }
 
     /**
-     * Calls `tell(entry)` with one entry after another, as long as it answers true. A listener that registers meanwhile
-     * is reached, none is left out because another one leaves, and there are no more calls than places.
+     * Calls `notify(entry)` with one entry after another, as long as it answers true. A listener that registers
+     * meanwhile is reached, none is left out because another one leaves, and there are at most LISTENER_LIST_MAX calls.
      * @return number of calls
      */
-    template <class Tell>
-    unsigned int callEach(Tell tell) {
+    template <class Notify>
+    unsigned int callEach(Notify notify) {
         unsigned int calls = 0;
-        std::uint64_t ticket = 0;
-        for (bool goesOn = true; goesOn && calls < LISTENER_LIST_MAX; ++calls) {
+        std::uint64_t serial = 0;
+        bool goesOn = true;
+        while (goesOn && calls < LISTENER_LIST_MAX && serial != mLastSerial.load(std::memory_order_acquire)) {
             Entry entry{};
             GpsListenerCalls::Call call;
-            if (!beginNext(ticket, entry, call)) break;
-            goesOn = tell(entry);
+            if (!beginNext(serial, entry, call)) break;
+            goesOn = notify(entry);
+            ++calls;
         }
         return calls;
     }
 
-    /** Calls `tell()` if the entry is still registered. */
-    template <class Tell>
-    void callIfRegistered(const Entry& entry, Tell tell) {
-        const auto isEntry = [&entry](const Place& place) { return place.entry == entry; };
+    /** Calls `notify()` if the listener is still registered. */
+    template <class Notify>
+    void callIfRegistered(const Listener* listener, Notify notify) {
         GpsListenerCalls::Call call;
         {
             LeafGuard guard(mCalls.lock());
-            if (std::none_of(mPlaces, end(), isEntry)) return;
-            call.begin(mCalls, listenerOf(entry));
+            const auto isOfListener = [listener](const Registration& registration) {
+                return listenerOf(registration.entry) == listener;
+            };
+            if (std::none_of(mRegistrations, end(), isOfListener)) return;
+            call.begin(mCalls, listener);
         }
-        tell();
+        notify();
     }
 
 private:
-    struct Place {
+    struct Registration {
         Entry entry{};
-        std::uint64_t ticket = 0;  // rises with every registration; 0 in an empty place
+        std::uint64_t serial = 0;  // rises with every registration
+        bool isEnabled = false;
     };
 
-    /** Begins the call of the first entry that was registered after `ticket`. False when there is none. */
-    bool beginNext(std::uint64_t& ticket, Entry& entry, GpsListenerCalls::Call& call) {
+    /** Begins the call of the first enabled entry that was registered after `serial`. False when there is none. */
+    bool beginNext(std::uint64_t& serial, Entry& entry, GpsListenerCalls::Call& call) {
         LeafGuard guard(mCalls.lock());
-        const Place* const next =
-            std::find_if(mPlaces, end(), [ticket](const Place& place) { return place.ticket > ticket; });
+        const Registration* const next =
+            std::find_if(mRegistrations, end(), [serial](const Registration& registration) {
+                return registration.serial > serial && registration.isEnabled;
+            });
         if (next == end()) return false;
-        ticket = next->ticket;
+        serial = next->serial;
         entry = next->entry;
         call.begin(mCalls, listenerOf(entry));
         return true;
     }
 
-    Place* end() QV_REQUIRES(mCalls.lock()) { return mPlaces + count(); }
-
-    void publish(unsigned int newCount) QV_REQUIRES(mCalls.lock()) {
-        mCount.store(newCount, std::memory_order_release);
-        mGeneration.store(generation() + 1, std::memory_order_release);
-    }
+    Registration* end() QV_REQUIRES(mCalls.lock()) { return mRegistrations + count(); }
 
     GpsListenerCalls& mCalls = GpsListenerCalls::instance();
-    Place mPlaces[LISTENER_LIST_MAX] QV_GUARDED_BY(mCalls.lock());
-    std::uint64_t mLastTicket QV_GUARDED_BY(mCalls.lock()) = 0;
-    std::atomic<unsigned int> mCount{0};  // these two change with the places, and are read without the lock
-    std::atomic<unsigned int> mGeneration{0};
+    Registration mRegistrations[LISTENER_LIST_MAX] QV_GUARDED_BY(mCalls.lock());
+    // Change under the lock, and are read without it.
+    std::atomic<unsigned int> mCount{0};
+    std::atomic<std::uint64_t> mLastSerial{0};
 };
 
 #endif

@@ -38,20 +38,14 @@ constexpr Field<GPZDA> kZdaFields[] = {
 
 }  // namespace
 
-bool GpsParseNmeaManager::parseVtgSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPVTG* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    const Recipients recipients = {listeners, count, base, settingFinished};
-    const char* cursor = beginForListeners(*this, kVtg, sentence, recipients, *record);
-    return cursor != nullptr && readAll<kVtgFields>(kVtg.function, cursor, *record) &&
+bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPVTG& record) {
+    const char* cursor = beginForListeners(*this, kVtg, sentence, recipients, record);
+    return cursor != nullptr && readAll<kVtgFields>(kVtg.function, cursor, record) &&
            deliver(recipients, record, &GpsParseNmeaListener::notifyParseVtgSentence);
 }
 
-bool GpsParseNmeaManager::parseZdaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPZDA* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    const Recipients recipients = {listeners, count, base, settingFinished};
-    const char* cursor = beginForListeners(*this, kZda, sentence, recipients, *record);
-    return cursor != nullptr && readAll<kZdaFields>(kZda.function, cursor, *record) &&
+bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPZDA& record) {
+    const char* cursor = beginForListeners(*this, kZda, sentence, recipients, record);
+    return cursor != nullptr && readAll<kZdaFields>(kZda.function, cursor, record) &&
            deliver(recipients, record, &GpsParseNmeaListener::notifyParseZdaSentence);
 }

@@ -21,10 +21,31 @@ GpsParseNmeaManager::GpsParseNmeaManager()
 
 GpsParseNmeaManager::~GpsParseNmeaManager() = default;
 
+// The operations that take an array of listeners.
+
 bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int length,
                                             const GPS_PARSE_NMEA_LISTENER_LIST* listeners, unsigned int count,
                                             GeodeticSystem base, bool settingFinished) {
-    const Recipients recipients = {listeners, count, base, settingFinished};
+    return parseNmeaSentence(data, length, Recipients(listeners, count, base, settingFinished));
+}
+
+#define PARSE_FOR_ARRAY(operation, Record)                                                                   \
+    bool GpsParseNmeaManager::operation(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners, \
+                                        unsigned int count, Record* record, GeodeticSystem base,             \
+                                        bool settingFinished) {                                              \
+        return parse(sentence, Recipients(listeners, count, base, settingFinished), *record);                \
+    }
+PARSE_FOR_ARRAY(parseGgaSentence, GPGGA)
+PARSE_FOR_ARRAY(parseGllSentence, GPGLL)
+PARSE_FOR_ARRAY(parseGsaSentence, GPGSA)
+PARSE_FOR_ARRAY(parseGsvSentence, GPGSV)
+PARSE_FOR_ARRAY(parseRmcSentence, GPRMC)
+PARSE_FOR_ARRAY(parseVtgSentence, GPVTG)
+PARSE_FOR_ARRAY(parseZdaSentence, GPZDA)
+PARSE_FOR_ARRAY(receiveParsePubxSentence, PUBX)
+#undef PARSE_FOR_ARRAY
+
+bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int length, const Recipients& recipients) {
     if (data == nullptr || length == 0 || recipients.isEmpty()) return false;
     sentence_text::Sentence sentence;
     if (!sentence_text::takeSentence(data, length, sentence)) return false;
@@ -35,36 +56,33 @@ bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int lengt
     return !isEpochComplete || deliverEpoch(recipients);
 }
 
-/** Hands a sentence to the parser of its kind and keeps the outcome for the epoch. */
-void GpsParseNmeaManager::parseKind(const sentence_text::Sentence& sentence, const Recipients& to) {
-    const auto parse = [&](auto parser, auto& record) {
-        return (this->*parser)(sentence.text, to.listeners, to.count, &record, to.base, to.settingFinished);
-    };
+/** Passes a sentence to the parser of its kind and keeps the outcome for the epoch. */
+void GpsParseNmeaManager::parseKind(const sentence_text::Sentence& sentence, const Recipients& recipients) {
     switch (sentence_text::kindOf(sentence)) {
         case Kind::GGA:
-            parsedFlags.gga = parse(&GpsParseNmeaManager::parseGgaSentence, ggaData);
+            parsedFlags.gga = parse(sentence.text, recipients, ggaData);
             break;
         case Kind::GLL:
-            parsedFlags.gll = parse(&GpsParseNmeaManager::parseGllSentence, gllData);
+            parsedFlags.gll = parse(sentence.text, recipients, gllData);
             break;
         case Kind::GSA:
-            parsedFlags.gsa = parse(&GpsParseNmeaManager::parseGsaSentence, gsaData);
+            parsedFlags.gsa = parse(sentence.text, recipients, gsaData);
             break;
         case Kind::GSV:
-            parsedFlags.gsv = parse(&GpsParseNmeaManager::parseGsvSentence, gsvData);
+            parsedFlags.gsv = parse(sentence.text, recipients, gsvData);
             break;
         case Kind::RMC:
             clearData();  // an RMC opens a new epoch
-            parsedFlags.rmc = parse(&GpsParseNmeaManager::parseRmcSentence, rmcData);
+            parsedFlags.rmc = parse(sentence.text, recipients, rmcData);
             break;
         case Kind::VTG:
-            parsedFlags.vtg = parse(&GpsParseNmeaManager::parseVtgSentence, vtgData);
+            parsedFlags.vtg = parse(sentence.text, recipients, vtgData);
             break;
         case Kind::ZDA:
-            parse(&GpsParseNmeaManager::parseZdaSentence, zdaData);
+            parse(sentence.text, recipients, zdaData);
             break;
         case Kind::PUBX:
-            parse(&GpsParseNmeaManager::receiveParsePubxSentence, pubxData);
+            parse(sentence.text, recipients, pubxData);
             pubxData = {};
             break;
         case Kind::Other:
@@ -80,7 +98,7 @@ bool GpsParseNmeaManager::deliverEpoch(const Recipients& recipients) {
     const auto convert = [this](PARSE_NMEA& aggregate) {
         return convertTokyoToWgs84ForAllData(&aggregate.Gga, &aggregate.Gll, &aggregate.Rmc);
     };
-    if (!deliver(recipients, &parseNmeaData, &GpsParseNmeaListener::notifyParseNmeaSentence, convert)) return false;
+    if (!deliver(recipients, parseNmeaData, &GpsParseNmeaListener::notifyParseNmeaSentence, convert)) return false;
     clearData();
     return true;
 }

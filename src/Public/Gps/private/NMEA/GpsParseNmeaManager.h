@@ -3,7 +3,7 @@
 
 #include "Gps/private/Listeners/GpsListenerList.h"
 
-struct Recipients;
+class Recipients;
 namespace sentence_text {
 struct Sentence;
 }
@@ -37,13 +37,13 @@ public:
     virtual ~GpsParseNmeaManager();
 
     /**
-     * Parses the first line of a received chunk, tells the listeners its record, and, when that completes the epoch,
-     * the aggregate.
-     * @param listeners, count registry; must stay unchanged during the call
+     * Parses the first line of a received chunk, delivers its record and, when that completes the epoch, the aggregate.
+     * @param listeners, count the recipients; must stay unchanged during the call
      * @param base datum in which the receiver reports
      * @param settingFinished whether listeners of the Tokyo datum may be served
      * @return false when the line is not a checked sentence, or the delivery of an aggregate stopped
      */
+    bool parseNmeaSentence(const char* data, unsigned int length, const Recipients& recipients);
     bool parseNmeaSentence(const char* data, unsigned int length, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
                            unsigned int count, GeodeticSystem base, bool settingFinished);
     /** Forgets the records of the current epoch. */
@@ -130,6 +130,14 @@ public:
                                   bool* converted, char* out, unsigned int* outSize);
 
 private:
+    bool parse(const char* sentence, const Recipients& recipients, GPGGA& record);
+    bool parse(const char* sentence, const Recipients& recipients, GPGLL& record);
+    bool parse(const char* sentence, const Recipients& recipients, GPGSA& record);
+    bool parse(const char* sentence, const Recipients& recipients, GPGSV& record);
+    bool parse(const char* sentence, const Recipients& recipients, GPRMC& record);
+    bool parse(const char* sentence, const Recipients& recipients, GPVTG& record);
+    bool parse(const char* sentence, const Recipients& recipients, GPZDA& record);
+    bool parse(const char* sentence, const Recipients& recipients, PUBX& record);
     void parseKind(const sentence_text::Sentence& sentence, const Recipients& recipients);
     bool deliverEpoch(const Recipients& recipients);
     bool readSatellites(const char* cursor, GPGSV& record);

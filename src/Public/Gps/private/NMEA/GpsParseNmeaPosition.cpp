@@ -119,11 +119,9 @@ bool readPubx(const char* sentence, PUBX& record) {
            readDeadReckoning(cursor, record);
 }
 
-/** Delivers a position record; without listeners it is enough to have read it. */
 template <class Record>
-bool deliverPosition(GpsParseNmeaManager& manager, const Recipients& recipients, Record* record,
+bool deliverPosition(GpsParseNmeaManager& manager, const Recipients& recipients, Record& record,
                      void (GpsParseNmeaListener::*notify)(const Record*)) {
-    if (recipients.isEmpty()) return true;
     return deliver(recipients, record, notify, [&manager](Record& converted) {
         return manager.convertTokyoToWgs84(&converted.Lat, &converted.LatDeg, &converted.LatMin, &converted.Lon,
                                            &converted.LonDeg, &converted.LonMin);
@@ -132,33 +130,22 @@ bool deliverPosition(GpsParseNmeaManager& manager, const Recipients& recipients,
 
 }  // namespace
 
-bool GpsParseNmeaManager::parseGgaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPGGA* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    return readPosition<kGgaFields>(*this, kGga, sentence, *record) &&
-           deliverPosition(*this, {listeners, count, base, settingFinished}, record,
-                           &GpsParseNmeaListener::notifyParseGgaSentence);
+bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPGGA& record) {
+    return readPosition<kGgaFields>(*this, kGga, sentence, record) &&
+           deliverPosition(*this, recipients, record, &GpsParseNmeaListener::notifyParseGgaSentence);
 }
 
-bool GpsParseNmeaManager::parseGllSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPGLL* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    return readPosition<kGllFields>(*this, kGll, sentence, *record) &&
-           deliverPosition(*this, {listeners, count, base, settingFinished}, record,
-                           &GpsParseNmeaListener::notifyParseGllSentence);
+bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPGLL& record) {
+    return readPosition<kGllFields>(*this, kGll, sentence, record) &&
+           deliverPosition(*this, recipients, record, &GpsParseNmeaListener::notifyParseGllSentence);
 }
 
-bool GpsParseNmeaManager::parseRmcSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPRMC* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    return readPosition<kRmcFields>(*this, kRmc, sentence, *record) &&
-           deliverPosition(*this, {listeners, count, base, settingFinished}, record,
-                           &GpsParseNmeaListener::notifyParseRmcSentence);
+bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPRMC& record) {
+    return readPosition<kRmcFields>(*this, kRmc, sentence, record) &&
+           deliverPosition(*this, recipients, record, &GpsParseNmeaListener::notifyParseRmcSentence);
 }
 
-bool GpsParseNmeaManager::receiveParsePubxSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                                   unsigned int count, PUBX* record, GeodeticSystem base,
-                                                   bool settingFinished) {
-    return readPubx(sentence, *record) && deliverPosition(*this, {listeners, count, base, settingFinished}, record,
-                                                          &GpsParseNmeaListener::notifyParsePubxSentence);
+bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, PUBX& record) {
+    return readPubx(sentence, record) &&
+           deliverPosition(*this, recipients, record, &GpsParseNmeaListener::notifyParsePubxSentence);
 }

@@ -96,14 +96,13 @@ bool GpsParseNmeaManager::convertTokyoToWgs84ForNmea(const char* sentence, unsig
         return nmeaLog.failure(kFunction, "GpsParseNmeaManager::convertTokyoToWgs84ForNmea() Argument Error");
     }
     bool converted = false;
-    char rebuilt[REGENERATED_SIZE] = {};
-    unsigned int rebuiltSize = 0;
-    const bool isParsed = parseNmeaSentenceMinimum(sentence, length, geodeticSystem, &converted, rebuilt, &rebuiltSize);
+    const bool isParsed = parseNmeaSentenceMinimum(sentence, length, geodeticSystem, &converted, out, outSize);
     if (!isParsed || (!converted && length > REGENERATED_SIZE)) {
         return nmeaLog.failure(
             kFunction, "GpsParseNmeaManager::convertTokyoToWgs84ForNmea() : parseNmeaSentenceMinimum() = false");
     }
-    *outSize = converted ? rebuiltSize : length;
-    std::memcpy(out, converted ? rebuilt : sentence, *outSize);
+    if (converted) return true;
+    std::memcpy(out, sentence, length);
+    *outSize = length;
     return true;
 }

@@ -46,37 +46,31 @@ constexpr unsigned int kSatellitesPerMessage = 4;
 
 }  // namespace
 
-bool GpsParseNmeaManager::parseGsaSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPGSA* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    const Recipients recipients = {listeners, count, base, settingFinished};
-    const char* cursor = beginForListeners(*this, kGsa, sentence, recipients, *record);
-    if (cursor == nullptr || !readAll<kGsaFix>(kGsa.function, cursor, *record)) return false;
-    for (unsigned char& used : record->SatUsed) {
+bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPGSA& record) {
+    const char* cursor = beginForListeners(*this, kGsa, sentence, recipients, record);
+    if (cursor == nullptr || !readAll<kGsaFix>(kGsa.function, cursor, record)) return false;
+    for (unsigned char& used : record.SatUsed) {
         Token field;
         cursor = sentence_text::readField(cursor, field);
         if (cursor == nullptr) return nmeaLog.failure(kGsa.function, kGsaSatelliteMissing);
         used = static_cast<unsigned char>(field.toInteger());
         ++usedSatCount;
     }
-    if (!readAll<kGsaDilution>(kGsa.function, cursor, *record)) return false;
-    record->SentenceNum = ++gsaSentenceCount;
+    if (!readAll<kGsaDilution>(kGsa.function, cursor, record)) return false;
+    record.SentenceNum = ++gsaSentenceCount;
     return deliver(recipients, record, &GpsParseNmeaListener::notifyParseGsaSentence);
 }
 
-bool GpsParseNmeaManager::parseGsvSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
-                                           unsigned int count, GPGSV* record, GeodeticSystem base,
-                                           bool settingFinished) {
-    const Recipients recipients = {listeners, count, base, settingFinished};
-    const char* cursor = beginForListeners(*this, kGsv, sentence, recipients, *record);
-    if (cursor == nullptr || !readAll<kGsvCycle>(kGsv.function, cursor, *record)) return false;
-    if (record->MessageNum == 1) gsvSatCount = 0;  // a cycle that lost its last message does not spoil the next
-    if (record->SatView > GPS_MAX_SATELLITE_RECEIVE_NUM) {
+bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPGSV& record) {
+    const char* cursor = beginForListeners(*this, kGsv, sentence, recipients, record);
+    if (cursor == nullptr || !readAll<kGsvCycle>(kGsv.function, cursor, record)) return false;
+    if (record.MessageNum == 1) gsvSatCount = 0;  // a cycle that lost its last message does not spoil the next
+    if (record.SatView > GPS_MAX_SATELLITE_RECEIVE_NUM) {
         gsvSatCount = 0;
         return nmeaLog.failure(kGsv.function, kGsvTooMany);
     }
-    if (!readSatellites(cursor, *record)) return false;
-    if (record->MessageNum != record->MessageTotal) return true;
+    if (!readSatellites(cursor, record)) return false;
+    if (record.MessageNum != record.MessageTotal) return true;
     if (!deliver(recipients, record, &GpsParseNmeaListener::notifyParseGsvSentence)) return false;
     gsvSatCount = 0;
     return true;

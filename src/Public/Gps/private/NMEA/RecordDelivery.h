@@ -1,63 +1,76 @@
 #ifndef GPS_PRIVATE_NMEA_RECORD_DELIVERY_H
 #define GPS_PRIVATE_NMEA_RECORD_DELIVERY_H
 
-#include "Gps/private/Listeners/GpsListenerList.h"
+#include "Gps/private/Listeners/ListenerRegistry.h"
 #include "Gps/private/Support/GpsReceiveRules.h"
 
-/** To whom parsed records go, and by which datum rule. */
-struct Recipients {
-    const GPS_PARSE_NMEA_LISTENER_LIST* listeners;
-    unsigned int count;
-    GeodeticSystem base;
-    bool settingFinished;
+/** The listeners that get parsed records, in an array or a registry, and what decides on the datum. */
+class Recipients {
+public:
+    using Entry = GPS_PARSE_NMEA_LISTENER_LIST;
 
-    bool isEmpty() const { return listeners == nullptr || count == 0; }
+    /** @param listeners may be null; must stay unchanged while this object is used */
+    Recipients(const Entry* listeners, unsigned int count, GeodeticSystem base, bool settingFinished)
+        : mListeners(listeners), mCount(listeners != nullptr ? count : 0), mBase(base), mIsFinished(settingFinished) {}
+    Recipients(ListenerRegistry<Entry>& registry, GeodeticSystem base, bool settingFinished)
+        : mpRegistry(&registry), mCount(registry.count()), mBase(base), mIsFinished(settingFinished) {}
+
+    /** Whether there were none at first. */
+    bool isEmpty() const { return mCount == 0; }
+
+    DatumDelivery deliveryTo(const Entry& entry) const {
+        const DatumDelivery delivery = datumDelivery(mBase, entry.geodeticSystem);
+        if (delivery != DatumDelivery::AsReceivedOnceFinished) return delivery;
+        return mIsFinished ? DatumDelivery::AsReceived : DatumDelivery::Impossible;
+    }
+
+    /** Calls `deliver(entry)` with one entry after another until it answers false. Returns the last answer, or true. */
+    template <class Deliver>
+    bool forEach(Deliver deliver) const {
+        bool isComplete = true;
+        if (mpRegistry != nullptr) {
+            mpRegistry->callEach([&](const Entry& entry) { return isComplete = deliver(entry); });
+            return isComplete;
+        }
+        for (unsigned int i = 0; i < mCount && isComplete; ++i) {
+            if (mListeners[i].listener != nullptr) isComplete = deliver(mListeners[i]);
+        }
+        return isComplete;
+    }
+
+private:
+    ListenerRegistry<Entry>* mpRegistry = nullptr;
+    const Entry* mListeners = nullptr;
+    unsigned int mCount;
+    GeodeticSystem mBase;
+    bool mIsFinished;
 };
 
 /**
- * Tells one listener a record that is converted for it; the record is in the base datum again afterwards. `convert`
- * changes the record in place and may refuse.
+ * Notifies the recipients of a record. Stops, with false, at the first one that cannot be served. `convert` changes a
+ * record in place and may refuse; after each converted delivery the record is in the base datum again.
  */
 template <class Record, class Convert>
-bool deliverConverted(const GpsParseNmeaListener* listener, Record* record,
-                      void (GpsParseNmeaListener::*notify)(const Record*), Convert convert) {
-    const Record saved = *record;
-    const bool isConverted = convert(*record);
-    if (isConverted) (callable(listener)->*notify)(record);
-    *record = saved;
-    return isConverted;
-}
-
-/**
- * Delivers a record to each listener in its datum, in registry order. An entry that cannot be served stops the
- * delivery: the entries after it are not told, and the result is false.
- */
-template <class Record, class Convert>
-bool deliver(const Recipients& recipients, Record* record, void (GpsParseNmeaListener::*notify)(const Record*),
+bool deliver(const Recipients& recipients, Record& record, void (GpsParseNmeaListener::*notify)(const Record*),
              Convert convert) {
-    for (unsigned int i = 0; i < recipients.count; ++i) {
-        const GPS_PARSE_NMEA_LISTENER_LIST& entry = recipients.listeners[i];
-        if (entry.listener == nullptr) continue;
-        switch (datumDelivery(recipients.base, entry.geodeticSystem)) {
-            case DatumDelivery::Impossible:
-                return false;
-            case DatumDelivery::Converted:
-                if (!deliverConverted(entry.listener, record, notify, convert)) return false;
-                continue;
-            case DatumDelivery::AsReceivedOnceFinished:
-                if (!recipients.settingFinished) return false;
-                break;
-            case DatumDelivery::AsReceived:
-                break;
+    return recipients.forEach([&](const Recipients::Entry& entry) {
+        const DatumDelivery delivery = recipients.deliveryTo(entry);
+        if (delivery == DatumDelivery::Impossible) return false;
+        if (delivery == DatumDelivery::AsReceived) {
+            (asMutable(entry.listener)->*notify)(&record);
+            return true;
         }
-        (callable(entry.listener)->*notify)(record);
-    }
-    return true;
+        const Record saved = record;
+        const bool isConverted = convert(record);
+        if (isConverted) (asMutable(entry.listener)->*notify)(&record);
+        record = saved;
+        return isConverted;
+    });
 }
 
-/** The same for a record without a position: it is in every datum. */
+/** The same for a record without a position, which is alike in every datum. */
 template <class Record>
-bool deliver(const Recipients& recipients, Record* record, void (GpsParseNmeaListener::*notify)(const Record*)) {
+bool deliver(const Recipients& recipients, Record& record, void (GpsParseNmeaListener::*notify)(const Record*)) {
     return deliver(recipients, record, notify, [](Record&) { return true; });
 }
 

@@ -136,7 +136,7 @@ inline const char* readAddress(const Frame& frame, const char* sentence) {
     return cursor;
 }
 
-/** Begins a record that is read for listeners only. Null when there is nothing to read or nobody to tell. */
+/** Begins a record that is read for listeners only. Null when there is nothing to read or no listener. */
 template <class Record>
 const char* beginForListeners(GpsParseNmeaManager& manager, const Frame& frame, const char* sentence,
                               const Recipients& recipients, Record& record) {

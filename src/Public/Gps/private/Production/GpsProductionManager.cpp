@@ -203,7 +203,7 @@ bool GpsProductionManager::switchGpsProductionResponse(const char* data, unsigne
         return log.failure(kFunction, "GpsProductionManager::switchGpsProductionResponse() unknown response\n");
     }
     const bool acknowledged = data[3] == 1;
-    GpsProductionListener* const told = callable(listener);
+    GpsProductionListener* const told = asMutable(listener);
     switch (mRequestType) {
         case REQUEST_TYPE_SWITCH_PRODUCTION_MODE:
             told->notyfySwitchGpsProductionModeRequestResponse(acknowledged);
@@ -250,7 +250,7 @@ bool GpsProductionManager::parseGpsProductionDataMonPt(const char* data, const G
     const Payload payload(data, length);
     if (payload.size() < kMonPtPayload) return false;
     const PRODUCTION_DATA record = readMonPt(payload);
-    callable(listener)->notifyReceiveGpsProductionData(&record);
+    asMutable(listener)->notifyReceiveGpsProductionData(&record);
     return true;
 }
 
@@ -260,6 +260,6 @@ bool GpsProductionManager::parseGpsProductionDataMonPt2(const char* data, const 
     const Payload payload(data, length);
     if (payload.size() < kMonPt2Lists || payload.size() < monPt2Size(payload)) return false;
     const GPS_PRODUCTION_CHECK_DATA record = readMonPt2(payload);
-    callable(listener)->notifyReceiveGpsProductionCheckData(&record);
+    asMutable(listener)->notifyReceiveGpsProductionCheckData(&record);
     return true;
 }

@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <ctime>
-#include <optional>
 
 #include "Gps/private/Listeners/GpsListenerList.h"
 #include "Gps/private/Support/GpsLog.h"
@@ -145,23 +144,28 @@ bool GpsSettingManager::storeSetting(GpsSetting setting) {
 
 bool GpsSettingManager::analizeGpsSettingResponse(const char* data, unsigned int length,
                                                   const GpsSettingListener* listener) {
-    constexpr char kFunction[] = "analizeGpsSettingResponse";
     if (data == nullptr || length == 0 || listener == nullptr) {
-        return log.failure(kFunction, "GpsSettingManager::analizeGpsSettingResponse() Argument Error\n");
+        return log.failure("analizeGpsSettingResponse",
+                           "GpsSettingManager::analizeGpsSettingResponse() Argument Error\n");
     }
+    std::optional<SettledRequest> settled;
+    const bool isTaken = takeResponse(data, length, settled);
+    if (settled) asMutable(listener)->notifyGpsSettingRequestResponse(settled->acknowledged, settled->setting);
+    return isTaken;
+}
+
+bool GpsSettingManager::takeResponse(const char* data, unsigned int length, std::optional<SettledRequest>& settled) {
     const Response response = responseOf(data, length);
-    GpsSetting settled = GPS_SETTING_PUBX00_ON;
-    {
-        QvSyncGuard guard(mPendingSync);
-        if (mPendingCount == 0) return false;
-        if (response == Response::PortSettings) return true;
-        settled = takeOldest();
-        if (response != Response::Unknown) --mPendingCount;
-    }
+    QvSyncGuard guard(mPendingSync);
+    if (mPendingCount == 0) return false;
+    if (response == Response::PortSettings) return true;
+    const GpsSetting oldest = takeOldest();
     if (response == Response::Unknown) {
-        return log.failure(kFunction, "GpsSettingManager::analizeGpsSettingResponse() unknown response\n");
+        return log.failure("analizeGpsSettingResponse",
+                           "GpsSettingManager::analizeGpsSettingResponse() unknown response\n");
     }
-    callable(listener)->notifyGpsSettingRequestResponse(response == Response::Acknowledged, settled);
+    --mPendingCount;
+    settled = {response == Response::Acknowledged, oldest};
     return true;
 }
 

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <optional>
 
 #include "Gps/GpsListeners.h"
 #include "QvFramework/Foundation/QvSync.h"
@@ -19,6 +20,12 @@ struct GPS_SETTING_LOCAL_MEMORY {
 static_assert(offsetof(GPS_SETTING_LOCAL_MEMORY, settingFinishFlg) == 4 && sizeof(GPS_SETTING_LOCAL_MEMORY) == 8,
               "shared with every process");
 
+/** A request that the receiver has answered. */
+struct SettledRequest {
+    bool acknowledged;
+    GpsSetting setting;
+};
+
 /**
  * Sends settings to the receiver and pairs its acknowledgements, by order alone, with the requests that await one.
  * Keeps the datum in which the receiver reports and the setting-finished flag for all processes.
@@ -32,9 +39,12 @@ public:
     bool requestGpsSetting(GpsSetting setting);
 
     /**
-     * Offers a received UBX frame. An acknowledgement settles the oldest awaited request and tells `listener`.
+     * Takes a received UBX frame of at least one byte. An acknowledgement settles the oldest awaited request.
+     * @param settled set when the frame settles a request
      * @return whether the frame was taken as a response
      */
+    bool takeResponse(const char* data, unsigned int length, std::optional<SettledRequest>& settled);
+    /** The same, and notifies `listener` of the settled request. */
     bool analizeGpsSettingResponse(const char* data, unsigned int length, const GpsSettingListener* listener);
 
     /** The shared values; this process's copies of them where the segment cannot be read. */

@@ -1,18 +1,26 @@
 #ifndef GPS_PRIVATE_GPS_RECEIVE_RULES_H
 #define GPS_PRIVATE_GPS_RECEIVE_RULES_H
 
+#include <string_view>
+
 #include "Gps/GpsNmeaRecords.h"
 
-/** What a received chunk is, by its first bytes. */
-enum class ChunkKind {
-    AntennaText,      ///< "$GPTXT" or "$GNTXT"
-    Sentence,         ///< any other "$"
-    Acknowledgement,  ///< B5 62 05
-    Other,            ///< production results, and whatever nobody asked for
-};
-
-/** @param length at least 1 */
-ChunkKind classifyChunk(const char* data, unsigned int length);
+/** Passes a received chunk, by its first bytes, to the operations of `handler` that take chunks of its kind. */
+template <class Handler>
+void route(const char* data, unsigned int length, Handler& handler) {
+    const std::string_view chunk(data, length);
+    if (chunk.starts_with("$GPTXT") || chunk.starts_with("$GNTXT")) {
+        handler.connectionStatusProc(data, length);
+    } else if (chunk.starts_with('$')) {
+        handler.nmeaSentenceProc(data, length);
+        handler.parseNmeaSentenceProc(data, length);
+    } else if (chunk.starts_with("\xB5\x62\x05")) {
+        handler.responseGpsSettingProc(data, length);
+        handler.responseGpsProductionProc(data, length);
+    } else {
+        handler.parseGpsProductionDataProc(data, length);
+    }
+}
 
 /** How a listener gets data. */
 enum class DatumDelivery {
@@ -24,8 +32,13 @@ enum class DatumDelivery {
 
 /**
  * The datum rule, by the datum in which the receiver reports and the one that the listener wants. There is no
- * conversion towards Tokyo, and no other datum is known.
+ * conversion to Tokyo, and no other datum is known.
  */
-DatumDelivery datumDelivery(GeodeticSystem base, GeodeticSystem wanted);
+constexpr DatumDelivery datumDelivery(GeodeticSystem base, GeodeticSystem wanted) {
+    if (base == GEODETIC_SYSTEM_WGS84 && wanted == GEODETIC_SYSTEM_WGS84) return DatumDelivery::AsReceived;
+    if (base == GEODETIC_SYSTEM_TOKYO && wanted == GEODETIC_SYSTEM_WGS84) return DatumDelivery::Converted;
+    if (base == GEODETIC_SYSTEM_TOKYO && wanted == GEODETIC_SYSTEM_TOKYO) return DatumDelivery::AsReceivedOnceFinished;
+    return DatumDelivery::Impossible;
+}
 
 #endif

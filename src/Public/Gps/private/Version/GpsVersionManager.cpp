@@ -22,7 +22,7 @@ bool GpsVersionManager::requestGpsVersionInfo(const GpsVersionListener* listener
     if (listener == nullptr) {
         return log.failure("requestGpsVersionInfo", "GpsVersionManager::requestGpsVersionInfo() Argument Error");
     }
-    callable(listener)->notifyGpsVersionInfo(kVersion, sizeof(kVersion));
+    asMutable(listener)->notifyGpsVersionInfo(kVersion, sizeof(kVersion));
     return true;
 }
 

@@ -1,0 +1,62 @@
+#ifndef GPS_PRIVATE_REGISTRY_LOCK_H
+#define GPS_PRIVATE_REGISTRY_LOCK_H
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "QvFramework/Foundation/QvThreadAnnotations.h"
+#include "QvFramework/Foundation/QvUncopyable.h"
+
+/**
+ * The lock of the registries, which is held while location listeners and the first status of a connection listener run.
+ * Its holder may take it again, and may give it up as a whole while it waits for another thread.
+ */
+class QV_CAPABILITY RegistryLock : private QvUncopyable {
+public:
+    void lock() const QV_ACQUIRE() QV_NO_THREAD_SAFETY_ANALYSIS { take(1); }
+    void unlock() const QV_RELEASE() QV_NO_THREAD_SAFETY_ANALYSIS {
+        if (--mDepth == 0) give();
+    }
+
+    /** Gives the lock up if this thread holds it. Returns how often it held it. */
+    unsigned int release() const {
+        if (mHolder != std::this_thread::get_id()) return 0;
+        const unsigned int depth = mDepth;
+        give();
+        return depth;
+    }
+
+    /** Gives up what callers of this thread hold, for its own lifetime. */
+    class Pause : private QvUncopyable {
+    public:
+        explicit Pause(const RegistryLock& lock) QV_EXCLUDES(lock) : mLock(lock), mDepth(lock.release()) {}
+        ~Pause() {
+            if (mDepth != 0) mLock.take(mDepth);
+        }
+
+    private:
+        const RegistryLock& mLock;
+        const unsigned int mDepth;
+    };
+
+private:
+    void take(unsigned int depth) const {
+        if (mHolder != std::this_thread::get_id()) {
+            mMutex.lock();
+            mHolder = std::this_thread::get_id();
+            mDepth = 0;
+        }
+        mDepth += depth;
+    }
+    void give() const {
+        mHolder = std::thread::id();
+        mMutex.unlock();
+    }
+
+    mutable std::mutex mMutex;
+    mutable std::atomic<std::thread::id> mHolder{std::thread::id()};
+    mutable unsigned int mDepth = 0;  // of the holder
+};
+
+#endif
