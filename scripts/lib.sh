@@ -3,7 +3,7 @@
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages=(cmake g++ ninja-build pkg-config libcli11-dev nlohmann-json3-dev libncurses-dev)
+build_packages=(cmake g++ ninja-build pkg-config libcli11-dev libfmt-dev nlohmann-json3-dev libncurses-dev)
 test_packages=(libgtest-dev libgmock-dev util-linux binutils locales)
 
 as_root() {
