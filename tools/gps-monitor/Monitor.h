@@ -3,14 +3,17 @@
 
 #include "tools/gps-monitor/Options.h"
 #include "tools/gps-monitor/model/Model.h"
+#include "tools/gps-monitor/terminal/PlainWriter.h"
 #include "tools/gps-monitor/terminal/Signals.h"
 #include "tools/gps-monitor/terminal/Terminal.h"
-#include "tools/gps-monitor/view/PlainWriter.h"
 
 namespace monitor {
 
-/** Runs the monitor until it is told to end, then prints how often each notification came. */
-void runMonitor(const Options& options);
+/**
+ * Runs the monitor until a signal, a key, the time or a failed write ends it, then prints what it received.
+ * @return exit status: 1 when a setting of the command line was not acknowledged or a recording failed
+ */
+int runMonitor(const Options& options);
 
 void runPlain(const Options& options, Model& model, Signals& signals, PlainWriter& writer);
 void runScreen(const Options& options, Model& model, Signals& signals, Terminal& terminal);

@@ -1,8 +1,12 @@
 #include "tools/gps-monitor/Options.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
+
 #include "tools/common/CommandLine.h"
 #include "tools/gps-monitor/model/Names.h"
-#include "tools/gps-monitor/terminal/Keys.h"
+#include "tools/gps-monitor/view/Keys.h"
 
 namespace monitor {
 
@@ -15,34 +19,53 @@ std::string checkSetting(const std::string& name) {
 }
 
 std::string footer() {
-    std::string text = "Keys on the screen:\n";
+    std::string text = "Keys on the screen (* asks first):\n";
     for (const Key& key : kKeys)
-        text += std::string("  ") + key.key + "  " + std::string(key.description) + '\n';
+        text += fmt::format("  {:<6}{}{}\n", key.name, key.description, key.asksFirst ? " *" : "");
     text += "\nSettings:\n";
-    for (const std::string_view name : kSettingNames)
-        text += "  " + std::string(name) + '\n';
+    for (const std::string_view name : kSettingNames) {
+        if (!name.starts_with("GPS_SETTING_UNASSIGNED")) text += fmt::format("  {}\n", name);
+    }
     return text;
 }
 
 /** Values of options that are not yet what Options holds. */
 struct Texts {
     std::string datum = "wgs84";
+    std::string coordinates = std::string(kCoordinateFormatNames[0]);
+    std::string units = std::string(kSpeedUnitNames[0]);
     std::vector<std::string> settings;
     int seconds = 0;
 };
+
+template <class Names>
+CLI::IsMember memberOf(const Names& names) {
+    return CLI::IsMember(std::vector<std::string>(names.begin(), names.end()));
+}
+
+/** The enumerator whose name, one of `names`, was given. */
+template <class Choice, class Names>
+Choice choice(const Names& names, const std::string& name) {
+    return static_cast<Choice>(std::find(names.begin(), names.end(), name) - names.begin());
+}
 
 void addOptions(CLI::App& app, Options& options, Texts& texts) {
     app.add_option("--device", options.device, "Receiver's serial device (default: GPSHAL_DEVICE of the environment)")
         ->type_name("PATH");
     app.add_option("--baud", options.baud, "Speed of the device (default: GPSHAL_BAUD of the environment)")
         ->check(CLI::IsMember({"9600", "38400", "115200"}));
-    app.add_option("--datum", texts.datum, "Datum of the sentences to be told: wgs84 (default) or tokyo")
+    app.add_option("--datum", texts.datum, "Datum of the sentences: wgs84 (default) or tokyo")
         ->check(CLI::IsMember({"wgs84", "tokyo"}));
     app.add_option("--setting", texts.settings,
                    "Request this setting after the start, and wait for its answer; repeatable")
         ->type_name("NAME")
         ->allow_extra_args(false)
         ->check(checkSetting);
+    app.add_option("--record", options.record, "Append the raw sentences to this file")->type_name("FILE");
+    app.add_option("--coordinates", texts.coordinates, "Format of coordinates: minutes (default), degrees or dms")
+        ->check(memberOf(kCoordinateFormatNames));
+    app.add_option("--units", texts.units, "Unit of speed: kmh (default), knots, mph or m/s")
+        ->check(memberOf(kSpeedUnitNames));
     app.add_option("--seconds", texts.seconds, "End after this many seconds")->check(CLI::Range(1, kLongestRun));
     app.add_flag("--set-location", options.setsLocation, "Publish a location once a second");
     app.add_flag("--plain", options.isPlain, "One line per notification instead of the screen");
@@ -51,13 +74,15 @@ void addOptions(CLI::App& app, Options& options, Texts& texts) {
 }  // namespace
 
 std::variant<Options, int> parseOptions(int argc, char** argv) {
-    CLI::App app("Shows what the GPS service tells its clients.", "gps-monitor");
+    CLI::App app("Shows what the GPS service delivers to its clients.", "gps-monitor");
     app.footer(footer());
     Options options;
     Texts texts;
     addOptions(app, options, texts);
     if (const auto status = tool::parseCommandLine(app, argc, argv)) return *status;
     if (texts.datum == "tokyo") options.datum = GEODETIC_SYSTEM_TOKYO;
+    options.coordinates = choice<CoordinateFormat>(kCoordinateFormatNames, texts.coordinates);
+    options.speed = choice<SpeedUnit>(kSpeedUnitNames, texts.units);
     for (const std::string& name : texts.settings)
         options.settings.push_back(*findSetting(name));
     if (texts.seconds > 0) options.runTime = std::chrono::seconds(texts.seconds);

@@ -9,6 +9,7 @@
 
 #include "Gps/GpsNmeaRecords.h"
 #include "Gps/GpsSetting.h"
+#include "tools/gps-monitor/model/Coordinates.h"
 
 namespace monitor {
 
@@ -18,12 +19,14 @@ struct Options {
     GeodeticSystem datum = GEODETIC_SYSTEM_WGS84;
     std::vector<GpsSetting> settings;
     std::optional<std::chrono::seconds> runTime;
+    std::string record;  ///< file to record to; empty: none
+    CoordinateFormat coordinates = CoordinateFormat::minutes;
+    SpeedUnit speed = SpeedUnit::kmh;
     bool setsLocation = false;
     bool isPlain = false;
 };
 
-/** The options, or the exit status of a program that has said all there is to say (help, version). Throws tool::BadUse.
- */
+/** The options, or the exit status when help or the version was printed. Throws tool::BadUse. */
 std::variant<Options, int> parseOptions(int argc, char** argv);
 
 }  // namespace monitor

@@ -30,7 +30,7 @@ void runPlain(const Options& options, Model& model, Signals& signals, PlainWrite
         shown = status;
     });
     do {
-        pollfd waited[] = {{signals.fd(), POLLIN, 0}, {writer.readerGone().fd(), POLLIN, 0}};
+        pollfd waited[] = {{signals.fd(), POLLIN, 0}, {writer.ended().fd(), POLLIN, 0}};
         poll(waited, 2, millisecondsUntil(session.end()));
         if (waited[1].revents != 0) break;
     } while (!session.isOver() && !isEndAsked(signals));

@@ -6,7 +6,6 @@
 
 #include "tools/gps-monitor/Monitor.h"
 #include "tools/gps-monitor/session/Session.h"
-#include "tools/gps-monitor/terminal/Keys.h"
 #include "tools/gps-monitor/view/View.h"
 
 namespace monitor {
@@ -15,7 +14,6 @@ namespace {
 
 constexpr std::chrono::milliseconds kShortestRedraw{100};
 constexpr std::chrono::seconds kLongestRedraw{1};  // ages and the link's status change by themselves
-constexpr int kCtrlL = 'L' & 0x1F;
 
 /** The screen at work: draws what changes, and does what keys and signals ask for. */
 class Screen {
@@ -26,7 +24,10 @@ public:
           mTerminal(terminal),
           mDatum(options.datum),
           mSession(options, model, nullptr),
-          mReadsKeys(isatty(STDIN_FILENO) != 0) {}
+          mReadsKeys(isatty(STDIN_FILENO) != 0) {
+        mControls.coordinates = options.coordinates;
+        mControls.speed = options.speed;
+    }
 
     void run() {
         while (!mIsEnding && !mSession.isOver()) {
@@ -45,7 +46,7 @@ private:
     void draw() {
         const MonitorState state = mModel.snapshot();
         Canvas canvas(mTerminal.width(), mTerminal.height());
-        drawScreen(canvas, state, {mDatum, mSession.link(state), Clock::now()});
+        drawScreen(canvas, {state, mControls, mDatum, mSession.link(state), Clock::now()});
         mTerminal.show(canvas);
         mLastDraw = Clock::now();
         mHasChanged = false;
@@ -55,7 +56,7 @@ private:
         pollfd waited[] = {
             {mSignals.fd(), POLLIN, 0},
             {mReadsKeys ? STDIN_FILENO : -1, POLLIN, 0},
-            {mHasChanged ? -1 : mModel.changed().fd(), POLLIN, 0},  // once it is known, the next draw is awaited
+            {mHasChanged ? -1 : mModel.changed().fd(), POLLIN, 0},  // a change is known: wait for the next draw
         };
         poll(waited, 3, millisecondsUntil(std::min(nextDraw(), mSession.end())));
         if ((waited[1].revents & (POLLHUP | POLLERR)) != 0) mIsEnding = true;
@@ -77,8 +78,7 @@ private:
     void handleKeys() {
         if (!mReadsKeys) return;
         for (int pressed = mTerminal.readKey(); pressed >= 0; pressed = mTerminal.readKey()) {
-            if (pressed == kCtrlL) mTerminal.redraw();
-            if (const Key* key = findKey(pressed)) perform(*key);
+            if (const Key* key = mControls.press(pressed, mModel.snapshot())) perform(*key);
             drawSoon();
         }
     }
@@ -88,6 +88,12 @@ private:
         switch (key.action) {
             case Action::quit:
                 mIsEnding = true;
+                break;
+            case Action::redraw:
+                mTerminal.redraw();
+                break;
+            case Action::record:
+                mSession.recorder().toggle();
                 break;
             case Action::setting:
                 requester.requestSetting(key.setting);
@@ -107,6 +113,8 @@ private:
             case Action::coldStart:
                 requester.requestColdStart();
                 break;
+            default:
+                break;
         }
     }
 
@@ -117,6 +125,7 @@ private:
     Terminal& mTerminal;
     const GeodeticSystem mDatum;
     Session mSession;
+    Controls mControls;
     const bool mReadsKeys;
     Clock::time_point mLastDraw;
     bool mHasChanged = false;

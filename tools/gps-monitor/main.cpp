@@ -3,8 +3,5 @@
 #include "tools/gps-monitor/Options.h"
 
 int main(int argc, char** argv) {
-    return tool::runProgram("gps-monitor", argc, argv, &monitor::parseOptions, [](const monitor::Options& options) {
-        monitor::runMonitor(options);
-        return 0;
-    });
+    return tool::runProgram("gps-monitor", argc, argv, &monitor::parseOptions, &monitor::runMonitor);
 }

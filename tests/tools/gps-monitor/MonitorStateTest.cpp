@@ -2,13 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 
 #include "tools/gps-monitor/model/LinkStatus.h"
 
 namespace monitor {
 namespace {
 
+using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 constexpr Clock::time_point kNow{seconds(1000)};
@@ -29,46 +30,97 @@ GPGSV inView(SatelliteType system, std::initializer_list<unsigned char> ids) {
     return gsv;
 }
 
-std::string usedIds(const MonitorState& state) {
+std::string usedIds(const Satellites& satellites) {
     std::string ids;
-    for (const Satellite& satellite : satellitesInView(state, kNow)) {
+    for (const Satellite& satellite : satellites.inView(kNow)) {
         if (satellite.used) ids += std::to_string(satellite.id) + ' ';
     }
     return ids;
 }
 
 TEST(UsedSatellites, AreThoseOfAllTheEpochsSentences) {
-    MonitorState state;
-    apply(state, inView(SATELLITE_TYPE_GPS, {1, 2, 3, 0}), kNow);
-    apply(state, inView(SATELLITE_TYPE_GLONASS, {66, 67}), kNow);
-    apply(state, usedSatellites(1, 1, 3));
-    apply(state, usedSatellites(2, 67, 0));
-    EXPECT_EQ(usedIds(state), "1 3 67 ");
+    Satellites satellites;
+    satellites.apply(inView(SATELLITE_TYPE_GPS, {1, 2, 3, 0}), kNow);
+    satellites.apply(inView(SATELLITE_TYPE_GLONASS, {66, 67}), kNow);
+    satellites.apply(usedSatellites(1, 1, 3));
+    satellites.apply(usedSatellites(2, 67, 0));
+    EXPECT_EQ(usedIds(satellites), "1 3 67 ");
 
-    apply(state, usedSatellites(1, 2, 3));  // the second sentence of this epoch is still to come
-    EXPECT_EQ(usedIds(state), "1 2 3 67 ");
-    apply(state, usedSatellites(1, 2, 3));
-    EXPECT_EQ(usedIds(state), "2 3 ");
+    satellites.apply(usedSatellites(1, 2, 3));  // the second sentence of this epoch is still to come
+    EXPECT_EQ(usedIds(satellites), "1 2 3 67 ");
+    satellites.apply(usedSatellites(1, 2, 3));
+    EXPECT_EQ(usedIds(satellites), "2 3 ");
 }
 
-TEST(SatellitesInView, AreThoseOfTheSystemsToldLatelyAndOfTheRecord) {
-    MonitorState state;
-    apply(state, inView(SATELLITE_TYPE_GLONASS, {66}), kNow - seconds(11));
+TEST(SatellitesInView, AreThoseOfRecentRecordsWithTheirSignalsOfTheLastMinute) {
+    Satellites satellites;
+    satellites.apply(inView(SATELLITE_TYPE_GLONASS, {66}), kNow - seconds(11));
     GPGSV gsv = inView(SATELLITE_TYPE_GPS, {9, 4});
     gsv.SatView = 100000;
-    apply(state, gsv, kNow - seconds(1));
+    for (const int age : {80, 59, 57, 1}) {
+        gsv.Sat[1].SNR = static_cast<unsigned char>(age % 50);
+        satellites.apply(gsv, kNow - seconds(age));
+    }
     gsv.SatType = static_cast<SatelliteType>(77);
-    apply(state, gsv, kNow);
-    const auto satellites = satellitesInView(state, kNow);
-    ASSERT_EQ(satellites.size(), 2u);
-    EXPECT_EQ(satellites[0].id, 4u);
-    EXPECT_EQ(satellites[1].id, 9u);
+    satellites.apply(gsv, kNow);
+    const auto shown = satellites.inView(kNow);
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(shown[0].id, 4u);
+    EXPECT_EQ(shown[1].id, 9u);
+    SignalHistory expected{9, 7, 7};  // one second without a record is bridged, more are not
+    expected[58] = 1;
+    expected[59] = 0;
+    EXPECT_EQ(shown[0].history, expected);
 }
 
-TEST(Requests, AreSettledByTheirNameAndForgottenInTheEnd) {
+TEST(AFix, IsLostWhenTheReceiverReportsItOrIsSilentForTwoEpochs) {
     MonitorState state;
-    addRequest(state, "A");
-    addRequest(state, "B");
+    GPGGA gga{};
+    gga.Quality = 1;
+    gga.Lat = 3539.5;
+    Clock::time_point now = kNow;
+    const auto epoch = [&](int quality) {
+        gga.Quality = quality;
+        apply(state, GPRMC{}, now);
+        apply(state, gga, now);
+        const auto event = updateFix(state, now);
+        now += milliseconds(200);
+        return event.value_or("");
+    };
+    EXPECT_EQ(epoch(0), "");
+    EXPECT_EQ(epoch(1), "fix acquired");
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(epoch(1), "");
+    EXPECT_EQ(epoch(0), "fix lost");
+    now += seconds(7);
+    EXPECT_EQ(epoch(1), "fix regained after 7 s");
+    now += milliseconds(200);
+    EXPECT_EQ(updateFix(state, now), std::nullopt);
+    EXPECT_FALSE(isStale(state, state.position->time, now));
+    now += milliseconds(1);
+    EXPECT_TRUE(isStale(state, state.position->time, now));
+    EXPECT_EQ(updateFix(state, now), "fix lost");
+    EXPECT_EQ(state.position->value.lat, 3539.5) << "the last position is kept";
+    EXPECT_EQ(state.log.size(), 4u);
+    EXPECT_EQ(state.track.points().size(), 7u);
+    EXPECT_TRUE(state.track.points()[6].startsSegment && !state.track.points()[5].startsSegment);
+}
+
+TEST(Tracks, KeepTheirShapeWithABoundedNumberOfPoints) {
+    Track track;
+    for (int i = 0; i < 100000; ++i)
+        track.add({i / 1000.0, 0}, i == 50001);
+    const auto& points = track.points();
+    EXPECT_TRUE(points.size() > 1000 && points.size() < 4000) << points.size();
+    EXPECT_EQ(std::count_if(points.begin(), points.end(), [](const TrackPoint& p) { return p.startsSegment; }), 1);
+    EXPECT_EQ(points[0].lat, 0);
+    EXPECT_GT(points.back().lat, 99.9 / 60);
+}
+
+TEST(Requests, AreSettledByTheirNameAndDroppedInTheEnd) {
+    MonitorState state;
+    addRequest(state, {"A"});
+    addRequest(state, {"B"});
     EXPECT_TRUE(settleRequest(state, "A", Answer::refused));
     EXPECT_FALSE(isWaiting(state, "A"));
     EXPECT_TRUE(isWaiting(state, "B"));
@@ -79,15 +131,15 @@ TEST(Requests, AreSettledByTheirNameAndForgottenInTheEnd) {
     EXPECT_TRUE(settleRequest(state, "B", Answer::acknowledged));  // late
     EXPECT_EQ(state.requests[1].answer, Answer::acknowledged);
 
-    for (int i = 0; i < 1000; ++i) {
-        addRequest(state, std::to_string(i));
-        addLog(state, std::to_string(i));
+    for (int i = 0; i < 5000; ++i) {
+        addRequest(state, {std::to_string(i)});
+        addLog(state, std::to_string(i), 0);
     }
-    EXPECT_TRUE(state.requests.size() <= 100 && state.requests.back().name == "999") << "the newest are kept";
-    EXPECT_TRUE(state.log.size() <= 500 && state.log.back() == "999");
+    EXPECT_TRUE(state.requests.size() <= 1000 && state.requests.back().name == "4999") << "the newest are kept";
+    EXPECT_TRUE(state.log.size() <= 500 && state.log.back().text == "4999");
 }
 
-TEST(LinkStatuses, SayWhyNothingIsReceived) {
+TEST(LinkStatuses, GiveTheReasonWhyNothingIsReceived) {
     const std::optional<Clock::time_point> never;
     const struct {
         const char* device;
@@ -100,7 +152,7 @@ TEST(LinkStatuses, SayWhyNothingIsReceived) {
         {"", "", 0, {}, Health::bad, "no receiver: no device named"},
         {"/dev/null", "cannot use it: busy", 0, {}, Health::bad, "no receiver: cannot use it: busy"},
         {"/dev/null", "", 1, {}, Health::unsure, "waiting for /dev/null"},
-        {"/dev/null", "", 9, {}, Health::bad, "no data from /dev/null: silent, or at another speed"},
+        {"/dev/null", "", 9, {}, Health::bad, "no data from /dev/null: silent, at another speed, or lines without CR"},
         {"/dev/null", "not about the link", 9, 1, Health::good, "receiving from /dev/null"},
         {"/dev/null", "", 9, 5, Health::bad, "no more data from /dev/null"},
         {"/nonexistent/gps", "", 9, 5, Health::bad, "no receiver: /nonexistent/gps: No such file or directory"},

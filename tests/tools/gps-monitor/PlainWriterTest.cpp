@@ -1,4 +1,4 @@
-#include "tools/gps-monitor/view/PlainWriter.h"
+#include "tools/gps-monitor/terminal/PlainWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ protected:
     ~PlainWriters() override { close(mEnds[1]); }
 
     bool isReaderGone() {
-        pollfd gone{mWriter->readerGone().fd(), POLLIN, 0};
+        pollfd gone{mWriter->ended().fd(), POLLIN, 0};
         return poll(&gone, 1, 0) == 1;
     }
 
@@ -44,12 +44,19 @@ TEST_F(PlainWriters, KeepLinesOfSeveralThreadsWhole) {
     }
 }
 
-TEST_F(PlainWriters, NoticeThatTheReaderIsGone) {
+TEST_F(PlainWriters, NoticeThatTheReaderIsGoneOrAWriteFailed) {
     mWriter->line("read");
     EXPECT_FALSE(isReaderGone());
     mReader.reset();
     mWriter->line("unread");
     EXPECT_TRUE(isReaderGone());
+    mWriter->check();  // a reader that is gone is no error
+
+    const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
+    PlainWriter failing(full);
+    failing.line("lost");
+    EXPECT_THROW(failing.check(), std::system_error);
+    close(full);
 }
 
 TEST_F(PlainWriters, OnceStoppedStillWriteButDoNotWaitForever) {

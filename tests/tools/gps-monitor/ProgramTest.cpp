@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 #include <termios.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
 #include "tests/support/Child.h"
+#include "tests/support/ScratchDirectory.h"
 
 // The program itself, as it is started from a shell.
 
@@ -32,7 +34,7 @@ private:
     }
 };
 
-TEST(PlainOutput, TellsTheOutcomeOfEverythingAskedForWithoutAReceiver) {
+TEST(PlainOutput, HasTheOutcomeOfEveryRequestWithoutAReceiver) {
     Monitor monitor({"--device", "/nonexistent/gps", "--set-location", "--setting", "gps_setting_save_config",
                      "--setting", "GPS_SETTING_UNASSIGNED_24"});
     monitor.expect({"status no receiver: cannot use /nonexistent/gps: No such file or directory\n",
@@ -40,8 +42,10 @@ TEST(PlainOutput, TellsTheOutcomeOfEverythingAskedForWithoutAReceiver) {
                     "log src/Public/Gps/private/Setting/GpsSettingManager:", "GPS_SETTING_UNASSIGNED_24 false\n",
                     "notifyGpsConnectionStatus GPS_CONNECTION_STATUS_OK\n", "setLocationData true\n",
                     "notifyLocationData Gga.SatType=0 ", " Pascd.Head2=165 "});
-    EXPECT_EQ(monitor.end(SIGTERM), 0);
-    EXPECT_THAT(monitor.all(), HasSubstr("\nsummary notifyReceiveNmeaSentence=0 notifyParseNmeaSentence=0 "));
+    EXPECT_EQ(monitor.end(SIGTERM), 1);
+    for (const char* part : {"\nsummary notifyReceiveNmeaSentence=0 notifyParseNmeaSentence=0 ",
+                             "\ngps-monitor: --setting GPS_SETTING_SAVE_CONFIG: not sent\n"})
+        EXPECT_THAT(monitor.all(), HasSubstr(part));
 }
 
 class WithAReceiver : public testing::Test {
@@ -56,27 +60,33 @@ protected:
     const std::string mDevice = firstLine(mReceiver);
 };
 
-TEST_F(WithAReceiver, EverythingItTellsIsALine) {
-    Monitor monitor(
-        {"--plain", "--device", mDevice, "--setting", "GPS_SETTING_ZDA_ON", "--setting", "GPS_SETTING_RATE_5HZ"});
+TEST_F(WithAReceiver, EveryNotificationIsALineAndEverySentenceIsRecorded) {
+    const ScratchDirectory directory;
+    const std::string record = directory.path("record");
+    Monitor monitor({"--plain", "--device", mDevice, "--setting", "GPS_SETTING_ZDA_ON", "--setting",
+                     "GPS_SETTING_RATE_5HZ", "--record", record});
     monitor.expect({"notifyGpsSettingRequestResponse acknowledged GPS_SETTING_ZDA_ON\n",
                     "notifyGpsSettingRequestResponse acknowledged GPS_SETTING_RATE_5HZ\n",
                     "notifyParseZdaSentence SatType=1 Hour=", "notifyParseNmeaSentence Gga.SatType=1 ",
-                    "status receiving from " + mDevice + '\n', "\nnotifyReceiveNmeaSentence "});
+                    "status receiving from " + mDevice + '\n', "\nfix acquired\n", "\nnotifyReceiveNmeaSentence "});
     Monitor second({"--plain", "--device", mDevice});
     second.expect({"status no receiver: cannot use " + mDevice + ": Device or resource busy\n"});
     EXPECT_EQ(monitor.end(SIGINT), 0);
     EXPECT_THAT(monitor.all(), Not(HasSubstr("log ")));
+    const std::string recorded = fileContents(record);
+    const auto lines = std::count(recorded.begin(), recorded.end(), '\n');
+    EXPECT_THAT(monitor.all(), HasSubstr("summary notifyReceiveNmeaSentence=" + std::to_string(lines) + ' '));
+    EXPECT_TRUE(recorded.starts_with('$') && recorded.ends_with("\r\n")) << recorded;
 }
 
-TEST_F(WithAReceiver, AMonitorOfTokyoHearsItBeforeItReportsTokyo) {
+TEST_F(WithAReceiver, AMonitorOfTokyoNoticesItBeforeItReportsTokyo) {
     Monitor monitor({"--plain", "--datum", "tokyo", "--device", mDevice});
     monitor.expect({"status receiving from "});
     EXPECT_EQ(monitor.end(SIGTERM), 0);
     EXPECT_THAT(monitor.all(), HasSubstr("\nsummary notifyReceiveNmeaSentence=0 notifyParseNmeaSentence=0 "));
 }
 
-TEST(AReceiverAtAnotherSpeed, IsNoiseOfWhichNothingIsTold) {
+TEST(AReceiverAtAnotherSpeed, IsNoiseThatIsNotNotified) {
     Child receiver({RECEIVER_SIM, "--baud", "38400", "--rate", "5"});
     std::string device = receiver.until("\n");
     device.pop_back();
@@ -115,7 +125,7 @@ TEST(OnATerminal, ItIsLeftCleanHoweverTheProgramEnds) {
         monitor.expect({"\x1B[?1049h", "quit"});
         monitor.send(keys);
         EXPECT_EQ(monitor.end(signal), 0) << keys << signal;
-        monitor.expect({"\x1B[?1049l", "summary notifyReceiveNmeaSentence="});
+        monitor.expect({"\x1B[?1049l", "received 0 sentences"});
         const termios after = settingsOf(monitor.descriptor());
         EXPECT_EQ(std::memcmp(&before, &after, sizeof(before)), 0) << keys << signal;
     }
@@ -124,20 +134,26 @@ TEST(OnATerminal, ItIsLeftCleanHoweverTheProgramEnds) {
 TEST(OnATerminal, TheScreenFollowsKeysAndTheTerminalsSize) {
     Monitor monitor({}, Child::On::terminal);
     monitor.expect({"quit"});
-    monitor.send("s");
+    monitor.send("sns");
+    monitor.expect({"Really save the receiver's settings?"});
+    monitor.send("y");
     monitor.expect({"SAVE_CONFIG", "not sent"});
     const winsize larger{50, 160, 0, 0};
     ioctl(monitor.descriptor(), TIOCSWINSZ, &larger);
-    monitor.expect({"Azim"});
-    monitor.send("q");
+    monitor.expect({"last minute"});
+    monitor.send("?");
+    monitor.expect({"cold start the receiver"});
+    monitor.send("qq");
     EXPECT_EQ(monitor.end(), 0);
 }
 
 TEST(OnATerminal, ThatCannotBeDrawnOnLinesAreWritten) {
-    Monitor monitor({"--seconds", "1"}, Child::On::terminal, "no-such-terminal");
-    EXPECT_EQ(monitor.end(), 0);
-    EXPECT_THAT(monitor.all(), HasSubstr("\nstatus no receiver: no device named\r\n"));
-    EXPECT_EQ(monitor.all().find('\x1B'), std::string::npos);
+    for (const char* terminal : {"no-such-terminal", "dumb"}) {
+        Monitor monitor({"--seconds", "1"}, Child::On::terminal, terminal);
+        EXPECT_EQ(monitor.end(), 0);
+        EXPECT_THAT(monitor.all(), HasSubstr("\nstatus no receiver: no device named\r\n"));
+        EXPECT_EQ(monitor.all().find('\x1B'), std::string::npos);
+    }
 }
 
 }  // namespace

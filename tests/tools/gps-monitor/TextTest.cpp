@@ -1,13 +1,13 @@
-#include "tools/gps-monitor/view/Text.h"
+#include "tools/common/Text.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <limits>
 
 #include "tools/gps-monitor/model/Coordinates.h"
 #include "tools/gps-monitor/model/Names.h"
 #include "tools/gps-monitor/model/NmeaPosition.h"
+#include "tools/gps-monitor/session/FieldText.h"
 
 namespace monitor {
 namespace {
@@ -27,17 +27,10 @@ TEST(FieldTexts, WriteNestedRecordsFlatAndNoMoreSatellitesThanThereAre) {
         EXPECT_NE(text.find(part), std::string::npos) << part;
 }
 
-TEST(Numbers, HaveTheDecimalsAskedFor) {
-    EXPECT_EQ(fixed(-0.05, 1), "-0.1");
-    EXPECT_EQ(fixed(std::numeric_limits<double>::max(), 7).size(), 309u + 8);
-    EXPECT_EQ(zeroPadded(7, 3), "007");
-    EXPECT_EQ(zeroPadded(65531, 2), "65531");
-}
-
 TEST(PrintableText, EscapesWhatATerminalWouldAct) {
-    EXPECT_EQ(printable("$GPGGA,~ \x1B[2J\xC3\x7F\\\r"), "$GPGGA,~ \\x1B[2J\\xC3\\x7F\\x5C\\x0D");
-    EXPECT_EQ(withoutLineEnd("a\rb\r\n\n"), "a\rb");
-    EXPECT_EQ(withoutLineEnd("\r\n"), "");
+    EXPECT_EQ(tool::printable("$GPGGA,~ \x1B[2J\xC3\x7F\\\r"), "$GPGGA,~ \\x1B[2J\\xC3\\x7F\\x5C\\x0D");
+    EXPECT_EQ(tool::withoutLineEnd("a\rb\r\n\n"), "a\rb");
+    EXPECT_EQ(tool::withoutLineEnd("\r\n"), "");
 }
 
 TEST(Names, AreNumbersWhereThereAreNone) {
@@ -47,24 +40,40 @@ TEST(Names, AreNumbersWhereThereAreNone) {
     EXPECT_EQ(connectionStatusName(static_cast<GpsConnectionStatus>(-1)), "-1");
 }
 
-TEST(Coordinates, AreShownInMinutesAndDegrees) {
+TEST(Coordinates, AreShownInThreeFormats) {
     const struct {
         Position position;
-        std::string minutes;
-        std::string degrees;
+        std::string minutes, degrees, seconds;
     } cases[] = {
-        {{-4404.14066, -12118.85481}, "44°04.14066' S  121°18.85481' W", "-44.0690110  -121.3142468"},
-        {{-0.5, 0}, "00°00.50000' S  000°00.00000' E", "-0.0083333  0.0000000"},
-        {{3559.999999, 17959.999996}, "36°00.00000' N  180°00.00000' E", "36.0000000  180.0000000"},
-        {{1e300, std::numeric_limits<double>::quiet_NaN()}, "??  ??", "??  ??"},
+        {{-4404.14066, -12118.85481},
+         "44°04.14066' S  121°18.85481' W",
+         "-44.0690110  -121.3142468",
+         "44°04'08.440\" S  121°18'51.289\" W"},
+        {{-0.5, 0}, "00°00.50000' S  000°00.00000' E", "-0.0083333  0.0000000", "00°00'30.000\" S  000°00'00.000\" E"},
+        {{3559.999999, 17959.999996},
+         "36°00.00000' N  180°00.00000' E",
+         "36.0000000  179.9999999",
+         "36°00'00.000\" N  180°00'00.000\" E"},
+        {{1e300, std::numeric_limits<double>::quiet_NaN()}, "??  ??", "??  ??", "??  ??"},
     };
-    for (const auto& [position, minutes, degrees] : cases) {
-        EXPECT_EQ(degreesAndMinutes(position), minutes);
-        EXPECT_EQ(decimalDegrees(position), degrees);
+    for (const auto& [position, minutes, degrees, dms] : cases) {
+        EXPECT_EQ(coordinates(position, CoordinateFormat::minutes), minutes);
+        EXPECT_EQ(coordinates(position, CoordinateFormat::degrees), degrees);
+        EXPECT_EQ(coordinates(position, CoordinateFormat::seconds), dms);
     }
     EXPECT_EQ(compassPoint(22.6), "NE");
     EXPECT_EQ(compassPoint(359), "N");
     EXPECT_EQ(compassPoint(-1), "");
+}
+
+TEST(SpeedsAndAges, HaveTheirUnits) {
+    EXPECT_EQ(speedText(27, SpeedUnit::kmh), "50.0 km/h");
+    EXPECT_EQ(speedText(27, SpeedUnit::knots), "27.0 kn");
+    EXPECT_EQ(speedText(27, SpeedUnit::mph), "31.1 mph");
+    EXPECT_EQ(speedText(27, SpeedUnit::metresPerSecond), "13.9 m/s");
+    EXPECT_EQ(ageText(std::chrono::milliseconds(59999)), "59 s");
+    EXPECT_EQ(ageText(std::chrono::seconds(3599)), "59 min");
+    EXPECT_EQ(ageText(std::chrono::seconds(7200)), "2 h");
 }
 
 TEST(RawPositions, ComeFromGgaSentencesWithAFix) {

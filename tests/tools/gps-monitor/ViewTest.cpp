@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include "tests/support/ScratchDirectory.h"
+#include <algorithm>
+#include <utility>
+
 #include "tools/gps-monitor/view/Canvas.h"
 #include "tools/gps-monitor/view/Layout.h"
 
@@ -10,91 +12,191 @@ namespace monitor {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 constexpr Clock::time_point kNow{std::chrono::seconds(1000)};
 
+/** Twenty satellites crowded at the points of the compass, and one whose angles are no place in the sky. */
+GPGSV crowdedSky() {
+    GPGSV gsv{SATELLITE_TYPE_GPS, 1, 1, 21, {}};
+    for (unsigned i = 0; i < 20; ++i)
+        gsv.Sat[i] = {static_cast<unsigned char>(i + 1), 0, 0, static_cast<unsigned char>(20 + i), i % 4 * 90 + i / 4};
+    gsv.Sat[20] = {44, 0, 255, 0, ~0u};
+    return gsv;
+}
+
 MonitorState drivingState() {
     MonitorState state;
-    state.gga =
-        GPGGA{SATELLITE_TYPE_GPS, 12, 34, 56, 50, 3539.1234, 35, 0, 13945.6789, 139, 0, 1, 2, 0.91, 40.1, 36.7, 0, 0};
-    state.gsa = GPGSA{SATELLITE_TYPE_GPS, 1, 0, 3, {}, 1.52, 0.91, 1.21};
-    state.rmc = GPRMC{SATELLITE_TYPE_GPS, 12, 34, 56, 50, 1, 0, 0, 0, 0, 0, 0, 19.4, 133.1, 26, 5, 6, 0, 1};
-    state.vtg = GPVTG{SATELLITE_TYPE_GPS, 133.1, 0, 19.4, 36.0, 1};
-    // In the zenith, in the east at the horizon, half-way in the south, and nowhere.
-    const GPGSV_SATELLITE satellites[] = {
-        {5, 0, 90, 50, 0}, {17, 0, 0, 25, 90}, {23, 0, 45, 0, 180}, {6, 0, 255, 9, ~0u}};
-    GPGSV gsv{SATELLITE_TYPE_GPS, 1, 1, 4, {}};
-    std::copy(std::begin(satellites), std::end(satellites), gsv.Sat);
-    apply(state, gsv, kNow);
-    state.usedNow.set(5);
+    apply(state, GPRMC{SATELLITE_TYPE_GPS, 12, 34, 56, 50, 1, 0, 0, 0, 0, 0, 0, 19.4, 133.1, 26, 5, 6, 0, 1}, kNow);
+    apply(state,
+          GPGGA{SATELLITE_TYPE_GPS, 12, 34, 56, 50, 3539.1234, 35, 0, 13945.6789, 139, 0, 1, 2, 0.91, 40.1, 36.7, 0, 0},
+          kNow);
+    state.gsa = {kNow, {SATELLITE_TYPE_GPS, 1, 0, 3, {5}, 1.52, 0.91, 1.21}};
+    state.satellites.apply(state.gsa->value);
+    state.satellites.apply(crowdedSky(), kNow);
     state.antenna = GPS_CONNECTION_STATUS_OPEN;
+    state.lastSentence = kNow;
     state.version = "u-blox 7c";
-    state.otherPosition = Timed<Position>{kNow, {3538.93, 13945.87}};
-    addRequest(state, "GPS_SETTING_DATUM_TOKYO");
-    addRequest(state, "requestSwitchGpsProductionMode");
-    settleRequest(state, "GPS_SETTING_DATUM_TOKYO", Answer::acknowledged);
-    state.location = Timed<LOCATION_DATA>{kNow - std::chrono::seconds(2), {}};
+    state.otherPosition = {kNow, {3538.93, 13945.87}};
+    addRequest(state, {"GPS_SETTING_DATUM_TOKYO", Answer::acknowledged});
+    state.location = {kNow - std::chrono::seconds(2), {}};
     state.location->value.Gga.Lat = -1234.5;
     state.location->value.Pascd.Sample[0].ValueB = -0.5;
     state.counts.fill(7);
-    addLog(state, "an older line");
-    addLog(state, "GpsController:1 MainProc: the newest line" + std::string(60, '.') + "wrapped");
+    addRawSentence(state, {{}, "$GPGGA,1"});
+    addRawSentence(state, {{}, "$GPRMC,2"});
+    addLog(state, "an older line", 0);
+    addLog(state, "the newest line" + std::string(60, '.') + "wrapped", 3661);
+    updateFix(state, kNow);
     return state;
 }
 
-std::string screen(int width, int height, const MonitorState& state) {
-    Canvas canvas(width, height);
-    drawScreen(canvas, state, {GEODETIC_SYSTEM_WGS84, {Health::good, "receiving from /dev/gps"}, kNow});
-    std::string text;
-    for (int y = 0; y < height; ++y, text += '\n') {
-        for (int x = 0; x < width; ++x) {
-            const char32_t glyph = canvas.at(x, y).glyph;
-            text += glyph < 0x80 ? static_cast<char>(glyph) : glyph == U'°' ? 'o' : '#';
-        }
-    }
-    return text;
-}
+struct Screen {
+    Canvas canvas;
+    std::string text;  // a glyph outside ASCII is '#', the degree sign 'o'
 
-TEST(Layouts, KeepPanelsApartAndOnTheScreen) {
-    const std::pair<int, int> sizes[] = {{1, 1},   {20, 3},   {40, 12},  {79, 24},  {80, 23},
-                                         {80, 24}, {120, 24}, {132, 43}, {200, 60}, {400, 200}};
-    for (const auto& [width, height] : sizes) {
-        std::vector<int> covers(static_cast<std::size_t>(width * height));
-        const Layout panels = makeLayout(width, height);
-        for (const Rect& panel : {panels.title, panels.position, panels.signals, panels.sky, panels.satellites,
-                                  panels.requests, panels.location, panels.counts, panels.log, panels.help}) {
-            ASSERT_LE(panel.x + panel.width, width);
-            for (int y = panel.y; y < panel.y + panel.height; ++y) {
-                for (int x = panel.x; x < panel.x + panel.width; ++x)
-                    ++covers.at(static_cast<std::size_t>(y * width + x));
+    Screen(int width, int height, const MonitorState& state, const Controls& controls = {},
+           std::chrono::milliseconds age = {})
+        : canvas(width, height) {
+        drawScreen(canvas, {state, controls, GEODETIC_SYSTEM_WGS84, {Health::good, "receiving"}, kNow + age});
+        for (int y = 0; y < height; ++y, text += '\n') {
+            for (int x = 0; x < width; ++x) {
+                const char32_t glyph = canvas.at(x, y).glyph;
+                text += glyph < 0x80 ? static_cast<char>(glyph) : glyph == U'°' ? 'o' : '#';
             }
         }
-        EXPECT_THAT(covers, testing::Each(1)) << width << 'x' << height;
+    }
+
+    /** Style of the first place of a text. */
+    Style styleOf(const std::string& part) const {
+        const int place = static_cast<int>(text.find(part));
+        return canvas.at(place % (canvas.width() + 1), place / (canvas.width() + 1)).style;
+    }
+};
+
+TEST(Layouts, KeepPanelsApartAndOnTheScreen) {
+    const std::pair<int, int> sizes[] = {{1, 1},    {20, 3},   {40, 12},  {79, 24},  {80, 23},  {80, 24},
+                                         {100, 24}, {120, 40}, {132, 43}, {200, 60}, {400, 200}};
+    for (const auto& [width, height] : sizes) {
+        for (const bool isRawLarge : {false, true}) {
+            std::vector<int> covers(static_cast<std::size_t>(width * height));
+            const Layout panels = makeLayout(width, height, isRawLarge);
+            for (const Rect& panel :
+                 {panels.title, panels.position, panels.signals, panels.side, panels.satellites, panels.requests,
+                  panels.location, panels.counts, panels.raw, panels.log, panels.footer}) {
+                ASSERT_LE(panel.x + panel.width, width);
+                for (int y = panel.y; y < panel.y + panel.height; ++y) {
+                    for (int x = panel.x; x < panel.x + panel.width; ++x)
+                        ++covers.at(static_cast<std::size_t>(y * width + x));
+                }
+            }
+            EXPECT_THAT(covers, testing::Each(1)) << width << 'x' << height;
+        }
     }
 }
 
-/** In the files a glyph outside ASCII is '#', and the degree sign 'o'. */
-TEST(Screens, AreThoseKnown) {
-    EXPECT_EQ(screen(80, 24, drivingState()), fileContents(SCREENS "/80x24.txt"));
-    EXPECT_EQ(screen(160, 50, drivingState()), fileContents(SCREENS "/160x50.txt"));
+TEST(Screens, ShowEveryValue) {
+    const Screen screen(160, 50, drivingState());
+    for (const char* part : {"Position 35o39.12340' N  139o45.67890' E",
+                             "Tokyo    35o38.93000' N  139o45.87000' E",
+                             "Altitude 40.1 m   geoid 36.7 m",
+                             "Motion   35.9 km/h   course 133.1o SE",
+                             "Time     2026-05-06 12:34:56.50 UTC",
+                             "Fix      3D, autonomous, 2 satellites",
+                             "DOP      P 1.52   H 0.91   V 1.21",
+                             "Antenna  open: not connected",
+                             "Accuracy -",
+                             "Satellites, 1 of 21",
+                             "GPS   12   0  272  31 ",
+                             "GPS   44   -    -   - ",
+                             "DATUM_TOKYO      ",
+                             "acknowledged",
+                             "7 received, newest 2 s ago",
+                             "12o34.50000' S  000o00.00000' E",
+                             "  0  -0.5",
+                             "7 ParseVtgSentence",
+                             "$GPRMC,2",
+                             "01:01:01 the newest line....",
+                             "q quit  ? keys"})
+        EXPECT_THAT(screen.text, HasSubstr(part));
+    EXPECT_EQ(screen.styleOf("35o39"), Style::strong);
+}
+
+TEST(Screens, DimWhatIsOlderThanTwoEpochs) {
+    const Screen screen(100, 24, drivingState(), {}, std::chrono::milliseconds(2001));
+    EXPECT_EQ(screen.styleOf("35o39"), Style::faint);
+    EXPECT_EQ(screen.styleOf("GPS   12"), Style::faint);
+    EXPECT_EQ(screen.styleOf("open: not"), Style::faint);
+    for (const char* part : {"E  2 s ", "lost, last one 2 s ago"})
+        EXPECT_THAT(screen.text, HasSubstr(part));
+    EXPECT_THAT(Screen(80, 24, {}).text, testing::AllOf(HasSubstr("no fix yet"), HasSubstr("Fix      none yet")));
 }
 
 TEST(Screens, ShowThePositionFirstWhenThereIsLittleRoom) {
-    EXPECT_THAT(screen(40, 6, drivingState()), HasSubstr("35o39.12340' N"));
-    for (const auto& [width, height] : {std::pair{0, 0}, {1, 1}, {3, 2}, {10, 24}, {200, 3}, {79, 100}})
-        EXPECT_EQ(screen(width, height, drivingState()).size(), static_cast<std::size_t>((width + 1) * height));
+    EXPECT_THAT(Screen(40, 6, drivingState()).text, HasSubstr("35o39.12340' N"));
+    Controls controls;
+    for (const char key : {'m', 'n', '?'}) {
+        for (const auto& [width, height] : {std::pair{0, 0}, {1, 1}, {3, 2}, {10, 24}, {200, 3}, {79, 100}, {80, 24}})
+            EXPECT_EQ(Screen(width, height, drivingState(), controls).text.size(), (width + 1) * height);
+        controls.press(key, {});
+    }
 }
 
-TEST(Screens, SayWhatIsNotKnown) {
-    MonitorState state;
-    for (const char* part : {"Position  not delivered", "Tokyo     not delivered", "none told yet"})
-        EXPECT_THAT(screen(80, 24, state), HasSubstr(part));
-    state = drivingState();
-    state.gga->Quality = 0;
-    state.rmc->Status = 0;
-    state.otherPosition->time = kNow - std::chrono::minutes(1);
-    for (const char* part : {"Position  no fix", "Tokyo     not delivered"})
-        EXPECT_THAT(screen(80, 24, state), HasSubstr(part));
+TEST(TheSky, HasLabelsThatNeitherTouchNorCoverOneAnother) {
+    Canvas canvas(30, 14);
+    const MonitorState state = drivingState();
+    drawSky(Panel(canvas, {0, 0, 30, 14}), {state, {}, GEODETIC_SYSTEM_WGS84, {}, kNow}, state.satellites.inView(kNow));
+    std::vector<std::string> labels;
+    for (int y = 0; y < 14; ++y) {
+        std::string label;
+        for (int x = 0; x <= 30; ++x) {
+            const char32_t glyph = x < 30 ? canvas.at(x, y).glyph : U' ';
+            const bool isLabel = glyph > ' ' && glyph < 0x80 && glyph != U'+';
+            if (isLabel) label += static_cast<char>(glyph);
+            if (!isLabel && !label.empty()) labels.push_back(std::exchange(label, ""));
+        }
+    }
+    EXPECT_THAT(labels, testing::IsSupersetOf({"N", "E", "S", "W", "5", "20", "19", "18", "17"}));
+    std::sort(labels.begin(), labels.end());
+    EXPECT_EQ(std::unique(labels.begin(), labels.end()), labels.end());
+    for (const std::string& label : labels)
+        EXPECT_TRUE(label.size() == 1 || std::stoi(label) <= 20) << label;
+}
+
+TEST(Keys, ThatCannotBeUndoneAskFirst) {
+    for (const char dangerous : {'x', 'c', 'p', 's'}) {
+        Controls controls;
+        EXPECT_EQ(controls.press(dangerous, {}), nullptr);
+        EXPECT_THAT(Screen(80, 24, {}, controls).text, HasSubstr("Really "));
+        EXPECT_EQ(controls.press('q', {}), nullptr) << "anything but y cancels";
+        EXPECT_EQ(controls.press('y', {}), nullptr);
+        controls.press(dangerous, {});
+        EXPECT_EQ(controls.press('y', {}), findKey(dangerous));
+    }
+    Controls controls;
+    EXPECT_EQ(controls.press('t', {}), findKey('t'));
+}
+
+TEST(Keys, ChangeWhatTheScreenShows) {
+    MonitorState state = drivingState();
+    Controls controls;
+    const auto press = [&](std::string_view keys) {
+        for (const char key : keys)
+            EXPECT_EQ(controls.press(key, state), nullptr) << key;
+        return Screen(80, 24, state, controls).text;
+    };
+    EXPECT_THAT(press("m"), HasSubstr("# Track #"));
+    EXPECT_THAT(press("m"), HasSubstr("# Signals, last minute #"));
+    EXPECT_THAT(press("ddk"), testing::AllOf(HasSubstr("35o39'07.404\" N"), HasSubstr("19.4 kn")));
+    EXPECT_THAT(press("n /gxb\x7F\x7Fga"), testing::AllOf(HasSubstr("$GPRMC"), HasSubstr("Filter: GGA_")));
+    addRawSentence(state, {{}, "$GPGGA,3"});
+    EXPECT_THAT(press("\r"), testing::AllOf(HasSubstr("Sentences, filter GGA, paused"), HasSubstr("$GPGGA,1"),
+                                            Not(HasSubstr("$GPGGA,3")), Not(HasSubstr("$GPRMC"))));
+    EXPECT_THAT(press(" "), HasSubstr("$GPGGA,3"));
+    const std::string help = press("?");
+    for (const Key& key : kKeys)
+        EXPECT_THAT(help, HasSubstr(std::string(key.description)));
+    EXPECT_THAT(press("q"), Not(HasSubstr("Any key closes"))) << "closes the list, and does nothing else";
 }
 
 }  // namespace

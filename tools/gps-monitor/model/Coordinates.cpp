@@ -1,54 +1,67 @@
 #include "tools/gps-monitor/model/Coordinates.h"
 
-#include <cmath>
+#include <fmt/format.h>
 
-#include "tools/gps-monitor/view/Text.h"
+#include <cmath>
+#include <limits>
 
 namespace monitor {
 
 namespace {
 
-constexpr long long kUnitsPerMinute = 100000;  // five decimals are shown
-constexpr long long kUnitsPerDegree = 60 * kUnitsPerMinute;
 constexpr double kLargest = 18000;
 
-/** Of ddmm.mmmm or dddmm.mmmm without its sign. */
-long long toUnits(double value) {
-    const double magnitude = std::fabs(value);
-    const auto degrees = static_cast<long long>(magnitude / 100);
-    const double minutes = magnitude - 100.0 * static_cast<double>(degrees);
-    return degrees * kUnitsPerDegree + std::llround(minutes * static_cast<double>(kUnitsPerMinute));
-}
+/** `letters`: the hemispheres, positive first. */
+std::string coordinate(double value, int degreeDigits, std::string_view letters, CoordinateFormat format) {
+    const double degrees = toDegrees(value);
+    if (std::isnan(degrees)) return "??";
+    if (format == CoordinateFormat::degrees) return fmt::format("{:.7f}", degrees);
 
-std::string degreesAndMinutes(double value, unsigned degreeDigits, std::string_view positive,
-                              std::string_view negative) {
-    if (!(std::fabs(value) <= kLargest)) return "??";
-    const long long units = toUnits(value);
-    const long long inDegree = units % kUnitsPerDegree;
-    return zeroPadded(units / kUnitsPerDegree, degreeDigits) + "°" + zeroPadded(inDegree / kUnitsPerMinute, 2) + '.' +
-           zeroPadded(inDegree % kUnitsPerMinute, 5) + "' " + std::string(std::signbit(value) ? negative : positive);
-}
-
-std::string decimalDegrees(double value) {
-    if (!(std::fabs(value) <= kLargest)) return "??";
-    const double degrees = static_cast<double>(toUnits(value)) / static_cast<double>(kUnitsPerDegree);
-    return fixed(std::copysign(degrees, value), 7);
+    // Rounded as a whole, so that no 60 can appear: units of 0.00001 minutes or of 0.001 seconds.
+    const bool hasSeconds = format == CoordinateFormat::seconds;
+    const long long perMinute = hasSeconds ? 60000 : 100000;
+    const long long units = std::llround(std::fabs(degrees) * 60 * static_cast<double>(perMinute));
+    const long long minutes = units / perMinute;
+    const long long rest = units % perMinute;
+    const char letter = letters[std::signbit(value) ? 1 : 0];
+    if (!hasSeconds)
+        return fmt::format("{:0{}}°{:02}.{:05}' {}", minutes / 60, degreeDigits, minutes % 60, rest, letter);
+    return fmt::format("{:0{}}°{:02}'{:02}.{:03}\" {}", minutes / 60, degreeDigits, minutes % 60, rest / 1000,
+                       rest % 1000, letter);
 }
 
 }  // namespace
 
-std::string degreesAndMinutes(const Position& position) {
-    return degreesAndMinutes(position.lat, 2, "N", "S") + "  " + degreesAndMinutes(position.lon, 3, "E", "W");
+double toDegrees(double value) {
+    if (!(std::fabs(value) <= kLargest)) return std::numeric_limits<double>::quiet_NaN();
+    const double degrees = std::trunc(value / 100);
+    return degrees + (value - 100 * degrees) / 60;
 }
 
-std::string decimalDegrees(const Position& position) {
-    return decimalDegrees(position.lat) + "  " + decimalDegrees(position.lon);
+std::string coordinates(const Position& position, CoordinateFormat format) {
+    return coordinate(position.lat, 2, "NS", format) + "  " + coordinate(position.lon, 3, "EW", format);
+}
+
+std::string speedText(double knots, SpeedUnit unit) {
+    constexpr struct {
+        double perKnot;
+        std::string_view symbol;
+    } kUnits[] = {{1.852, "km/h"}, {1, "kn"}, {1.852 / 1.609344, "mph"}, {1.852 / 3.6, "m/s"}};
+    const auto& [perKnot, symbol] = kUnits[static_cast<std::size_t>(unit)];
+    return fmt::format("{:.1f} {}", knots * perKnot, symbol);
 }
 
 std::string_view compassPoint(double degrees) {
     constexpr std::string_view kPoints[] = {"N", "NE", "E", "SE", "S", "SW", "W", "NW"};
     if (!(degrees >= 0 && degrees <= 360)) return "";
     return kPoints[std::lround(degrees / 45) % 8];
+}
+
+std::string ageText(std::chrono::nanoseconds age) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(age).count();
+    if (seconds < 60) return fmt::format("{} s", seconds);
+    if (seconds < 3600) return fmt::format("{} min", seconds / 60);
+    return fmt::format("{} h", seconds / 3600);
 }
 
 }  // namespace monitor

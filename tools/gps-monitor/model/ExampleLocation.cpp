@@ -27,10 +27,10 @@ GPS_SYNC_PASCD_DATA makePascd() {
 
 }  // namespace
 
-GPS_LOCATION_SYNC_DATA makeLocation(const MonitorState& state) {
-    const Position position = currentPosition(state).value_or(kExamplePosition);
-    return {makeRmc(state.rmc.value_or(GPRMC{}), position), makeGga(state.gga.value_or(GPGGA{}), position),
-            makePascd()};
+GPS_LOCATION_SYNC_DATA makeLocation(const MonitorState& state, Clock::time_point now) {
+    const Position position = hasFix(state, now) ? state.position->value : kExamplePosition;
+    return {makeRmc(state.rmc ? state.rmc->value : GPRMC{}, position),
+            makeGga(state.gga ? state.gga->value : GPGGA{}, position), makePascd()};
 }
 
 }  // namespace monitor

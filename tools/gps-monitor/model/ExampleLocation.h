@@ -7,10 +7,10 @@
 namespace monitor {
 
 /**
- * A location to publish: what the receiver told last, with an example position while it has no fix, and a PASCD block
+ * A location to publish: the receiver's newest records, with an example position while it has no fix, and a PASCD block
  * that is easy to recognise at the receiving end.
  */
-GPS_LOCATION_SYNC_DATA makeLocation(const MonitorState& state);
+GPS_LOCATION_SYNC_DATA makeLocation(const MonitorState& state, Clock::time_point now);
 
 }  // namespace monitor
 

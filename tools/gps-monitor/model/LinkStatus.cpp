@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "tools/gps-monitor/view/Text.h"
+#include "tools/common/Text.h"
 
 namespace monitor {
 
@@ -16,7 +16,7 @@ constexpr std::chrono::seconds kLongestSilence{3};
 }  // namespace
 
 LinkStatus linkStatus(const LinkFacts& facts, Clock::time_point now) {
-    const std::string name = facts.device.empty() ? "the receiver" : printable(facts.device);
+    const std::string name = facts.device.empty() ? "the receiver" : tool::printable(facts.device);
     const bool isSilent = now - facts.lastSentence.value_or(facts.start) > kLongestSilence;
     if (facts.lastSentence && !isSilent) return {Health::good, "receiving from " + name};
 
@@ -26,7 +26,7 @@ LinkStatus linkStatus(const LinkFacts& facts, Clock::time_point now) {
         return {Health::bad, "no receiver: " + name + ": " + std::strerror(errno)};
     if (!isSilent) return {Health::unsure, "waiting for " + name};
     if (facts.lastSentence) return {Health::bad, "no more data from " + name};
-    return {Health::bad, "no data from " + name + ": silent, or at another speed"};
+    return {Health::bad, "no data from " + name + ": silent, at another speed, or lines without CR"};
 }
 
 }  // namespace monitor

@@ -1,48 +1,75 @@
 #include "tools/gps-monitor/model/MonitorState.h"
 
 #include <algorithm>
-#include <span>
-#include <tuple>
 
 namespace monitor {
 
 namespace {
 
-constexpr std::size_t kKeptRequests = 50;
+constexpr std::size_t kKeptRequests = 1000;
 constexpr std::size_t kKeptLogLines = 200;
-constexpr std::chrono::seconds kInViewLifetime{10};
+constexpr std::size_t kKeptRawSentences = 1000;
 
 template <class Element>
-void keepNewest(std::deque<Element>& elements, std::size_t count) {
-    while (elements.size() > count)
+void add(std::deque<Element>& elements, Element element, std::size_t limit) {
+    elements.push_back(std::move(element));
+    while (elements.size() > limit)
         elements.pop_front();
+}
+
+void setPosition(MonitorState& state, Position position, Clock::time_point now) {
+    state.track.add(position, !state.hadFix);
+    state.position = {now, position};
 }
 
 }  // namespace
 
-void apply(MonitorState& state, const GPGSA& record) {
-    state.gsa = record;
-    if (record.SentenceNum <= 1) {
-        state.usedBefore = state.usedNow;
-        state.usedNow.reset();
-    }
-    for (const unsigned char id : record.SatUsed)
-        state.usedNow.set(id, id != 0);
+void apply(MonitorState& state, const GPGGA& record, Clock::time_point now) {
+    state.gga = {now, record};
+    if (record.Quality <= 0) return;
+    setPosition(state, {record.Lat, record.Lon}, now);
+    state.altitude = {now, {record.Alt, record.Geo}};
 }
 
-void apply(MonitorState& state, const GPGSV& record, Clock::time_point now) {
-    const auto system = static_cast<std::size_t>(record.SatType);
-    if (system < state.inView.size()) state.inView[system] = SystemInView{now, record};
+void apply(MonitorState& state, const GPRMC& record, Clock::time_point now) {
+    state.rmc = {now, record};
+    state.epochs.mark(now);
+    if (record.Status != 1) return;
+    if (!state.gga) setPosition(state, {record.Lat, record.Lon}, now);
+    state.motion = {now, {record.Speed, record.Dir}};
 }
 
-void addLog(MonitorState& state, std::string line) {
-    state.log.push_back(std::move(line));
-    keepNewest(state.log, kKeptLogLines);
+void addRawSentence(MonitorState& state, RawSentence sentence) {
+    add(state.raw, std::move(sentence), kKeptRawSentences);
 }
 
-void addRequest(MonitorState& state, std::string name) {
-    state.requests.push_back({std::move(name), Answer::waiting});
-    keepNewest(state.requests, kKeptRequests);
+void addLog(MonitorState& state, std::string text, std::time_t time) {
+    add(state.log, {time, std::move(text)}, kKeptLogLines);
+}
+
+bool isStale(const MonitorState& state, Clock::time_point time, Clock::time_point now) {
+    return now - time > 2 * state.epochs.interval();
+}
+
+bool hasFix(const MonitorState& state, Clock::time_point now) {
+    if (!state.position || isStale(state, state.position->time, now)) return false;
+    return !state.gga || state.gga->value.Quality > 0;
+}
+
+std::optional<std::string> updateFix(MonitorState& state, Clock::time_point now) {
+    const bool has = hasFix(state, now);
+    if (has == state.hadFix) return std::nullopt;
+    state.hadFix = has;
+    std::string event = "fix lost";
+    if (!has) state.fixLostAt = state.position->time;
+    if (has && !state.fixLostAt) event = "fix acquired";
+    if (has && state.fixLostAt) event = "fix regained after " + ageText(now - *state.fixLostAt);
+    addLog(state, event, std::time(nullptr));
+    return event;
+}
+
+void addRequest(MonitorState& state, Request request) {
+    add(state.requests, std::move(request), kKeptRequests);
 }
 
 bool settleRequest(MonitorState& state, std::string_view name, Answer answer) {
@@ -60,30 +87,6 @@ bool isWaiting(const MonitorState& state, std::string_view name) {
     return std::any_of(state.requests.begin(), state.requests.end(), [name](const Request& request) {
         return request.answer == Answer::waiting && request.name == name;
     });
-}
-
-std::vector<Satellite> satellitesInView(const MonitorState& state, Clock::time_point now) {
-    std::vector<Satellite> satellites;
-    for (const auto& system : state.inView) {
-        if (!system || now - system->time > kInViewLifetime) continue;
-        const std::size_t count = std::min<std::size_t>(system->gsv.SatView, std::size(system->gsv.Sat));
-        for (const GPGSV_SATELLITE& satellite : std::span(system->gsv.Sat).first(count)) {
-            if (satellite.SatID == 0) continue;
-            const bool isUsed = state.usedNow[satellite.SatID] || state.usedBefore[satellite.SatID];
-            satellites.push_back(
-                {system->gsv.SatType, satellite.SatID, satellite.Elevation, satellite.Azimuth, satellite.SNR, isUsed});
-        }
-    }
-    std::sort(satellites.begin(), satellites.end(), [](const Satellite& a, const Satellite& b) {
-        return std::tie(a.system, a.id) < std::tie(b.system, b.id);
-    });
-    return satellites;
-}
-
-std::optional<Position> currentPosition(const MonitorState& state) {
-    if (state.gga && state.gga->Quality > 0) return Position{state.gga->Lat, state.gga->Lon};
-    if (state.rmc && state.rmc->Status == 1) return Position{state.rmc->Lat, state.rmc->Lon};
-    return std::nullopt;
 }
 
 }  // namespace monitor

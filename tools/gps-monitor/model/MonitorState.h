@@ -2,43 +2,40 @@
 #define GPS_MONITOR_MONITOR_STATE_H
 
 #include <array>
-#include <bitset>
 #include <chrono>
+#include <ctime>
 #include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "Gps/GpsConnectionStatus.h"
 #include "Gps/GpsLocationRecords.h"
 #include "Gps/GpsNmeaRecords.h"
+#include "tools/gps-monitor/model/Clock.h"
+#include "tools/gps-monitor/model/Coordinates.h"
 #include "tools/gps-monitor/model/Names.h"
+#include "tools/gps-monitor/model/Satellites.h"
+#include "tools/gps-monitor/model/Track.h"
 
 namespace monitor {
 
-using Clock = std::chrono::steady_clock;
-
-/** A position as sentences give it: ddmm.mmmm and dddmm.mmmm, negative for south and west. */
-struct Position {
-    double lat;
-    double lon;
+struct Altitude {
+    double metres;
+    double geoid;  ///< metres
 };
 
-struct Satellite {
-    SatelliteType system;
-    unsigned id;
-    unsigned elevation;  ///< degrees
-    unsigned azimuth;    ///< degrees
-    unsigned snr;        ///< dB-Hz; 0 when not tracked
-    bool used;
+struct Motion {
+    double knots;
+    double course;  ///< degrees from true north
 };
 
 /** What has become of a request. */
 enum class Answer {
-    none,  ///< sent; the receiver's answer to it is not told to anybody
+    none,  ///< sent; no answer is notified for it
     waiting,
     acknowledged,
+    answered,
     refused,
     notSent,
     unanswered,
@@ -46,67 +43,79 @@ enum class Answer {
 
 struct Request {
     std::string name;
-    Answer answer;
+    Answer answer = Answer::waiting;
+    bool isFromCommandLine = false;
 };
 
-/** Satellites of one system, as its last GSV cycle told them. */
-struct SystemInView {
-    Clock::time_point time;
-    GPGSV gsv;
+struct LogLine {
+    std::time_t time;
+    std::string text;
 };
 
-/** A value and when it came. */
-template <class Value>
-struct Timed {
-    Clock::time_point time;
-    Value value;
+struct RawSentence {
+    std::chrono::system_clock::time_point time;
+    std::string text;  ///< printable, without its line end
 };
 
-/** Everything that the monitor knows: what the notifications told, the newest of each kind. */
+struct Recording {
+    std::string path;
+    unsigned long sentences = 0;
+};
+
+/** Everything that the monitor knows: the newest value of each kind, and when it was received. */
 struct MonitorState {
     std::array<unsigned long, kNotificationNames.size()> counts{};
-    std::optional<Clock::time_point> lastSentence;  ///< when the receiver was last heard
+    std::optional<Clock::time_point> lastSentence;
+    EpochTimer epochs;
 
-    std::optional<GPGGA> gga;
-    std::optional<GPGSA> gsa;
-    std::optional<GPRMC> rmc;
-    std::optional<GPVTG> vtg;
-    std::optional<GPZDA> zda;
-    std::optional<PUBX> pubx;
+    std::optional<Timed<GPGGA>> gga;
+    std::optional<Timed<GPGSA>> gsa;
+    std::optional<Timed<GPRMC>> rmc;
+    std::optional<Timed<GPZDA>> zda;
+    std::optional<Timed<PUBX>> pubx;
+
+    // The newest values of an epoch with a fix, in the datum asked for. They outlive a lost fix.
+    std::optional<Timed<Position>> position;
+    std::optional<Timed<Altitude>> altitude;
+    std::optional<Timed<Motion>> motion;
+    bool hadFix = false;                         ///< as updateFix() found last
+    std::optional<Clock::time_point> fixLostAt;  ///< time of the last position before the fix was lost
+    Track track;
+
     std::optional<Timed<Position>> otherPosition;  ///< in the datum that the monitor did not ask for
-    std::array<std::optional<SystemInView>, SATELLITE_TYPE_GNSS + 1> inView;  ///< by SatelliteType
+    Satellites satellites;
 
     std::optional<GpsConnectionStatus> antenna;
     std::string version;
     std::deque<Request> requests;  ///< oldest first
     std::optional<Timed<LOCATION_DATA>> location;
-    std::deque<std::string> log;  ///< oldest first
+    std::deque<LogLine> log;      ///< oldest first
     std::string lastLogMessage;   ///< without where it comes from
-
-    // Satellites that the GSA sentences list: those of this epoch so far, and those of the epoch before, which stand
-    // until this one is complete.
-    std::bitset<256> usedNow;
-    std::bitset<256> usedBefore;
+    std::deque<RawSentence> raw;  ///< oldest first
+    std::optional<Recording> recording;
+    std::string recordingProblem;  ///< why a recording ended early; empty when none did
 };
 
-void apply(MonitorState& state, const GPGSA& record);
-void apply(MonitorState& state, const GPGSV& record, Clock::time_point now);
+void apply(MonitorState& state, const GPGGA& record, Clock::time_point now);
+void apply(MonitorState& state, const GPRMC& record, Clock::time_point now);
+void addRawSentence(MonitorState& state, RawSentence sentence);
+void addLog(MonitorState& state, std::string text, std::time_t time);
 
-void addLog(MonitorState& state, std::string line);
+/** True when a value received at `time` is older than two epochs. */
+bool isStale(const MonitorState& state, Clock::time_point time, Clock::time_point now);
 
-/** Adds a request that waits for its answer. */
-void addRequest(MonitorState& state, std::string name);
+/** True while positions come with each epoch. */
+bool hasFix(const MonitorState& state, Clock::time_point now);
+
+/** Logs a fix that was lost or regained since the last call. @return what it logged */
+std::optional<std::string> updateFix(MonitorState& state, Clock::time_point now);
+
+void addRequest(MonitorState& state, Request request);
 
 /** Gives the newest request of this name that still lacks an answer this one. False when there is none. */
 bool settleRequest(MonitorState& state, std::string_view name, Answer answer);
 
 bool isWaiting(const MonitorState& state, std::string_view name);
-
-/** Ordered by system and number. Systems that were not told for ten seconds are left out. */
-std::vector<Satellite> satellitesInView(const MonitorState& state, Clock::time_point now);
-
-/** The receiver's position in the datum asked for; none while it has no fix. */
-std::optional<Position> currentPosition(const MonitorState& state);
 
 }  // namespace monitor
 

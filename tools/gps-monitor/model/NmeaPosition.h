@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "tools/gps-monitor/model/MonitorState.h"
+#include "tools/gps-monitor/model/Coordinates.h"
 
 namespace monitor {
 

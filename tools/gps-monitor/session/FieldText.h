@@ -1,39 +1,27 @@
-#ifndef GPS_MONITOR_TEXT_H
-#define GPS_MONITOR_TEXT_H
+#ifndef GPS_MONITOR_FIELD_TEXT_H
+#define GPS_MONITOR_FIELD_TEXT_H
 
+#include <fmt/format.h>
+
+#include <span>
 #include <string>
-#include <string_view>
 
 #include "tools/common/RecordFields.h"
 
 namespace monitor {
 
-// Numbers are written with a decimal point whatever the locale of the process.
-
-/** The shortest text that reads back as the same number. */
-std::string shortest(double value);
-/** With that many decimals. */
-std::string fixed(double value, int decimals);
-/** Filled up with zeros to `width` digits. */
-std::string zeroPadded(long long value, unsigned width);
-
-/** Printable ASCII as it is; a backslash and all other bytes as \xNN. */
-std::string printable(std::string_view bytes);
-
-/** Without the line feeds and carriage returns at its end. */
-std::string_view withoutLineEnd(std::string_view text);
-
 /**
  * Writes a record's fields as " Name=value" each, in order. The fields of a nested record have its name and a dot
  * before theirs ("Gga.Lat"), those of an array of records also the index ("Sat.0.SNR"); an array of numbers is one
- * field with commas ("SatUsed=1,2,0").
+ * field with commas ("SatUsed=1,2,0"). A double is the shortest text that reads back as the same number.
  */
 class FieldText {
 public:
     explicit FieldText(std::string& text, std::string prefix = "") : mText(text), mPrefix(std::move(prefix)) {}
 
-    void operator()(const char* name, long long value) { append(name, std::to_string(value)); }
-    void operator()(const char* name, double value) { append(name, shortest(value)); }
+    template <class Number>
+    requires std::is_arithmetic_v<Number>
+    void operator()(const char* name, Number value) { append(name, fmt::format("{}", value)); }
 
     template <FieldRecord Record>
     void operator()(const char* name, const Record& record) {
@@ -43,13 +31,15 @@ public:
     template <FieldRecord Record>
     void operator()(const char* name, std::span<const Record> records) {
         for (std::size_t i = 0; i < records.size(); ++i)
-            visitFields(records[i], FieldText(mText, mPrefix + name + "." + std::to_string(i) + "."));
+            visitFields(records[i], FieldText(mText, fmt::format("{}{}.{}.", mPrefix, name, i)));
     }
 
-    void operator()(const char* name, std::span<const unsigned char> values);
+    void operator()(const char* name, std::span<const unsigned char> values) {
+        append(name, fmt::format("{}", fmt::join(values, ",")));
+    }
 
 private:
-    void append(const char* name, std::string_view value);
+    void append(const char* name, const std::string& value) { mText += ' ' + mPrefix + name + '=' + value; }
 
     std::string& mText;
     std::string mPrefix;

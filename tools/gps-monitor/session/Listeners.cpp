@@ -1,7 +1,8 @@
 #include "tools/gps-monitor/session/Listeners.h"
 
+#include "tools/common/Text.h"
 #include "tools/gps-monitor/model/NmeaPosition.h"
-#include "tools/gps-monitor/view/Text.h"
+#include "tools/gps-monitor/session/FieldText.h"
 
 namespace monitor {
 
@@ -11,8 +12,14 @@ constexpr auto kNoChange = [](MonitorState&) {};
 
 }  // namespace
 
+void watchFix(Model& model, PlainWriter* writer) {
+    std::optional<std::string> event;
+    model.update([&](MonitorState& state) { event = updateFix(state, Clock::now()); });
+    if (event && writer != nullptr) writer->line(*event);
+}
+
 template <class Change>
-void Listeners::told(Notification notification, const std::string& text, Change change) {
+void Listeners::handle(Notification notification, const std::string& text, Change change) {
     if (mWriter != nullptr) mWriter->line(std::string(notification.name()) + text);
     mModel.update([&](MonitorState& state) {
         ++state.counts[notification.index()];
@@ -21,126 +28,139 @@ void Listeners::told(Notification notification, const std::string& text, Change 
 }
 
 template <class Record, class Change>
-void Listeners::toldRecord(Notification notification, const Record& record, Change change) {
-    told(notification, mWriter != nullptr ? fieldText(record) : std::string(), change);
+void Listeners::handleRecord(Notification notification, const Record& record, Change change) {
+    handle(notification, mWriter != nullptr ? fieldText(record) : std::string(), change);
 }
 
 void Listeners::notifyReceiveNmeaSentence(const char* sentence, unsigned int length) {
-    const std::string_view bytes = withoutLineEnd(std::string_view(sentence, length));
-    told("notifyReceiveNmeaSentence", ' ' + std::to_string(length) + ' ' + printable(bytes),
-         [](MonitorState& state) { state.lastSentence = Clock::now(); });
-}
-
-void Listeners::notifyParseNmeaSentence(const PARSE_NMEA* record) {
-    toldRecord("notifyParseNmeaSentence", *record, kNoChange);
-}
-
-void Listeners::notifyParseGgaSentence(const GPGGA* record) {
-    toldRecord("notifyParseGgaSentence", *record, [&](MonitorState& state) { state.gga = *record; });
-}
-
-void Listeners::notifyParseGllSentence(const GPGLL* record) {
-    toldRecord("notifyParseGllSentence", *record, kNoChange);
-}
-
-void Listeners::notifyParseGsaSentence(const GPGSA* record) {
-    toldRecord("notifyParseGsaSentence", *record, [&](MonitorState& state) { apply(state, *record); });
-}
-
-void Listeners::notifyParseGsvSentence(const GPGSV* record) {
-    toldRecord("notifyParseGsvSentence", *record, [&](MonitorState& state) { apply(state, *record, Clock::now()); });
-}
-
-void Listeners::notifyParseRmcSentence(const GPRMC* record) {
-    toldRecord("notifyParseRmcSentence", *record, [&](MonitorState& state) { state.rmc = *record; });
-}
-
-void Listeners::notifyParseVtgSentence(const GPVTG* record) {
-    toldRecord("notifyParseVtgSentence", *record, [&](MonitorState& state) { state.vtg = *record; });
-}
-
-void Listeners::notifyParseZdaSentence(const GPZDA* record) {
-    toldRecord("notifyParseZdaSentence", *record, [&](MonitorState& state) { state.zda = *record; });
-}
-
-void Listeners::notifyParsePubxSentence(const PUBX* record) {
-    toldRecord("notifyParsePubxSentence", *record, [&](MonitorState& state) { state.pubx = *record; });
-}
-
-void Listeners::notifyLocationData(const LOCATION_DATA* record) {
-    toldRecord("notifyLocationData", *record, [&](MonitorState& state) {
-        state.location = Timed<LOCATION_DATA>{Clock::now(), *record};
+    const std::string_view bytes(sentence, length);
+    const std::string text = tool::printable(tool::withoutLineEnd(bytes));
+    mRecorder.write(bytes);
+    handle("notifyReceiveNmeaSentence", fmt::format(" {} {}", length, text), [&](MonitorState& state) {
+        state.lastSentence = Clock::now();
+        addRawSentence(state, {std::chrono::system_clock::now(), text});
     });
 }
 
+void Listeners::notifyParseNmeaSentence(const PARSE_NMEA* record) {
+    handleRecord("notifyParseNmeaSentence", *record, kNoChange);
+}
+
+void Listeners::notifyParseGgaSentence(const GPGGA* record) {
+    handleRecord("notifyParseGgaSentence", *record, [&](MonitorState& state) { apply(state, *record, Clock::now()); });
+    watchFix(mModel, mWriter);
+}
+
+void Listeners::notifyParseGllSentence(const GPGLL* record) {
+    handleRecord("notifyParseGllSentence", *record, kNoChange);
+}
+
+void Listeners::notifyParseGsaSentence(const GPGSA* record) {
+    handleRecord("notifyParseGsaSentence", *record, [&](MonitorState& state) {
+        state.gsa = {Clock::now(), *record};
+        state.satellites.apply(*record);
+    });
+}
+
+void Listeners::notifyParseGsvSentence(const GPGSV* record) {
+    handleRecord("notifyParseGsvSentence", *record,
+                 [&](MonitorState& state) { state.satellites.apply(*record, Clock::now()); });
+}
+
+void Listeners::notifyParseRmcSentence(const GPRMC* record) {
+    handleRecord("notifyParseRmcSentence", *record, [&](MonitorState& state) { apply(state, *record, Clock::now()); });
+    watchFix(mModel, mWriter);
+}
+
+void Listeners::notifyParseVtgSentence(const GPVTG* record) {
+    handleRecord("notifyParseVtgSentence", *record, kNoChange);
+}
+
+void Listeners::notifyParseZdaSentence(const GPZDA* record) {
+    handleRecord("notifyParseZdaSentence", *record, [&](MonitorState& state) { state.zda = {Clock::now(), *record}; });
+}
+
+void Listeners::notifyParsePubxSentence(const PUBX* record) {
+    handleRecord("notifyParsePubxSentence", *record, [&](MonitorState& state) {
+        state.pubx = {Clock::now(), *record};
+    });
+}
+
+void Listeners::notifyLocationData(const LOCATION_DATA* record) {
+    handleRecord("notifyLocationData", *record, [&](MonitorState& state) { state.location = {Clock::now(), *record}; });
+}
+
 void Listeners::notifyRmcData(const GPRMC* record) {
-    toldRecord("notifyRmcData", *record, kNoChange);
+    handleRecord("notifyRmcData", *record, kNoChange);
 }
 
 void Listeners::notifyGgaData(const GPGGA* record) {
-    toldRecord("notifyGgaData", *record, kNoChange);
+    handleRecord("notifyGgaData", *record, kNoChange);
 }
 
 void Listeners::notifyPascdData(const PASCD* record) {
-    toldRecord("notifyPascdData", *record, kNoChange);
+    handleRecord("notifyPascdData", *record, kNoChange);
 }
 
 void Listeners::notifyGpsVersionInfo(const char* version, unsigned int length) {
     const std::string_view field(version, length);
-    const std::string text = printable(field.substr(0, field.find('\0')));
-    told("notifyGpsVersionInfo", ' ' + std::to_string(length) + ' ' + text,
-         [&](MonitorState& state) { state.version = text; });
+    const std::string text = tool::printable(field.substr(0, field.find('\0')));
+    handle("notifyGpsVersionInfo", fmt::format(" {} {}", length, text), [&](MonitorState& state) {
+        state.version = text;
+        settleRequest(state, kRequestVersion, Answer::answered);
+    });
 }
 
 void Listeners::notifyGpsConnectionStatus(GpsConnectionStatus status) {
-    told("notifyGpsConnectionStatus", ' ' + connectionStatusName(status),
-         [status](MonitorState& state) { state.antenna = status; });
+    handle("notifyGpsConnectionStatus", ' ' + connectionStatusName(status),
+           [status](MonitorState& state) { state.antenna = status; });
 }
 
-void Listeners::toldAnswer(Notification notification, bool acknowledged, std::string_view request,
-                           const std::string& subject) {
-    told(notification, (acknowledged ? " acknowledged" : " refused") + subject, [&](MonitorState& state) {
+void Listeners::handleAnswer(Notification notification, bool acknowledged, std::string_view request,
+                             const std::string& subject) {
+    handle(notification, (acknowledged ? " acknowledged" : " refused") + subject, [&](MonitorState& state) {
         settleRequest(state, request, acknowledged ? Answer::acknowledged : Answer::refused);
     });
 }
 
 void Listeners::notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) {
     const std::string name = settingName(setting);
-    toldAnswer("notifyGpsSettingRequestResponse", acknowledged, name, ' ' + name);
+    handleAnswer("notifyGpsSettingRequestResponse", acknowledged, name, ' ' + name);
 }
 
 void Listeners::notyfySwitchGpsProductionModeRequestResponse(bool acknowledged) {
-    toldAnswer("notyfySwitchGpsProductionModeRequestResponse", acknowledged, kSwitchProductionMode);
+    handleAnswer("notyfySwitchGpsProductionModeRequestResponse", acknowledged, kSwitchProductionMode);
 }
 
 void Listeners::notifyStartGpsProductionCheckResponse(bool acknowledged) {
-    toldAnswer("notifyStartGpsProductionCheckResponse", acknowledged, kStartProductionCheck);
+    handleAnswer("notifyStartGpsProductionCheckResponse", acknowledged, kStartProductionCheck);
 }
 
 void Listeners::notyfyGpsColdStartRequestResponse(bool acknowledged) {
-    toldAnswer("notyfyGpsColdStartRequestResponse", acknowledged, kColdStart);
+    handleAnswer("notyfyGpsColdStartRequestResponse", acknowledged, kColdStart);
 }
 
 // What the check finds is shown among the log lines.
 template <class Record>
-void Listeners::toldCheckResult(Notification notification, const Record& record) {
+void Listeners::handleCheckResult(Notification notification, const Record& record) {
     const std::string text = fieldText(record);
-    told(notification, text, [&](MonitorState& state) { addLog(state, std::string(notification.name()) + text); });
+    handle(notification, text,
+           [&](MonitorState& state) { addLog(state, std::string(notification.name()) + text, std::time(nullptr)); });
 }
 
 void Listeners::notifyReceiveGpsProductionData(const PRODUCTION_DATA* record) {
-    toldCheckResult("notifyReceiveGpsProductionData", *record);
+    handleCheckResult("notifyReceiveGpsProductionData", *record);
 }
 
 void Listeners::notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA* record) {
-    toldCheckResult("notifyReceiveGpsProductionCheckData", *record);
+    handleCheckResult("notifyReceiveGpsProductionCheckData", *record);
 }
 
 void OtherDatumListener::notifyReceiveNmeaSentence(const char* sentence, unsigned int length) {
     const auto position = ggaPosition(std::string_view(sentence, length));
     mModel.update([&](MonitorState& state) {
         state.lastSentence = Clock::now();
-        if (position) state.otherPosition = Timed<Position>{Clock::now(), *position};
+        if (position) state.otherPosition = {Clock::now(), *position};
     });
 }
 

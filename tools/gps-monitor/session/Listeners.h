@@ -5,11 +5,16 @@
 
 #include "Gps/GpsListeners.h"
 #include "tools/gps-monitor/model/Model.h"
-#include "tools/gps-monitor/view/PlainWriter.h"
+#include "tools/gps-monitor/session/Recorder.h"
+#include "tools/gps-monitor/terminal/PlainWriter.h"
 
 namespace monitor {
 
-/** Listens to everything: writes a line for every notification when there is a writer, and keeps the model current. */
+/** Logs a fix that was lost or regained in the model and, when there is one, to the writer. */
+void watchFix(Model& model, PlainWriter* writer);
+
+/** Listens to everything: writes a line for every notification when there is a writer, keeps the model current, and
+ *  records the raw sentences. */
 class Listeners : public GpsNmeaListener,
                   public GpsParseNmeaListener,
                   public GpsLocationDataListener,
@@ -18,8 +23,9 @@ class Listeners : public GpsNmeaListener,
                   public GpsSettingListener,
                   public GpsProductionListener {
 public:
-    /** @param writer may be null; both must outlive this object */
-    Listeners(Model& model, PlainWriter* writer) : mModel(model), mWriter(writer) {}
+    /** @param writer may be null; all must outlive this object */
+    Listeners(Model& model, PlainWriter* writer, Recorder& recorder)
+        : mModel(model), mWriter(writer), mRecorder(recorder) {}
 
     void notifyReceiveNmeaSentence(const char* sentence, unsigned int length) override;
 
@@ -51,20 +57,21 @@ public:
 private:
     /** `text` follows the notification's name in the line; `change` is made to the model. */
     template <class Change>
-    void told(Notification notification, const std::string& text, Change change);
+    void handle(Notification notification, const std::string& text, Change change);
     template <class Record, class Change>
-    void toldRecord(Notification notification, const Record& record, Change change);
+    void handleRecord(Notification notification, const Record& record, Change change);
     /** The answer to the request of that name; `subject` follows it in the line. */
-    void toldAnswer(Notification notification, bool acknowledged, std::string_view request,
-                    const std::string& subject = "");
+    void handleAnswer(Notification notification, bool acknowledged, std::string_view request,
+                      const std::string& subject = "");
     template <class Record>
-    void toldCheckResult(Notification notification, const Record& record);
+    void handleCheckResult(Notification notification, const Record& record);
 
     Model& mModel;
     PlainWriter* mWriter;
+    Recorder& mRecorder;
 };
 
-/** Hears the raw sentences in a second datum: keeps the position in it, and that the receiver is heard. */
+/** Listens to the raw sentences in a second datum: keeps the position in it, and when the last sentence came. */
 class OtherDatumListener : public GpsNmeaListener {
 public:
     explicit OtherDatumListener(Model& model) : mModel(model) {}

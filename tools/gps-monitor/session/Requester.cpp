@@ -27,22 +27,23 @@ Requester::~Requester() {
     mThread.join();
 }
 
-void Requester::requestSetting(GpsSetting setting) {
-    enqueue([this, setting](const std::stop_token& stop) {
-        ask(stop, "requestGpsSetting", settingName(setting), [=, this] { return mGps.requestGpsSetting(setting); });
+void Requester::requestSetting(GpsSetting setting, bool isFromCommandLine) {
+    enqueue([=, this](const std::stop_token& stop) {
+        ask(stop, "requestGpsSetting", {settingName(setting), Answer::waiting, isFromCommandLine},
+            [=, this] { return mGps.requestGpsSetting(setting); });
     });
 }
 
 void Requester::requestVersion() {
-    enqueue([this](const auto&) { tell(kRequestVersion, [this] { return mGps.requestGpsVersionInfo(); }); });
+    enqueue([this](const auto&) { post(kRequestVersion, [this] { return mGps.requestGpsVersionInfo(); }); });
 }
 
 void Requester::requestReset() {
-    enqueue([this](const auto&) { tell(kReset, [this] { return mGps.requestGpsReset(); }); });
+    enqueue([this](const auto&) { post(kReset, [this] { return mGps.requestGpsReset(); }); });
 }
 
 void Requester::requestColdStart() {
-    enqueue([this](const auto&) { tell(kColdStart, [this] { return mGps.requestGpsColdStart(); }); });
+    enqueue([this](const auto&) { post(kColdStart, [this] { return mGps.requestGpsColdStart(); }); });
 }
 
 void Requester::requestProductionCheck() {
@@ -74,10 +75,11 @@ void Requester::run(const std::stop_token& stop) {
     }
 }
 
-bool Requester::ask(const std::stop_token& stop, std::string_view operation, const std::string& name,
+bool Requester::ask(const std::stop_token& stop, std::string_view operation, const Request& request,
                     const std::function<bool()>& send) {
-    // Noted first: the answer may come before the request returns.
-    mModel.update([&](MonitorState& state) { addRequest(state, name); });
+    // Added first: the answer may come before the request returns.
+    mModel.update([&](MonitorState& state) { addRequest(state, request); });
+    const std::string& name = request.name;
     const bool isSent = send();
     report(mWriter, operation, name != operation ? ' ' + name : "", isSent);
     if (!isSent) {
@@ -92,8 +94,8 @@ bool Requester::ask(const std::stop_token& stop, std::string_view operation, con
     return true;
 }
 
-void Requester::tell(std::string_view operation, const std::function<bool()>& send) {
-    mModel.update([&](MonitorState& state) { addRequest(state, std::string(operation)); });
+void Requester::post(std::string_view operation, const std::function<bool()>& send) {
+    mModel.update([&](MonitorState& state) { addRequest(state, {std::string(operation)}); });
     const bool isSent = send();
     report(mWriter, operation, "", isSent);
     mModel.update(
@@ -109,16 +111,16 @@ void Requester::checkProduction(const std::stop_token& stop) {
         return isMore(state, "notifyReceiveGpsProductionData") && isMore(state, "notifyReceiveGpsProductionCheckData");
     };
 
-    const bool isRunning = ask(stop, kSwitchProductionMode, std::string(kSwitchProductionMode),
+    const bool isRunning = ask(stop, kSwitchProductionMode, {std::string(kSwitchProductionMode)},
                                [this] { return mGps.requestSwitchGpsProductionMode(); }) &&
-                           ask(stop, kStartProductionCheck, std::string(kStartProductionCheck),
+                           ask(stop, kStartProductionCheck, {std::string(kStartProductionCheck)},
                                [this] { return mGps.requestStartGpsProductionCheck(); });
     if (isRunning) mModel.waitUntil(stop, kLongestCheck, haveBothResults);
-    tell(kFinishProductionCheck, [this] { return mGps.requestFinishGpsProductionCheck(); });
+    post(kFinishProductionCheck, [this] { return mGps.requestFinishGpsProductionCheck(); });
 }
 
 void publishLocation(Gps& gps, const Model& model, PlainWriter* writer) {
-    const GPS_LOCATION_SYNC_DATA location = makeLocation(model.snapshot());
+    const GPS_LOCATION_SYNC_DATA location = makeLocation(model.snapshot(), Clock::now());
     report(writer, kSetLocationData, "", gps.setLocationData(&location));
 }
 

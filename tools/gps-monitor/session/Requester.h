@@ -9,13 +9,13 @@
 
 #include "Gps/Gps.h"
 #include "tools/gps-monitor/model/Model.h"
-#include "tools/gps-monitor/view/PlainWriter.h"
+#include "tools/gps-monitor/terminal/PlainWriter.h"
 
 namespace monitor {
 
 /**
  * Makes requests of the library one after another on a thread of its own, so that neither sending nor waiting for an
- * answer holds up anybody. What becomes of them is told to the model, and to the writer when there is one.
+ * answer blocks the caller. The outcome goes to the model, and to the writer when there is one.
  *
  * All operations return at once. The destructor drops what has not been started.
  */
@@ -25,7 +25,7 @@ public:
     ~Requester();
 
     /** The next request waits until this one is answered, for at most two seconds. */
-    void requestSetting(GpsSetting setting);
+    void requestSetting(GpsSetting setting, bool isFromCommandLine = false);
     void requestVersion();
     void requestReset();
     void requestColdStart();
@@ -42,10 +42,10 @@ private:
     void run(const std::stop_token& stop);
 
     /** Makes a request that is answered: adds it to the model, sends it and waits. True when it was sent. */
-    bool ask(const std::stop_token& stop, std::string_view operation, const std::string& name,
+    bool ask(const std::stop_token& stop, std::string_view operation, const Request& request,
              const std::function<bool()>& send);
-    /** Makes a request that nobody answers. */
-    void tell(std::string_view operation, const std::function<bool()>& send);
+    /** Makes a request and does not wait: it has no answer, or had it before it returned. */
+    void post(std::string_view operation, const std::function<bool()>& send);
     void checkProduction(const std::stop_token& stop);
 
     Gps& mGps;

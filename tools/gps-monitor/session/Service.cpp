@@ -2,16 +2,16 @@
 
 #include "QvFramework/Foundation/QvDbgOutput.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
-#include "tools/gps-monitor/view/Text.h"
+#include "tools/common/Text.h"
 
 namespace monitor {
 
 namespace {
 
-/** What precedes a message that says where it comes from. */
+/** The place in the source that a message names, as it precedes the message. */
 std::string where(std::string_view file, int line, const char* function) {
     if (file.empty()) return "";
-    return printable(file) + ':' + std::to_string(line) + ' ' + printable(function) + ": ";
+    return fmt::format("{}:{} {}: ", tool::printable(file), line, tool::printable(function));
 }
 
 }  // namespace
@@ -26,18 +26,21 @@ Service::LogSink::~LogSink() {
 
 void Service::LogSink::log(void* sink, const char* file, const char* function, int line, int, const char* text) {
     const LogSink& self = *static_cast<LogSink*>(sink);
-    const std::string message = printable(withoutLineEnd(text));
+    const std::string message = tool::printable(tool::withoutLineEnd(text));
     if (self.mWriter != nullptr) self.mWriter->line("log " + where(file, line, function) + message);
     const std::string_view path(file);
     const std::string entry = where(path.substr(path.rfind('/') + 1), line, function) + message;
     self.mModel.update([&](MonitorState& state) {
-        addLog(state, entry);
+        addLog(state, entry, std::time(nullptr));
         state.lastLogMessage = message;
     });
 }
 
-Service::Service(Model& model, PlainWriter* writer, GeodeticSystem datum)
-    : mLogSink(model, writer), mListeners(model, writer), mOtherDatumListener(model), mGps(Gps::GetInstance()) {
+Service::Service(Model& model, PlainWriter* writer, Recorder& recorder, GeodeticSystem datum)
+    : mLogSink(model, writer),
+      mListeners(model, writer, recorder),
+      mOtherDatumListener(model),
+      mGps(Gps::GetInstance()) {
     mStartMessage = model.snapshot().lastLogMessage;
     mGps->registerGpsSettingListener(&mListeners);
     mGps->registerGpsProductionListener(&mListeners);
@@ -46,8 +49,8 @@ Service::Service(Model& model, PlainWriter* writer, GeodeticSystem datum)
     mGps->registerGpsConnectionListener(&mListeners);
     mGps->registerGpsParseNmeaListener(&mListeners, datum);
     mGps->registerGpsNmeaListener(&mListeners, datum);
-    // The other datum is watched through raw sentences: a raw listener that is not served disturbs nobody, whereas a
-    // parse listener that is not served keeps every epoch from being finished.
+    // The other datum is watched through raw sentences: a raw listener that gets nothing has no effect on others,
+    // whereas a parse listener that gets nothing keeps every epoch from being finished.
     mGps->registerGpsNmeaListener(&mOtherDatumListener, otherDatum(datum));
 }
 

@@ -13,7 +13,7 @@ public:
      * @param datum datum of the raw and the parsed sentences
      * @param writer null while the screen shows what happens
      */
-    Service(Model& model, PlainWriter* writer, GeodeticSystem datum);
+    Service(Model& model, PlainWriter* writer, Recorder& recorder, GeodeticSystem datum);
     ~Service();
     Service(const Service&) = delete;
     Service& operator=(const Service&) = delete;

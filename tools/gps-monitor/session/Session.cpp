@@ -7,8 +7,9 @@ namespace monitor {
 namespace {
 
 constexpr std::chrono::seconds kPublishInterval{1};
+constexpr std::chrono::seconds kFixInterval{1};
 
-/** Hands the device's name and speed on to the library's platform. @return the name that is in force */
+/** Hands the device's name and speed on to the library's platform. @return the name in effect */
 std::string nameDevice(const Options& options) {
     if (!options.device.empty()) setenv("GPSHAL_DEVICE", options.device.c_str(), 1);
     if (!options.baud.empty()) setenv("GPSHAL_BAUD", options.baud.c_str(), 1);
@@ -22,11 +23,13 @@ Session::Session(const Options& options, Model& model, PlainWriter* writer)
     : mDevice(nameDevice(options)),
       mStart(Clock::now()),
       mEnd(options.runTime ? mStart + *options.runTime : Clock::time_point::max()),
-      mService(model, writer, options.datum),
-      mRequester(mService.gps(), model, writer) {
+      mRecorder(model, writer, options.record),
+      mService(model, writer, mRecorder, options.datum),
+      mRequester(mService.gps(), model, writer),
+      mFixWatch(kFixInterval, [=, &model] { watchFix(model, writer); }) {
     mRequester.requestVersion();
     for (const GpsSetting setting : options.settings)
-        mRequester.requestSetting(setting);
+        mRequester.requestSetting(setting, true);
     if (options.setsLocation)
         mPublisher.emplace(kPublishInterval, [=, this, &model] { publishLocation(mService.gps(), model, writer); });
 }

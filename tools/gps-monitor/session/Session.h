@@ -12,10 +12,11 @@ namespace monitor {
 /** The library at work on what the command line asks for, from construction to destruction. */
 class Session {
 public:
-    /** @param writer null while the screen shows what happens */
+    /** @param writer null while the screen shows what happens. Throws when the file to record to cannot be opened. */
     Session(const Options& options, Model& model, PlainWriter* writer);
 
     Requester& requester() { return mRequester; }
+    Recorder& recorder() { return mRecorder; }
 
     LinkStatus link(const MonitorState& state) const;
 
@@ -27,8 +28,10 @@ private:
     const std::string mDevice;
     const Clock::time_point mStart;
     const Clock::time_point mEnd;
+    Recorder mRecorder;
     Service mService;
     Requester mRequester;
+    Periodic mFixWatch;
     std::optional<Periodic> mPublisher;
 };
 

@@ -1,10 +1,12 @@
-#include "tools/gps-monitor/view/PlainWriter.h"
+#include "tools/gps-monitor/terminal/PlainWriter.h"
 
 #include <limits.h>
 #include <poll.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <string_view>
+#include <system_error>
 
 namespace monitor {
 
@@ -24,10 +26,17 @@ void PlainWriter::line(std::string text) {
         if (written > 0) {
             rest.remove_prefix(static_cast<std::size_t>(written));
         } else if (written == 0 || (errno != EINTR && errno != EAGAIN)) {
+            mError = written < 0 ? errno : 0;
             mIsBroken = true;
-            mReaderGone.set();
+            mEnded.set();
         }
     }
+}
+
+void PlainWriter::check() const {
+    const std::lock_guard lock(mMutex);
+    if (mError != 0 && mError != EPIPE)
+        throw std::system_error(mError, std::generic_category(), "cannot write standard output");
 }
 
 bool PlainWriter::waitUntilWritable() const {

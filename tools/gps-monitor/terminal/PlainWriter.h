@@ -11,8 +11,8 @@ namespace monitor {
 /**
  * Writes whole lines to a file descriptor, in the order of the calls. Any thread.
  *
- * A reader that is slow holds up the writing thread; one that is gone ends the output. After stop() one that takes
- * nothing for a second counts as gone, so that nothing waits for long any more.
+ * A slow reader blocks the writing thread; the first failed write ends the output. After stop() a reader that takes
+ * nothing for a second counts as gone, so that the program can end.
  */
 class PlainWriter {
 public:
@@ -23,17 +23,21 @@ public:
 
     void stop() { mStopped.set(); }
 
-    /** Set when the reader is gone. */
-    const EventFd& readerGone() const { return mReaderGone; }
+    /** Set when the reader is gone or a write failed. */
+    const EventFd& ended() const { return mEnded; }
+
+    /** Throws std::system_error when a write failed for another reason than a reader that is gone. */
+    void check() const;
 
 private:
     bool waitUntilWritable() const;
 
     const int mFd;
     EventFd mStopped;
-    EventFd mReaderGone;
-    std::mutex mMutex;
+    EventFd mEnded;
+    mutable std::mutex mMutex;
     bool mIsBroken = false;  // guarded by mMutex
+    int mError = 0;          // guarded by mMutex; of the write that failed
 };
 
 }  // namespace monitor

@@ -42,9 +42,11 @@ void defineColours() {
 
 /** What stands for a glyph where the locale's character set lacks it. */
 wchar_t asciiFor(char32_t glyph) {
-    constexpr std::u32string_view kGlyphs = U"─·°░▁▂▃▄▅▆▇█";
-    constexpr std::wstring_view kStandIns = L"-. :__ooooO##";
+    constexpr std::u32string_view kGlyphs = U"─│┌┐└┘├┤·•●°░▁▂▃▄▅▆▇█";
+    constexpr std::wstring_view kStandIns = L"-|++++||.*@ :__ooooO#";
+    static_assert(kGlyphs.size() == kStandIns.size());
     if (glyph < 0x80) return static_cast<wchar_t>(glyph);
+    if (glyph >= 0x2800 && glyph < 0x2900) return L'*';  // braille: the track
     const std::size_t index = kGlyphs.find(glyph);
     return index == std::u32string_view::npos ? L'?' : kStandIns[index];
 }
@@ -58,7 +60,13 @@ void endAtExit() {
 std::unique_ptr<Terminal> Terminal::open() {
     if (!isatty(STDOUT_FILENO)) return nullptr;
     setlocale(LC_ALL, "");
-    if (newterm(nullptr, stdout, stdin) == nullptr) return nullptr;
+    SCREEN* const screen = newterm(nullptr, stdout, stdin);
+    if (screen == nullptr) return nullptr;
+    if (tigetstr("cup") == nullptr) {  // the cursor cannot be moved: "dumb"
+        reset_shell_mode();
+        delscreen(screen);
+        return nullptr;
+    }
     static const bool isRegistered = std::atexit(&endAtExit) == 0;  // for an exit that does not unwind
     static_cast<void>(isRegistered);
     return std::unique_ptr<Terminal>(new Terminal());

@@ -48,11 +48,15 @@ void Panel::fillRow(int y, Style style) {
         put(x, y, U' ', style);
 }
 
+Panel Panel::part(Rect area) const {
+    return Panel(mCanvas, {mArea.x + area.x, mArea.y + area.y, area.width, area.height});
+}
+
 Panel Panel::titled(std::string_view title) {
     for (int x = 0; x < mArea.width - 1; ++x)
         put(x, 0, U'─', Style::rule);
     text(2, 0, ' ' + std::string(title) + ' ', Style::title);
-    return Panel(mCanvas, {mArea.x, mArea.y + 1, mArea.width, mArea.height - 1});
+    return part({0, 1, mArea.width, mArea.height - 1});
 }
 
 int columns(std::string_view utf8) {

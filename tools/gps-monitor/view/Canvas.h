@@ -58,8 +58,11 @@ public:
     int text(int x, int y, std::string_view utf8, Style style = Style::normal);
     /** Ends at the right edge. */
     void textRight(int y, std::string_view utf8, Style style = Style::normal);
-    /** Gives a whole row a style. */
+    /** Clears a whole row and gives it a style. */
     void fillRow(int y, Style style);
+
+    /** A part of this panel. */
+    Panel part(Rect area) const;
 
     /** Draws a rule with a title in the first row. @return the panel below it */
     Panel titled(std::string_view title);

@@ -9,30 +9,62 @@
 namespace monitor {
 
 /** What a key does: request a setting, or one of these. */
-enum class Action { quit, setting, version, productionCheck, publishLocation, reset, coldStart };
-
-struct Key {
-    char key;
-    std::string_view label;  ///< for the help line
-    std::string_view description;
-    Action action;
-    GpsSetting setting = GPS_SETTING_SAVE_CONFIG;  ///< for Action::setting
+enum class Action {
+    quit,
+    help,
+    side,
+    raw,
+    pause,
+    filter,
+    record,
+    coordinates,
+    units,
+    redraw,
+    setting,
+    version,
+    publishLocation,
+    productionCheck,
+    coldStart,
+    reset,
 };
 
-/** In the order of the help line, which shows as many as fit. */
+inline constexpr int kEscape = 0x1B;
+inline constexpr int kCtrlL = 'L' & 0x1F;
+
+struct Key {
+    int key;
+    std::string_view name;         ///< as a keyboard shows it
+    std::string_view label;        ///< for the help line; empty when it is not shown there
+    std::string_view description;  ///< for the overlay, --help and the question
+    Action action;
+    GpsSetting setting = GPS_SETTING_SAVE_CONFIG;  ///< for Action::setting
+    bool asksFirst = false;                        ///< the user has to confirm it
+};
+
+/** First the keys of the screen, in the order of the help line, then those that send something. */
 inline constexpr std::array kKeys{
-    Key{'q', "quit", "quit", Action::quit},
-    Key{'t', "Tokyo", "receiver to the Tokyo datum", Action::setting, GPS_SETTING_DATUM_TOKYO},
-    Key{'s', "save", "save the receiver's configuration", Action::setting, GPS_SETTING_SAVE_CONFIG},
-    Key{'r', "5Hz", "five measurements a second", Action::setting, GPS_SETTING_RATE_5HZ},
-    Key{'z', "ZDA", "ZDA sentences on", Action::setting, GPS_SETTING_ZDA_ON},
-    Key{'u', "PUBX", "PUBX,00 sentences on", Action::setting, GPS_SETTING_PUBX00_ON},
-    Key{'a', "antenna", "antenna supervisor on", Action::setting, GPS_SETTING_ANTENNA_SUPERVISOR},
-    Key{'v', "version", "ask for the receiver's version", Action::version},
-    Key{'l', "location", "publish a location", Action::publishLocation},
-    Key{'p', "production", "run the production check", Action::productionCheck},
-    Key{'c', "cold start", "cold start of the receiver", Action::coldStart},
-    Key{'x', "reset", "reset of the receiver", Action::reset},
+    Key{'q', "q", "quit", "quit", Action::quit},
+    Key{'?', "?", "keys", "show all keys", Action::help},
+    Key{'m', "m", "view", "sky, track or signal history", Action::side},
+    Key{'n', "n", "NMEA", "raw sentences", Action::raw},
+    Key{' ', "space", "pause", "hold the raw sentences", Action::pause},
+    Key{'/', "/", "filter", "filter the raw sentences", Action::filter},
+    Key{'w', "w", "record", "record the raw sentences", Action::record},
+    Key{'d', "d", "degrees", "format of coordinates", Action::coordinates},
+    Key{'k', "k", "units", "unit of speed", Action::units},
+    Key{kCtrlL, "^L", "", "redraw the screen", Action::redraw},
+
+    Key{'t', "t", "Tokyo", "receiver to the Tokyo datum", Action::setting, GPS_SETTING_DATUM_TOKYO},
+    Key{'r', "r", "5 Hz", "five measurements a second", Action::setting, GPS_SETTING_RATE_5HZ},
+    Key{'z', "z", "ZDA", "ZDA sentences on", Action::setting, GPS_SETTING_ZDA_ON},
+    Key{'u', "u", "PUBX", "PUBX,00 sentences on", Action::setting, GPS_SETTING_PUBX00_ON},
+    Key{'a', "a", "antenna", "antenna supervisor on", Action::setting, GPS_SETTING_ANTENNA_SUPERVISOR},
+    Key{'v', "v", "version", "ask for the version", Action::version},
+    Key{'l', "l", "location", "publish a location", Action::publishLocation},
+    Key{'s', "s", "save", "save the receiver's settings", Action::setting, GPS_SETTING_SAVE_CONFIG, true},
+    Key{'p', "p", "production", "run the production check", Action::productionCheck, {}, true},
+    Key{'c', "c", "cold start", "cold start the receiver", Action::coldStart, {}, true},
+    Key{'x', "x", "reset", "reset the receiver", Action::reset, {}, true},
 };
 
 /** The key that was pressed, or null. */
@@ -41,6 +73,11 @@ constexpr const Key* findKey(int pressed) {
         if (key.key == pressed) return &key;
     }
     return nullptr;
+}
+
+/** True for a key that sends something to the receiver or to other processes. */
+constexpr bool sends(const Key& key) {
+    return key.action >= Action::setting;
 }
 
 }  // namespace monitor

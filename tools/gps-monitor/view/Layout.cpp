@@ -6,92 +6,104 @@ namespace monitor {
 
 namespace {
 
-// From this size on the screen has all panels.
 constexpr int kFullWidth = 80;
 constexpr int kFullHeight = 24;
 
 // Heights include the title of a panel.
-constexpr int kPositionHeight = 10;
-constexpr int kMorePositionHeight = 12;  // with the lines of PUBX and ZDA
+constexpr int kPositionHeight = 9;
+constexpr int kMorePositionHeight = 11;  // with the lines of PUBX and ZDA
 constexpr int kRowsForMorePosition = 8;  // beyond the full height
 constexpr int kSignalHeight = 6;
 constexpr int kUpperHeight = 15;
+constexpr int kMostMoreUpper = 16;
 constexpr int kMiddleHeight = 4;
+constexpr int kMostMoreMiddle = 6;
+constexpr int kLogHeight = 4;
+constexpr int kRawHeight = 4;
 
-constexpr int kPositionWidth = 50;
-constexpr int kSmallestSky = 30;
-constexpr int kLargestSky = 50;
-constexpr int kTableWidth = 34;
+constexpr int kPositionWidth = 46;
+constexpr int kWidePosition = 50;
+constexpr int kSmallestSky = 28;
+constexpr int kLargestSky = 64;
+constexpr int kTableFrom = 100;  // columns of the screen
+constexpr int kTableWidth = 26;
+constexpr int kLargestTable = 26 + 60;  // a column for each second of the history
 constexpr int kCountsWidth = 58;
+constexpr int kRawWidth = 100;
 
-/** Hands out rows from top to bottom. */
-class Rows {
-public:
-    Rows(int width, int top, int bottom) : mWidth(width), mNext(top), mBottom(bottom) {}
-
-    Rect take(int height) {
-        height = std::clamp(height, 0, mBottom - mNext);
-        const Rect rows{0, mNext, mWidth, height};
-        mNext += height;
-        return rows;
-    }
-    Rect takeRest() { return take(mBottom - mNext); }
-
-private:
-    int mWidth;
-    int mNext;
-    int mBottom;
-};
-
-/** Cuts `width` columns off the right side of an area. */
 Rect cutRight(Rect& area, int width) {
     area.width -= width;
     return {area.x + area.width, area.y, width, area.height};
 }
 
-/** Cuts off the rows below the first `height`. */
-Rect cutBelow(Rect& area, int height) {
-    const Rect below{area.x, area.y + height, area.width, area.height - height};
-    area.height = height;
-    return below;
+/** Cuts off the rows from the top of an area, at most all. */
+Rect cutTop(Rect& area, int height) {
+    const Rect top{area.x, area.y, area.width, std::clamp(height, 0, area.height)};
+    area.y += top.height;
+    area.height -= top.height;
+    return top;
 }
 
-void layOutColumn(Layout& layout, Rows rows) {
-    layout.position = rows.take(kPositionHeight);
-    layout.signals = rows.take(kSignalHeight);
-    layout.requests = rows.take(kMiddleHeight);
-    layout.log = rows.takeRest();
+void layOutColumn(Layout& layout, Rect rest, bool isRawLarge) {
+    layout.position = cutTop(rest, kPositionHeight);
+    if (isRawLarge) layout.raw = cutTop(rest, rest.height);
+    layout.signals = cutTop(rest, kSignalHeight);
+    layout.requests = cutTop(rest, kMiddleHeight);
+    layout.log = rest;
 }
 
-/** Of the rows beyond the full height the upper panels get a half, the middle ones a sixth and the log the rest. */
-void layOutFully(Layout& layout, Rows rows, int width, int height) {
-    const int extra = height - kFullHeight;
-    Rect upper = rows.take(kUpperHeight + extra / 2);
-    Rect middle = rows.take(kMiddleHeight + extra / 6);
-    layout.log = rows.takeRest();
-
+void layOutUpper(Layout& layout, Rect upper, int extra) {
+    const int width = upper.width;
+    const bool hasTable = width >= kTableFrom;
+    const int others =
+        (width >= kFullWidth + kPositionWidth ? kWidePosition : kPositionWidth) + (hasTable ? kTableWidth : 0);
     const int roundSky = 2 * upper.height;  // a row is as high as two columns are wide
-    layout.sky = cutRight(upper, std::clamp(roundSky, kSmallestSky, std::min(width - kPositionWidth, kLargestSky)));
-    if (upper.width >= kPositionWidth + kTableWidth) layout.satellites = cutRight(upper, kTableWidth);
-    layout.position = upper;
-    layout.signals = cutBelow(layout.position, extra >= kRowsForMorePosition ? kMorePositionHeight : kPositionHeight);
+    layout.side = cutRight(upper, std::clamp(width - others, kSmallestSky, std::min(roundSky, kLargestSky)));
+    if (hasTable) layout.satellites = cutRight(upper, std::min(upper.width - kPositionWidth, kLargestTable));
+    layout.position = cutTop(upper, extra >= kRowsForMorePosition ? kMorePositionHeight : kPositionHeight);
+    layout.signals = upper;
+}
 
-    if (width >= kFullWidth + kCountsWidth) layout.counts = cutRight(middle, kCountsWidth);
+void layOutMiddle(Layout& layout, Rect middle) {
+    if (middle.width >= kFullWidth + kCountsWidth) layout.counts = cutRight(middle, kCountsWidth);
+    layout.location = cutRight(middle, middle.width / 2);
     layout.requests = middle;
-    layout.location = cutRight(layout.requests, middle.width / 2);
+}
+
+/** The raw sentences beside the log, above it, or not at all. */
+void layOutBottom(Layout& layout, Rect bottom) {
+    if (bottom.height >= kRawHeight + kLogHeight) {
+        if (bottom.width >= kRawWidth + kFullWidth) {
+            layout.raw = cutRight(bottom, kRawWidth);
+        } else {
+            layout.raw = cutTop(bottom, bottom.height - kLogHeight);
+        }
+    }
+    layout.log = bottom;
+}
+
+void layOutFully(Layout& layout, Rect rest, int height, bool isRawLarge) {
+    const int extra = height - kFullHeight;
+    layOutUpper(layout, cutTop(rest, kUpperHeight + std::min(extra / 2, kMostMoreUpper)), extra);
+    if (isRawLarge) {
+        layout.raw = rest;
+        return;
+    }
+    layOutMiddle(layout, cutTop(rest, kMiddleHeight + std::min(extra / 6, kMostMoreMiddle)));
+    layOutBottom(layout, rest);
 }
 
 }  // namespace
 
-Layout makeLayout(int width, int height) {
+Layout makeLayout(int width, int height, bool isRawLarge) {
     Layout layout;
     layout.title = {0, 0, width, std::min(height, 1)};
-    if (height > 1) layout.help = {0, height - 1, width, 1};
-    const Rows rows(width, 1, std::max(height - 1, 1));
+    if (height > 1) layout.footer = {0, height - 1, width, 1};
+    const Rect rest{0, 1, width, std::max(height - 2, 0)};
     if (width < kFullWidth || height < kFullHeight) {
-        layOutColumn(layout, rows);
+        layOutColumn(layout, rest, isRawLarge);
     } else {
-        layOutFully(layout, rows, width, height);
+        layOutFully(layout, rest, height, isRawLarge);
     }
     return layout;
 }

@@ -5,22 +5,27 @@
 
 namespace monitor {
 
-/** Where the panels go; what there is no room for is empty. */
+/** Where the panels go; a panel without room is empty. */
 struct Layout {
     Rect title;
     Rect position;
     Rect signals;
-    Rect sky;
+    Rect side;  ///< sky, track or history
     Rect satellites;
     Rect requests;
     Rect location;
     Rect counts;
+    Rect raw;
     Rect log;
-    Rect help;
+    Rect footer;
 };
 
-/** All panels from 80 by 24 on, the satellite table and the counts on wider screens; below that a single column. */
-Layout makeLayout(int width, int height);
+/**
+ * From 80 by 24 on all panels but the satellite table (from 100 columns), the counts (138 columns) and the raw
+ * sentences (38 rows); below that a single column.
+ * @param isRawLarge the raw sentences take the place of all panels below the signals
+ */
+Layout makeLayout(int width, int height, bool isRawLarge);
 
 }  // namespace monitor
 

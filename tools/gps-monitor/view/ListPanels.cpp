@@ -1,8 +1,8 @@
+#include <fmt/chrono.h>
+
 #include <algorithm>
 #include <vector>
 
-#include "tools/gps-monitor/model/Coordinates.h"
-#include "tools/gps-monitor/view/Text.h"
 #include "tools/gps-monitor/view/View.h"
 
 namespace monitor {
@@ -38,6 +38,8 @@ AnswerText answerText(Answer answer) {
             return {"waiting", Style::warning};
         case Answer::acknowledged:
             return {"acknowledged", Style::good};
+        case Answer::answered:
+            return {"answered", Style::good};
         case Answer::refused:
             return {"refused", Style::bad};
         case Answer::notSent:
@@ -54,67 +56,91 @@ std::string_view withoutPrefix(std::string_view text, std::string_view prefix) {
 
 }  // namespace
 
-void drawRequests(Panel panel, const MonitorState& state) {
+void drawRequests(Panel panel, const View& view) {
     constexpr int kAnswerWidth = 12;
+    const int answerColumn = panel.width() - 1 - kAnswerWidth;
     int y = 0;
-    for (const Request& request : newest(state.requests, panel.height())) {
+    for (const Request& request : newest(view.state.requests, panel.height())) {
         const std::string_view name = withoutPrefix(withoutPrefix(request.name, "GPS_SETTING_"), "request");
         const auto [text, style] = answerText(request.answer);
-        const int answerColumn = panel.width() - 1 - kAnswerWidth;
         panel.text(0, y, name.substr(0, static_cast<std::size_t>(std::max(answerColumn - 1, 0))));
         panel.text(answerColumn, y, text, style);
         ++y;
     }
 }
 
-void drawLocation(Panel panel, const MonitorState& state, Clock::time_point now) {
-    if (!state.location) {
-        panel.text(0, 0, "none told yet", Style::faint);
+void drawLocation(Panel panel, const View& view) {
+    if (!view.state.location) {
+        panel.text(0, 0, "none yet", Style::faint);
         return;
     }
-    const LOCATION_DATA& location = state.location->value;
-    const auto age = std::chrono::duration_cast<std::chrono::seconds>(now - state.location->time).count();
-    const auto told = state.counts[Notification("notifyLocationData").index()];
-    panel.text(0, 0, std::to_string(told) + " told, newest " + std::to_string(age) + " s ago");
-    panel.text(0, 1, degreesAndMinutes({location.Gga.Lat, location.Gga.Lon}), Style::strong);
-    const int x = panel.text(0, 2, fixed(location.Gga.Alt, 1) + " m  " + fixed(location.Rmc.Speed, 1) + " kn  ");
-    panel.text(x, 2, fixed(location.Rmc.Dir, 1) + "°");
+    const auto& [time, location] = *view.state.location;
     const PASCD& pascd = location.Pascd;
+    const auto count = view.state.counts[Notification("notifyLocationData").index()];
+    panel.text(0, 0, fmt::format("{} received, newest {} ago", count, ageText(view.now - time)));
+    panel.text(0, 1, coordinates({location.Gga.Lat, location.Gga.Lon}, view.controls.coordinates), Style::strong);
+    panel.text(0, 2,
+               fmt::format("{:.1f} m  {}  {:.1f}°", location.Gga.Alt,
+                           speedText(location.Rmc.Speed, view.controls.speed), location.Rmc.Dir));
     panel.text(0, 3,
-               "PASCD " + shortest(pascd.Head1) + ' ' + std::to_string(pascd.Head2) + ' ' +
-                   std::to_string(pascd.Head3) + ' ' + std::to_string(pascd.Head4) + ' ' + std::to_string(pascd.Head5));
-    for (int y = 4; y < std::min(panel.height(), 4 + GPS_PASCD_SAMPLE_NUM); ++y) {
-        const PASCD_SAMPLE& sample = pascd.Sample[y - 4];
-        panel.text(0, y, "  " + shortest(sample.ValueA) + "  " + shortest(sample.ValueB), Style::faint);
-    }
+               fmt::format("PASCD {} {} {} {} {}", pascd.Head1, pascd.Head2, pascd.Head3, pascd.Head4, pascd.Head5));
+    for (int i = 0; i < std::min<int>(panel.height() - 4, GPS_PASCD_SAMPLE_NUM); ++i)
+        panel.text(2, 4 + i, fmt::format("{}  {}", pascd.Sample[i].ValueA, pascd.Sample[i].ValueB), Style::faint);
 }
 
-void drawCounts(Panel panel, const MonitorState& state) {
+void drawCounts(Panel panel, const View& view) {
     constexpr int kColumnWidth = 29;
+    if (panel.height() <= 0) return;
     int shown = 0;
     for (std::size_t i = 0; i < kNotificationNames.size(); ++i) {
-        if (state.counts[i] == 0 || panel.height() <= 0) continue;
+        const auto count = view.state.counts[i];
+        if (count == 0) continue;
         const int x = shown / panel.height() * kColumnWidth;
         const int y = shown % panel.height();
         const std::string_view name = withoutPrefix(withoutPrefix(kNotificationNames[i], "notify"), "notyfy");
-        const int next = panel.text(x, y, std::to_string(state.counts[i]) + ' ');
+        const int next = panel.text(x, y, fmt::format("{} ", count));
         panel.text(next, y, name.substr(0, static_cast<std::size_t>(std::max(x + kColumnWidth - 1 - next, 0))),
                    Style::label);
         ++shown;
     }
 }
 
-void drawLog(Panel panel, const MonitorState& state) {
-    if (panel.width() <= 0) return;
-    std::vector<std::string_view> rows;
-    for (std::string_view line : newest(state.log, panel.height())) {
-        const auto width = static_cast<std::size_t>(panel.width());
-        for (; line.size() > width; line.remove_prefix(width))
-            rows.push_back(line.substr(0, width));
-        rows.push_back(line);
+void drawRaw(Panel panel, const View& view) {
+    constexpr int kTimeWidth = 14;  // shown when the longest sentence fits beside it
+    constexpr int kSentenceWidth = 82;
+    const bool showsTime = panel.width() >= kTimeWidth + kSentenceWidth;
+    std::vector<const RawSentence*> matching;
+    for (const RawSentence& sentence : view.controls.paused ? *view.controls.paused : view.state.raw) {
+        if (sentence.text.find(view.controls.filter) != std::string::npos) matching.push_back(&sentence);
     }
     int y = 0;
-    for (const std::string_view row : newest(rows, panel.height()))
+    for (const RawSentence* sentence : newest(matching, panel.height())) {
+        int x = 0;
+        if (showsTime) {
+            const auto time = std::chrono::floor<std::chrono::milliseconds>(sentence->time);
+            panel.text(0, y,
+                       fmt::format("{:%H:%M:%S}.{:03}", fmt::gmtime(time), time.time_since_epoch().count() % 1000),
+                       Style::faint);
+            x = kTimeWidth;
+        }
+        const std::size_t comma = std::min(sentence->text.find(','), sentence->text.size());
+        x = panel.text(x, y, sentence->text.substr(0, comma), Style::label);
+        panel.text(x, y++, sentence->text.substr(comma));
+    }
+    if (matching.empty()) panel.text(0, 0, "none", Style::faint);
+}
+
+void drawLog(Panel panel, const View& view) {
+    if (panel.width() <= 0) return;
+    std::vector<std::string> rows;
+    for (const LogLine& line : newest(view.state.log, panel.height())) {
+        const std::string text = fmt::format("{:%H:%M:%S} {}", fmt::gmtime(line.time), line.text);
+        const auto width = static_cast<std::size_t>(panel.width());
+        for (std::size_t start = 0; start < text.size(); start += width)
+            rows.push_back(text.substr(start, width));
+    }
+    int y = 0;
+    for (const std::string& row : newest(rows, panel.height()))
         panel.text(0, y++, row);
 }
 

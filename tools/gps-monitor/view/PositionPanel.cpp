@@ -1,124 +1,128 @@
-#include "tools/gps-monitor/model/Coordinates.h"
-#include "tools/gps-monitor/view/Text.h"
+#include <fmt/format.h>
+
+#include <optional>
+#include <string>
+
 #include "tools/gps-monitor/view/View.h"
 
 namespace monitor {
 
 namespace {
 
-constexpr int kValueColumn = 10;
-constexpr double kKmhPerKnot = 1.852;
-constexpr std::chrono::seconds kPositionLifetime{5};
+constexpr int kValueColumn = 9;
 
 struct Line {
     std::string_view label;
-    std::string value;
-    Style style = Style::normal;
+    std::string value = "-";
+    Style style = Style::faint;
+    std::optional<Clock::time_point> time = std::nullopt;  ///< of a value that comes with every epoch
 };
 
-Line unknown(std::string_view label) {
-    return {label, "-", Style::faint};
+Line positionLine(const View& view) {
+    const auto& position = view.state.position;
+    if (!position) return {"Position", "no fix yet"};
+    return {"Position", coordinates(position->value, view.controls.coordinates), Style::strong, position->time};
 }
 
-Line positionLine(const MonitorState& state, const std::optional<Position>& position) {
-    if (!state.gga && !state.rmc) return {"Position", "not delivered", Style::faint};
-    if (!position) return {"Position", "no fix", Style::warning};
-    return {"Position", degreesAndMinutes(*position), Style::strong};
+Line otherPositionLine(const View& view) {
+    const std::string_view label = datumName(otherDatum(view.datum));
+    const auto& position = view.state.otherPosition;
+    if (!position) return {label, "not delivered"};
+    return {label, coordinates(position->value, view.controls.coordinates), Style::normal, position->time};
 }
 
-Line otherPositionLine(const MonitorState& state, const ViewContext& context) {
-    const std::string_view label = datumName(otherDatum(context.datum));
-    const bool isCurrent = state.otherPosition && context.now - state.otherPosition->time < kPositionLifetime;
-    if (!isCurrent) return {label, "not delivered", Style::faint};
-    return {label, degreesAndMinutes(state.otherPosition->value)};
+Line altitudeLine(const View& view) {
+    const auto& altitude = view.state.altitude;
+    if (!altitude) return {"Altitude"};
+    return {"Altitude", fmt::format("{:.1f} m   geoid {:.1f} m", altitude->value.metres, altitude->value.geoid),
+            Style::normal, altitude->time};
 }
 
-Line altitudeLine(const MonitorState& state) {
-    if (!state.gga) return unknown("Altitude");
-    return {"Altitude", fixed(state.gga->Alt, 1) + " m   geoid " + fixed(state.gga->Geo, 1) + " m"};
+Line motionLine(const View& view) {
+    const auto& motion = view.state.motion;
+    if (!motion) return {"Motion"};
+    const auto [knots, course] = motion->value;
+    return {"Motion",
+            fmt::format("{}   course {:.1f}° {}", speedText(knots, view.controls.speed), course, compassPoint(course)),
+            Style::normal, motion->time};
+}
+
+template <class Record>
+std::string date(int year, const Record& record) {
+    return fmt::format("{:04}-{:02}-{:02} ", year, record.Month, record.Day);
 }
 
 /** The fraction's digits are all that a record keeps of it; receivers send at least two of them. */
 template <class Record>
 std::string timeOfDay(const Record& record) {
-    return zeroPadded(record.Hour, 2) + ':' + zeroPadded(record.Minute, 2) + ':' + zeroPadded(record.Second, 2) + '.' +
-           zeroPadded(record.MilliSecond, 2);
+    return fmt::format("{:02}:{:02}:{:02}.{:02} UTC", record.Hour, record.Minute, record.Second, record.MilliSecond);
 }
 
-std::string date(int year, int month, int day) {
-    return zeroPadded(year, 4) + '-' + zeroPadded(month, 2) + '-' + zeroPadded(day, 2) + ' ';
-}
-
-Line timeLine(const MonitorState& state) {
+Line timeLine(const View& view) {
     constexpr int kCentury = 2000;
-    if (!state.rmc) return unknown("Time");
-    const GPRMC& rmc = *state.rmc;
-    const std::string day = rmc.Day != 0 ? date(kCentury + rmc.Year % 100, rmc.Month, rmc.Day) : "";
-    return {"Time", day + timeOfDay(rmc) + " UTC"};
+    if (!view.state.rmc) return {"Time"};
+    const auto& [time, rmc] = *view.state.rmc;
+    const std::string day = rmc.Day != 0 ? date(kCentury + rmc.Year % 100, rmc) : "";
+    return {"Time", day + timeOfDay(rmc), Style::normal, time};
 }
 
-Line motionLine(const MonitorState& state) {
-    if (!state.rmc) return unknown("Motion");
-    const double knots = state.rmc->Speed;
-    const double kmh = state.vtg ? state.vtg->SpeedKMH : knots * kKmhPerKnot;
-    return {"Motion", fixed(kmh, 1) + " km/h (" + fixed(knots, 1) + " kn)   course " + fixed(state.rmc->Dir, 1) + "° " +
-                          std::string(compassPoint(state.rmc->Dir))};
-}
-
-Line fixLine(const MonitorState& state) {
-    if (!state.gsa) return unknown("Fix");
+Line fixLine(const View& view) {
+    const MonitorState& state = view.state;
+    if (!hasFix(state, view.now)) {
+        if (!state.position) return {"Fix", "none yet", Style::warning};
+        return {"Fix", fmt::format("lost, last one {} ago", ageText(view.now - state.position->time)), Style::bad};
+    }
     constexpr std::string_view kModes[] = {"no mode", "autonomous", "differential", "estimated"};
-    const int type = state.gsa->FixType;
-    std::string text = type == 3 ? "3D" : type == 2 ? "2D" : "none";
-    if (state.rmc && state.rmc->Mode < std::size(kModes)) text += ", " + std::string(kModes[state.rmc->Mode]);
-    if (state.gga) text += ", " + std::to_string(state.gga->SatView) + " satellites used";
-    return {"Fix", text, type >= 2 ? Style::good : Style::warning};
+    std::string text = "yes";
+    if (state.gsa) text = state.gsa->value.FixType == 3 ? "3D" : state.gsa->value.FixType == 2 ? "2D" : "none";
+    if (state.rmc && state.rmc->value.Mode < std::size(kModes))
+        text += fmt::format(", {}", kModes[state.rmc->value.Mode]);
+    if (state.gga) text += fmt::format(", {} satellites", state.gga->value.SatView);
+    return {"Fix", text, Style::good};
 }
 
-Line dopLine(const MonitorState& state) {
-    if (!state.gsa) return unknown("DOP");
-    return {"DOP", "P " + fixed(state.gsa->PDOP, 2) + "   H " + fixed(state.gsa->HDOP, 2) + "   V " +
-                       fixed(state.gsa->VDOP, 2)};
+Line dopLine(const View& view) {
+    if (!view.state.gsa) return {"DOP"};
+    const auto& [time, gsa] = *view.state.gsa;
+    return {"DOP", fmt::format("P {:.2f}   H {:.2f}   V {:.2f}", gsa.PDOP, gsa.HDOP, gsa.VDOP), Style::normal, time};
 }
 
-Line antennaLine(const MonitorState& state) {
-    if (!state.antenna) return unknown("Antenna");
-    if (*state.antenna == GPS_CONNECTION_STATUS_OK) return {"Antenna", "OK", Style::good};
-    if (*state.antenna == GPS_CONNECTION_STATUS_OPEN) return {"Antenna", "open: not connected", Style::bad};
-    return {"Antenna", "short circuit", Style::bad};
+/** The antenna's status comes when it changes: it is as old as the last sentence. */
+Line antennaLine(const View& view) {
+    const MonitorState& state = view.state;
+    if (!state.antenna) return {"Antenna"};
+    const auto heard = state.lastSentence;
+    if (*state.antenna == GPS_CONNECTION_STATUS_OK) return {"Antenna", "OK", Style::good, heard};
+    if (*state.antenna == GPS_CONNECTION_STATUS_OPEN) return {"Antenna", "open: not connected", Style::bad, heard};
+    return {"Antenna", "short circuit", Style::bad, heard};
 }
 
-Line accuracyLine(const MonitorState& state) {
-    if (!state.pubx) return unknown("Accuracy");
-    return {"Accuracy", fixed(state.pubx->hacc, 1) + " m horizontal, " + fixed(state.pubx->vacc, 1) + " m vertical"};
+Line accuracyLine(const View& view) {
+    if (!view.state.pubx) return {"Accuracy"};
+    const auto& [time, pubx] = *view.state.pubx;
+    return {"Accuracy", fmt::format("{:.1f} m horizontal, {:.1f} m vertical", pubx.hacc, pubx.vacc), Style::normal,
+            time};
 }
 
-Line zoneLine(const MonitorState& state) {
-    if (!state.zda) return unknown("ZDA");
-    return {"ZDA", date(state.zda->Year, state.zda->Month, state.zda->Day) + timeOfDay(*state.zda) + " UTC"};
+Line zdaLine(const View& view) {
+    if (!view.state.zda) return {"ZDA"};
+    const auto& [time, zda] = *view.state.zda;
+    return {"ZDA", date(zda.Year, zda) + timeOfDay(zda), Style::normal, time};
 }
 
 }  // namespace
 
-void drawPosition(Panel panel, const MonitorState& state, const ViewContext& context) {
-    const std::optional<Position> position = currentPosition(state);
+void drawPosition(Panel panel, const View& view) {
     const Line lines[] = {
-        positionLine(state, position),
-        {"", position ? decimalDegrees(*position) : "", Style::strong},
-        otherPositionLine(state, context),
-        altitudeLine(state),
-        timeLine(state),
-        motionLine(state),
-        fixLine(state),
-        dopLine(state),
-        antennaLine(state),
-        accuracyLine(state),
-        zoneLine(state),
+        positionLine(view), otherPositionLine(view), altitudeLine(view), motionLine(view),   timeLine(view),
+        fixLine(view),      dopLine(view),           antennaLine(view),  accuracyLine(view), zdaLine(view),
     };
     int y = 0;
     for (const Line& line : lines) {
+        const bool isStale = line.time && view.isStale(*line.time);
         panel.text(0, y, line.label, Style::label);
-        panel.text(kValueColumn, y, line.value, line.style);
+        panel.text(kValueColumn, y, line.value, isStale ? Style::faint : line.style);
+        if (isStale) panel.textRight(y, fmt::format(" {} ", ageText(view.now - *line.time)), Style::warning);
         ++y;
     }
 }

@@ -1,0 +1,48 @@
+#ifndef GPS_MONITOR_RECORDER_H
+#define GPS_MONITOR_RECORDER_H
+
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "tools/gps-monitor/model/Model.h"
+#include "tools/gps-monitor/terminal/PlainWriter.h"
+
+namespace monitor {
+
+/**
+ * Appends raw sentences to a file while it records. The model shows the file and how many sentences were recorded. A
+ * write that fails ends the recording; the reason is logged and kept in the model. Any thread.
+ */
+class Recorder {
+public:
+    /**
+     * @param writer gets a line when a recording fails; may be null
+     * @param path the file to start with; empty: none
+     */
+    Recorder(Model& model, PlainWriter* writer, const std::string& path);
+    ~Recorder();
+    Recorder(const Recorder&) = delete;
+    Recorder& operator=(const Recorder&) = delete;
+
+    /** Stops, or starts again: with the file recorded to before, or else one named after the time in UTC. */
+    void toggle();
+
+    void write(std::string_view sentence);
+
+private:
+    // Called with mMutex held, but for the constructor and the destructor.
+    void open();
+    void close();
+    void fail(const std::string& reason);
+
+    Model& mModel;
+    PlainWriter* mWriter;
+    std::mutex mMutex;
+    std::string mPath;  // guarded by mMutex
+    int mFile = -1;     // guarded by mMutex
+};
+
+}  // namespace monitor
+
+#endif

@@ -1,0 +1,109 @@
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <string>
+
+#include "tools/gps-monitor/view/View.h"
+
+namespace monitor {
+
+namespace {
+
+struct Place {
+    int x;
+    int y;
+};
+
+/** Places of the sky on a panel: the zenith in the middle, north up. */
+class SkyMap {
+public:
+    /** A row is as high as two columns are wide. */
+    explicit SkyMap(const Panel& panel)
+        : mCentreX((panel.width() - 1) / 2),
+          mCentreY((panel.height() - 1) / 2),
+          mRadius(std::min((panel.width() - 4) / 4.0, static_cast<double>(mCentreY))) {}
+
+    Place place(double azimuth, double elevation) const {
+        const double angle = azimuth * std::numbers::pi / 180;
+        const double distance = mRadius * (90 - elevation) / 90;
+        return {mCentreX + static_cast<int>(std::lround(2 * distance * std::sin(angle))),
+                mCentreY - static_cast<int>(std::lround(distance * std::cos(angle)))};
+    }
+
+private:
+    int mCentreX;
+    int mCentreY;
+    double mRadius;
+};
+
+/** Writes labels that neither touch nor cover one another. */
+class Labels {
+public:
+    explicit Labels(Panel& panel)
+        : mPanel(panel), mTaken(static_cast<std::size_t>(panel.width()) * static_cast<std::size_t>(panel.height())) {}
+
+    /** As near to a place as there is room; a dot where there is none. */
+    void write(Place place, std::string_view text, Style style) {
+        constexpr Place kShifts[] = {{0, 0},  {-1, 0},  {1, 0},  {0, -1}, {0, 1},
+                                     {-2, 0}, {-1, -1}, {-1, 1}, {1, -1}, {1, 1}};
+        for (const Place shift : kShifts) {
+            if (tryWrite({place.x + shift.x, place.y + shift.y}, text, style)) return;
+        }
+        if (!isTaken(place.x, place.y)) mPanel.put(place.x, place.y, U'•', style);
+    }
+
+    /** Exactly at a place. False when there is no room. */
+    bool tryWrite(Place place, std::string_view text, Style style) {
+        const int end = place.x + columns(text);
+        if (place.x < 0 || end > mPanel.width() || place.y < 0 || place.y >= mPanel.height()) return false;
+        for (int x = place.x - 1; x <= end; ++x) {
+            if (isTaken(x, place.y)) return false;
+        }
+        mPanel.text(place.x, place.y, text, style);
+        std::fill(&taken(place.x, place.y), &taken(end - 1, place.y) + 1, 1);
+        return true;
+    }
+
+private:
+    bool isTaken(int x, int y) { return x >= 0 && x < mPanel.width() && taken(x, y) != 0; }
+    char& taken(int x, int y) { return mTaken[static_cast<std::size_t>(y * mPanel.width() + x)]; }
+
+    Panel& mPanel;
+    std::vector<char> mTaken;
+};
+
+void drawCircles(Panel& panel, const SkyMap& map) {
+    for (const int elevation : {0, 45}) {
+        for (int azimuth = 0; azimuth < 360; azimuth += 3) {
+            const auto [x, y] = map.place(azimuth, elevation);
+            panel.put(x, y, U'·', Style::rule);
+        }
+    }
+    const auto [x, y] = map.place(0, 90);
+    panel.put(x, y, U'+', Style::rule);
+}
+
+}  // namespace
+
+void drawSky(Panel panel, const View& view, const std::vector<Satellite>& satellites) {
+    if (panel.width() < 8 || panel.height() < 4) return;
+    const SkyMap map(panel);
+    drawCircles(panel, map);
+    Labels labels(panel);
+    constexpr std::string_view kPoints[] = {"N", "E", "S", "W"};
+    for (int i = 0; i < 4; ++i)
+        labels.tryWrite(map.place(90 * i, 0), kPoints[i], Style::label);
+
+    std::vector<Satellite> ordered = satellites;  // the used ones first, then the strong ones
+    std::stable_sort(ordered.begin(), ordered.end(), [](const Satellite& a, const Satellite& b) {
+        return std::pair(a.used, a.snr) > std::pair(b.used, b.snr);
+    });
+    for (const Satellite& satellite : ordered) {
+        const bool isStrong = satellite.used && !view.isStale(satellite.time);
+        const Style style = isStrong ? Style::strong : Style::faint;
+        if (satellite.hasPlace())
+            labels.write(map.place(satellite.azimuth, satellite.elevation), std::to_string(satellite.id), style);
+    }
+}
+
+}  // namespace monitor
