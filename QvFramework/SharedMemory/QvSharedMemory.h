@@ -11,6 +11,7 @@
 #include <type_traits>
 
 #include "QvFramework/Foundation/QvDbgOutput.h"
+#include "QvFramework/Foundation/QvHelpers.h"
 #include "QvFramework/Foundation/QvString.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "QvFramework/SharedMemory/QvSharedSyncObject.h"
@@ -76,16 +77,16 @@ QvSharedMemory<T, N>::~QvSharedMemory() {
 
 template <class T, unsigned N>
 bool QvSharedMemory<T, N>::open(const char* objectName) {
-    mFd = shm_open(objectName, O_RDWR | O_CREAT | O_EXCL, MODE);
+    mFd = qv_above_standard(shm_open(objectName, O_RDWR | O_CREAT | O_EXCL, MODE));
     mIsCreator = mFd != -1;
     if (mIsCreator) return true;
     if (errno != EEXIST) {
         report(__LINE__, "shm_open error\n");
         return false;
     }
-    mFd = shm_open(objectName, O_RDWR | O_CREAT, MODE);
+    mFd = qv_above_standard(shm_open(objectName, O_RDWR | O_CREAT, MODE));
     // Where fs.protected_regular is set, O_CREAT is refused for another user's object, whatever its mode allows.
-    if (mFd == -1 && errno == EACCES) mFd = shm_open(objectName, O_RDWR, MODE);
+    if (mFd == -1 && errno == EACCES) mFd = qv_above_standard(shm_open(objectName, O_RDWR, MODE));
     struct stat status {};
     // Empty while the lock is held: its creator died before it had sized it, and this holder takes its place.
     mIsCreator = mFd != -1 && fstat(mFd, &status) == 0 && status.st_size == 0;

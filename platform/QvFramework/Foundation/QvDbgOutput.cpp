@@ -2,15 +2,15 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
+#include <string_view>
 
 #include "QvFramework/Foundation/QvSync.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
 namespace {
 
-void printLine(void*, const char* file, const char* function, int line, int, const char* text) {
-    const int length = static_cast<int>(std::strcspn(text, "\r\n"));
+void printText(void*, const char* file, const char* function, int line, int, const char* text) {
+    const int length = static_cast<int>(std::string_view(text).find_last_not_of("\r\n") + 1);
     if (*file == '\0') {
         std::fprintf(stderr, "%.*s\n", length, text);
     } else {
@@ -20,7 +20,7 @@ void printLine(void*, const char* file, const char* function, int line, int, con
 
 struct Output {
     QvSync sync;  // held while the sink runs, so that a replaced sink is not in use any more
-    QvDbgOutput::Sink sink QV_GUARDED_BY(sync) = &printLine;
+    QvDbgOutput::Sink sink QV_GUARDED_BY(sync) = &printText;
     void* context QV_GUARDED_BY(sync) = nullptr;
 
     static Output& instance() {
@@ -41,7 +41,7 @@ struct Output {
 void QvDbgOutput::setSink(Sink sink, void* context) {
     Output& output = Output::instance();
     QvSyncGuard guard(output.sync);
-    output.sink = sink != nullptr ? sink : &printLine;
+    output.sink = sink != nullptr ? sink : &printText;
     output.context = context;
 }
 

@@ -8,8 +8,8 @@ public:
     using Sink = void (*)(void* context, const char* file, const char* function, int line, int tag, const char* text);
 
     /**
-     * Sends all output to `sink`; null restores the default, one line on standard error. When this returns, the
-     * former sink is not running on any other thread. A sink must not call back into the code that logs.
+     * Sends all output to `sink`; null restores the default, which prints every line on standard error. When this
+     * returns, the former sink is not running on any other thread. A sink must not call back into the code that logs.
      */
     static void setSink(Sink sink, void* context);
 

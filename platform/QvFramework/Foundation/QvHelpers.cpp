@@ -1,5 +1,8 @@
 #include "QvFramework/Foundation/QvHelpers.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -21,6 +24,15 @@ char* qv_strncpy(char* destination, std::size_t size, const char* source, std::s
     std::memcpy(destination, source, length);
     destination[length] = '\0';
     return destination;
+}
+
+int qv_above_standard(int fd) {
+    if (fd < STDIN_FILENO || fd > STDERR_FILENO) return fd;
+    const int higher = fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int error = errno;
+    close(fd);
+    errno = error;
+    return higher;
 }
 
 int qv_get_last_err() {
