@@ -20,8 +20,9 @@
  * N records of type T in a named shared-memory object, with the cross-process lock of the same name.
  *
  * The first holder since the system started creates the object and fills the records with zeros; later holders find
- * them as they were left. The object is never removed. A holder that could not map its object stays unmapped for its
- * whole life and says so on the debug output. Take the lock (a QvSyncGuard on this object) around every access.
+ * them as they were left. The object is never removed. A holder that could not map its object, or whose lock is not
+ * available, stays unmapped for its whole life; the debug output gives the reason. Take the lock (a QvSyncGuard on this
+ * object) around every access. Other processes may store anything in the segment: check every value that is read.
  */
 template <class T, unsigned N>
 class QvSharedMemory : public QvSharedSyncObject {
@@ -64,7 +65,7 @@ QvSharedMemory<T, N>::QvSharedMemory(const char* name)
     : QvSharedSyncObject(name), mFd(-1), mpAddress(MAP_FAILED), mIsCreator(false) {
     // Held to the end: of two processes that start together, one finishes creating before the other opens.
     QvSyncGuard<QvSharedSyncObject> guard(*this);
-    if (open((QvString("/") + name).c_str())) map();
+    if (isAvailable() && open((QvString("/") + name).c_str())) map();
 }
 
 template <class T, unsigned N>
@@ -124,10 +125,10 @@ void QvSharedMemory<T, N>::map() {
         report(__LINE__, "mmap error\n");
         return;
     }
-    segment()->dataSize = sizeof(T) * N;
+    segment()->dataSize = sizeof(segment()->records);
     if (!mIsCreator) return;
     QvSyncGuard<QvSharedSyncObject> guard(*this);
-    std::memset(static_cast<void*>(segment()->records), 0, segment()->dataSize);
+    std::memset(static_cast<void*>(segment()->records), 0, sizeof(segment()->records));
 }
 
 #endif

@@ -1,7 +1,6 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/Receiver.h"
 #include "tests/support/SystemFaults.h"
@@ -112,25 +111,6 @@ TEST_F(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
         expectService(*controller);
         EXPECT_TRUE(areAllFaultsTaken()) << "the call was made";
         EXPECT_EQ(reports(), row.reports);
-    }
-}
-
-TEST(SharedLock, worksInItsProcessAloneWhenTheSystemHasNoMemoryForIt) {
-    const struct {
-        const char* call;
-        int error;
-        bool isShared;
-    } rows[] = {{"shm_open", EMFILE, false}, {"posix_fallocate", EINTR, true}, {"posix_fallocate", ENOSPC, false}};
-    int lock = 0;
-    for (const auto& row : rows) {
-        const std::string name = "QVSDK_Fault" + std::to_string(++lock);  // a process has one lock of a name
-        const LogCapture log;
-        letFail({row.call, {row.error}});
-        const QvSharedSyncObject object(name.c_str());
-        EXPECT_TRUE(areAllFaultsTaken()) << row.call;
-        EXPECT_EQ(log.texts(), row.isShared ? Strings() : Strings{"no shared lock for " + name + "\n"});
-        QvSyncGuard guard(object);
-        QvSyncGuard again(object);
     }
 }
 

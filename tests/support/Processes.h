@@ -42,6 +42,12 @@ inline int exitCodeOf(pid_t pid) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
+/** Makes this process one of another user in the same group, where the system allows it. */
+inline bool changeUser() {
+    constexpr uid_t kNobody = 65534;
+    return setuid(kNobody) == 0;
+}
+
 /** Runs `work` in a process of its own to its end; what it expects must hold. */
 template <class Work>
 void expectInProcess(Work work) {

@@ -1,153 +1,169 @@
 #include "QvFramework/SharedMemory/QvSharedSyncObject.h"
 
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
 #include <ctime>
-#include <map>
 #include <string>
 
 #include "QvFramework/Foundation/QvDbgOutput.h"
+#include "QvFramework/Foundation/QvHelpers.h"
 #include "QvFramework/Foundation/QvSync.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
+// A process has a random token, which the lock names as its holder, and keeps a file lock on the byte of the object
+// that its token selects. The kernel drops the file lock when the process ends, however it ends: a thread that finds
+// the lock held asks for it, and takes the lock from a dead holder.
+//
+// A robust mutex names its holder by thread id, and thread ids repeat between PID namespaces: when a thread dies that
+// waits for the mutex and has the same id as the holder, the kernel releases the mutex of the living holder.
+
 namespace {
 
-constexpr char kSource[] = "QvFramework/SharedMemory/QvSharedSyncObject";
-constexpr std::uint32_t kMagic = 0x51764c6b;  // "QvLk"
-constexpr std::uint32_t kVersion = 1;
-constexpr mode_t kMode = 0664;
+using Token = std::uint64_t;
 
-struct SharedLock {
-    std::uint32_t magic;  // written last: a lock without it was left unfinished
-    std::uint32_t version;
-    pthread_mutex_t mutex;
+struct SharedObject {
+    std::uint64_t kind = 0x0000'0002'5176'4c6b;  // "QvLk" and the version; version 1 was a recursive robust mutex
+    Token holder = 0;                            // 0 while the lock is free
+};
+static_assert(sizeof(SharedObject) == 16 && std::atomic_ref<Token>::is_always_lock_free, "shared between processes");
+
+}  // namespace
+
+/** What this process has of the lock of one name. */
+struct QvSharedLock {
+    const std::string name;
+    const int fd;
+    const std::atomic_ref<Token> holder;
+    QvSharedLock* const next;
+    std::atomic<pthread_t> owner{};  // the thread of this process that holds the lock
+    unsigned int depth = 0;          // how often it does
 };
 
-void initialize(pthread_mutex_t* mutex, int shared) {
-    pthread_mutexattr_t attributes;
-    pthread_mutexattr_init(&attributes);
-    pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
-    pthread_mutexattr_setpshared(&attributes, shared);
-    pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
-    pthread_mutex_init(mutex, &attributes);
-    pthread_mutexattr_destroy(&attributes);
+namespace {
+
+constexpr char kDirectory[] = "/dev/shm";
+constexpr mode_t kMode = 0660;  // who may not write the object may not open it, and so place no file lock on it
+
+constinit std::atomic<Token> gToken{0};  // of this process
+constinit std::atomic<QvSharedLock*> gLocks{nullptr};
+
+struct flock byteOf(Token token, short type) {
+    const auto offset = static_cast<off_t>(token / 2);  // never negative
+    return {.l_type = type, .l_whence = SEEK_SET, .l_start = offset, .l_len = 1, .l_pid = 0};
 }
 
-/** Sizes an object that is new, or whose creator died before it had sized it. The caller holds the file lock. */
-bool reserve(int fd) {
-    struct stat status {};
-    if (fstat(fd, &status) != 0) return false;
-    if (status.st_size != 0) return static_cast<std::size_t>(status.st_size) == sizeof(SharedLock);
-    if (fchmod(fd, kMode) != 0 && errno != EPERM) return false;  // whatever the umask made of it
-    int reserved = EINTR;
-    while (reserved == EINTR)
-        reserved = posix_fallocate(fd, 0, sizeof(SharedLock));
-    return reserved == 0;
+bool showLife(int fd) {
+    struct flock byte = byteOf(gToken, F_RDLCK);
+    return fcntl(fd, F_SETLK, &byte) == 0;
 }
 
-/** Maps the lock of an open object, and makes it one if nobody has. The caller holds the file lock. */
-SharedLock* mapLocked(int fd) {
-    if (!reserve(fd)) return nullptr;
-    void* const address = mmap(nullptr, sizeof(SharedLock), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
-    if (address == MAP_FAILED) return nullptr;
-    auto* const lock = static_cast<SharedLock*>(address);
-    const std::uint32_t magic = __atomic_load_n(&lock->magic, __ATOMIC_ACQUIRE);
-    if (magic == 0) {
-        initialize(&lock->mutex, PTHREAD_PROCESS_SHARED);
-        lock->version = kVersion;
-        __atomic_store_n(&lock->magic, kMagic, __ATOMIC_RELEASE);
-    } else if (magic != kMagic || lock->version != kVersion) {
-        munmap(address, sizeof(SharedLock));
-        return nullptr;
+bool isAlive(int fd, Token token) {
+    struct flock byte = byteOf(token, F_WRLCK);
+    return token == gToken || fcntl(fd, F_GETLK, &byte) != 0 || byte.l_type != F_UNLCK;
+}
+
+bool tryLock(const QvSharedLock& lock) {
+    Token seen = 0;
+    return lock.holder.compare_exchange_strong(seen, gToken) ||
+           (!isAlive(lock.fd, seen) && lock.holder.compare_exchange_strong(seen, gToken));
+}
+
+/** Gives this process, which may be a forked child, a life of its own. A child holds none of its parent's locks. */
+void beginLife() {
+    Token token = 0;
+    arc4random_buf(&token, sizeof(token));
+    gToken = token | 1U;
+    for (QvSharedLock* lock = gLocks; lock != nullptr; lock = lock->next) {
+        lock->owner = pthread_t{};
+        showLife(lock->fd);
     }
-    return lock;
 }
 
-int openObject(const char* name) {
-    const int fd = shm_open(name, O_RDWR | O_CREAT, kMode);
-    // Where fs.protected_regular is set, O_CREAT is refused for another user's object, whatever its mode allows.
-    return fd < 0 && errno == EACCES ? shm_open(name, O_RDWR, kMode) : fd;
+/** Fills a nameless object and names it, so that the name never shows half a lock. */
+bool publish(int fd, const std::string& path) {
+    const SharedObject object;
+    const std::string self = "/proc/self/fd/" + std::to_string(fd);
+    return fchmod(fd, kMode) == 0 &&  // whatever the umask made of it
+           write(fd, &object, sizeof(object)) == sizeof(object) &&
+           linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }
 
-/** Waits for the file lock, which ends with `fd` and with this process: no child that is forked meanwhile has it. */
-bool lockFile(int fd) {
-    struct flock whole {};
-    whole.l_type = F_WRLCK;
-    whole.l_whence = SEEK_SET;
-    int result = -1;
-    do {
-        result = fcntl(fd, F_SETLKW, &whole);
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
+int openObject(const std::string& path) {
+    for (;;) {
+        int fd = qv_above_standard(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+        if (fd != -1 || errno != ENOENT) return fd;
+        fd = qv_above_standard(open(kDirectory, O_TMPFILE | O_RDWR | O_CLOEXEC, kMode));
+        if (fd == -1 || publish(fd, path)) return fd;
+        close(fd);
+        if (errno != EEXIST) return -1;  // else another process was first
+    }
 }
 
-/** The lock in shared memory, or null. Two processes that start together take turns through the file lock. */
-pthread_mutex_t* openShared(const std::string& name) {
-    const int fd = openObject(("/" + name + ".lock").c_str());
-    if (fd < 0) return nullptr;
-    SharedLock* const lock = lockFile(fd) ? mapLocked(fd) : nullptr;
-    close(fd);
-    return lock != nullptr ? &lock->mutex : nullptr;
+/** Null, with `errno`, when the object is no lock of this version or cannot be mapped. */
+SharedObject* mapObject(int fd) {
+    SharedObject found[2];
+    const bool isLock =
+        pread(fd, found, sizeof(found), 0) == sizeof(SharedObject) && found[0].kind == SharedObject().kind;
+    if (!isLock) errno = EPROTO;
+    if (!isLock || !showLife(fd)) return nullptr;
+    void* const address = mmap(nullptr, sizeof(SharedObject), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    return address != MAP_FAILED ? static_cast<SharedObject*>(address) : nullptr;
 }
 
-/** A lock for this process alone. */
-pthread_mutex_t* makeLocal() {
-    auto* const mutex = new pthread_mutex_t;
-    initialize(mutex, PTHREAD_PROCESS_PRIVATE);
-    return mutex;
+QvSharedLock* openLock(const std::string& name) {
+    const int fd = openObject(kDirectory + ("/" + name) + ".lock");
+    SharedObject* const object = fd != -1 ? mapObject(fd) : nullptr;
+    if (object != nullptr) return gLocks = new QvSharedLock{name, fd, std::atomic_ref(object->holder), gLocks};
+    QvDbgOutput::DbgPrintStdErr("QvFramework/SharedMemory/QvSharedSyncObject", "QvSharedSyncObject", __LINE__,
+                                "no shared lock for %s: %s\n", name.c_str(), qv_get_last_err_string());
+    if (fd != -1) close(fd);
+    return nullptr;
 }
 
-/**
- * Waits for the lock, and looks at it again from time to time: a process that is killed when it has been woken, but
- * does not have the lock yet, takes the wake-up along, and another one that slipped in does not know of those who wait
- * on.
- */
-int waitFor(pthread_mutex_t* mutex) {
-#if defined(__SANITIZE_THREAD__)
-    return pthread_mutex_lock(mutex);  // the one way of waiting that GCC's thread sanitizer knows
-#else
-    constexpr time_t kSeconds = 1;
-    timespec next{};
-    clock_gettime(CLOCK_MONOTONIC, &next);
-    next.tv_sec += kSeconds;
-    return pthread_mutex_clocklock(mutex, CLOCK_MONOTONIC, &next);
-#endif
-}
-
-/** Every name is mapped once a process and stays mapped: the death of a holder is noticed only while it is. */
-pthread_mutex_t* lockOf(const char* name) {
+/** Opens every name once a process: it would end its sign of life by closing a second descriptor of the object. */
+QvSharedLock* lockOf(const char* name) {
     static QvSync& sync = *new QvSync;  // never destroyed: a client may build the service while its process exits
-    static auto* const locks = new std::map<std::string, pthread_mutex_t*>();
     QvSyncGuard guard(sync);
-    pthread_mutex_t*& mutex = (*locks)[name];
-    if (mutex != nullptr) return mutex;
-    mutex = openShared(name);
-    if (mutex == nullptr) {
-        QvDbgOutput::DbgPrintStdErr(kSource, "QvSharedSyncObject", __LINE__, "no shared lock for %s\n", name);
-        mutex = makeLocal();
+    if (gToken == 0) {
+        beginLife();
+        pthread_atfork(nullptr, nullptr, &beginLife);
     }
-    return mutex;
+    for (QvSharedLock* lock = gLocks; lock != nullptr; lock = lock->next) {
+        if (lock->name == name) return lock;
+    }
+    return openLock(name);
 }
 
 }  // namespace
 
-QvSharedSyncObject::QvSharedSyncObject(const char* name) : mpMutex(lockOf(name)) {}
+QvSharedSyncObject::QvSharedSyncObject(const char* name) : mpLock(lockOf(name)) {}
 
 QvSharedSyncObject::~QvSharedSyncObject() = default;
 
 void QvSharedSyncObject::lock() const QV_NO_THREAD_SAFETY_ANALYSIS {
-    int result = pthread_mutex_trylock(mpMutex);
-    while (result == EBUSY || result == ETIMEDOUT) {
-        result = waitFor(mpMutex);
+    constexpr long kLongestPauseNs = 2'000'000;
+    if (mpLock == nullptr) return;
+    if (mpLock->owner == pthread_self()) return static_cast<void>(++mpLock->depth);
+    for (long pause = 20'000; !tryLock(*mpLock); pause = std::min(2 * pause, kLongestPauseNs)) {
+        const timespec time{0, pause};
+        nanosleep(&time, nullptr);
     }
-    if (result == EOWNERDEAD) pthread_mutex_consistent(mpMutex);
+    mpLock->owner.store(pthread_self(), std::memory_order_relaxed);
+    mpLock->depth = 1;
 }
 
 void QvSharedSyncObject::unlock() const QV_NO_THREAD_SAFETY_ANALYSIS {
-    pthread_mutex_unlock(mpMutex);
+    // In a child that was forked while this thread held the lock there is nothing to unlock.
+    if (mpLock == nullptr || mpLock->owner != pthread_self() || --mpLock->depth != 0) return;
+    mpLock->owner.store(pthread_t{}, std::memory_order_relaxed);
+    mpLock->holder.store(0, std::memory_order_release);
 }

@@ -1,6 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/futex.h>
+#include <sched.h>
 #include <sys/mman.h>
 #include <sys/ptrace.h>
 #include <sys/resource.h>
@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <new>
 #include <random>
 #include <set>
@@ -26,7 +27,6 @@
 #include "tests/library/services/MemoryReceiver.h"
 #include "tests/library/services/SharedState.h"
 #include "tests/support/Processes.h"
-#include "tests/support/ThreadState.h"
 
 // Processes that die at any instruction must neither stop the others nor leave them half a record.
 
@@ -43,12 +43,12 @@ GPS_LOCATION_DATA_SHARE patternOf(unsigned counter) {
     return record;
 }
 
-/** Reads the record, which must be whole; its counter. */
-unsigned wholeRecordIn(const LocationDataMemory& memory) {
+/** The counter of the stored record, which is whole unless a process was killed inside a copy. */
+unsigned counterIn(const LocationDataMemory& memory) {
     GPS_LOCATION_DATA_SHARE record;
-    EXPECT_TRUE(memory.read(&record));
+    const bool isWhole = memory.read(&record);
     const GPS_LOCATION_DATA_SHARE whole = patternOf(record.UpdateCounter);
-    EXPECT_EQ(std::memcmp(&record, &whole, sizeof(record)), 0) << "torn";
+    EXPECT_TRUE(!isWhole || std::memcmp(&record, &whole, sizeof(record)) == 0) << "torn";
     return record.UpdateCounter;
 }
 
@@ -125,98 +125,68 @@ protected:
     const FreshSegments segments;
 };
 
-TEST_F(Killed, InsideTheFirstInitialisationOfALockWhileAnotherProcessWaits) {
-    constexpr char kName[] = "QVSDK_Kill";  // which this process never opens
-    const auto use = [&] {
+TEST_F(Killed, InsideTheConstructionOfASegmentAndItsLockWhileAnotherProcessWaits) {
+    const auto construct = [] {  // this process never does
         const LogCapture log;
-        const QvSharedSyncObject lock(kName);
-        QvSyncGuard<QvSharedSyncObject> guard(lock);
-        EXPECT_EQ(log.texts(), Texts()) << "the lock is shared";
+        EXPECT_EQ(counterIn(LocationDataMemory()), 0u);
+        EXPECT_EQ(log.texts(), Texts());
     };
-    const auto begin = [&] {
-        const QvSharedSyncObject lock(kName);
-        QvSyncGuard<QvSharedSyncObject> guard(lock);
-        getppid();  // a system call to die after, with the lock held
-    };
-    forEachPoint(begin, 20, 200, [&](SteppedProcess& victim) {
-        const pid_t other = startProcess(use);
+    forEachPoint(construct, 20, 200, [&](SteppedProcess& victim) {
+        const pid_t other = startProcess(construct);
         victim.kill();
         EXPECT_EQ(exitCodeOf(other), 0);
-        EXPECT_EQ(exitCodeOf(startProcess(use)), 0);
-        std::filesystem::remove(objectPath(kName + std::string(".lock")));
+        EXPECT_EQ(contentsOf(kLocationSegment).size(), 1048u);
+        FreshSegments::remove();
+        std::filesystem::remove(objectPath(kLocationSegment + std::string(".lock")));
     });
 }
 
-TEST_F(Killed, WhenItHasBeenWokenToTakeALockForWhichAnotherOneWaits) {
-#if defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "under the thread sanitizer the lock waits in another way";
-#endif
-    constexpr char kName[] = "QVSDK_KillWoken";
-    constexpr std::size_t kMutexAt = 8;  // its first word is what those who wait sleep on
-    const QvSharedSyncObject lock(kName);
-    const int fd = open(objectPath(kName + std::string(".lock")).c_str(), O_RDWR);
-    auto* const object = static_cast<char*>(mmap(nullptr, kMutexAt + 4, PROT_READ, MAP_SHARED, fd, 0));
-    ASSERT_NE(object, MAP_FAILED);
-    lock.lock();
-    const pid_t victim = startProcess([&] {
-        int word = 0;
-        std::memcpy(&word, object + kMutexAt, sizeof(word));
-        syscall(SYS_futex, object + kMutexAt, FUTEX_WAIT, word, nullptr);
-        pause();
-    });
-    waitUntilBlocked(victim);
-    const pid_t other = startProcess([&] { QvSyncGuard<QvSharedSyncObject> guard(lock); });
-    waitUntilBlocked(other);
-    lock.unlock();  // wakes the victim
-    lock.lock();
-    killProcess(victim);
-    lock.unlock();
-    EXPECT_EQ(exitCodeOf(other), 0) << "it waits on";
-    munmap(object, kMutexAt + 4);
-    close(fd);
-    std::filesystem::remove(objectPath(kName + std::string(".lock")));
-}
-
-TEST_F(Killed, InsideTheConstructionOfASegment) {
-    forEachPoint([] { const LocationDataMemory memory; }, 20, 200,
-                 [](SteppedProcess& victim) {
-                     victim.kill();
-                     const LogCapture log;
-                     EXPECT_EQ(wholeRecordIn(LocationDataMemory()), 0u);
-                     EXPECT_EQ(contentsOf(kLocationSegment).size(), 1048u);
-                     EXPECT_EQ(log.texts(), Texts());
-                     FreshSegments::remove();
-                 });
-}
-
-TEST_F(Killed, InsideACopyIntoTheSegment) {
+TEST_F(Killed, InsideACopyIntoTheSegmentAndTheCountGoesOn) {
     LocationDataMemory memory;
-    const GPS_LOCATION_DATA_SHARE before = patternOf(1);
-    const GPS_LOCATION_DATA_SHARE after = patternOf(2);
-    std::vector<unsigned> outcomes(3);  // by the counter that is read
+    const GPS_LOCATION_DATA_SHARE before = patternOf(0xFF);
+    const GPS_LOCATION_DATA_SHARE after = patternOf(0x100);
+    std::map<std::pair<bool, unsigned>, unsigned> outcomes;  // whether the record was read, and its counter
     memory.write(&before);
-    forEachPoint([&] { memory.write(&after); }, 3, 400,
-                 [&](SteppedProcess& victim) {
-                     victim.kill();
-                     ++outcomes.at(wholeRecordIn(memory));
-                     memory.write(&before);
-                 });
-    std::printf("%u records kept, %u stored, %u given up\n", outcomes[1], outcomes[2], outcomes[0]);
+    const auto check = [&](SteppedProcess& victim) {
+        victim.kill();
+        const unsigned counter = counterIn(memory);
+        EXPECT_TRUE(counter == before.UpdateCounter || counter == after.UpdateCounter) << counter;
+        GPS_LOCATION_DATA_SHARE record;
+        ++outcomes[{memory.read(&record), counter}];
+        memory.write(&before);
+        EXPECT_TRUE(memory.read(&record)) << "whole again";
+    };
+    forEachPoint([&] { memory.write(&after); }, 3, 400, check);
+    for (const auto& [outcome, times] : outcomes) {
+        std::printf("%u times counter %u, record %s\n", times, outcome.second, outcome.first ? "read" : "skipped");
+    }
 }
+
+/** What the processes of a storm share. */
+struct Progress {
+    std::atomic<bool> isEnding{false};
+    std::atomic<unsigned long> operations{0};
+    std::atomic<unsigned> members{0};
+    std::atomic<unsigned> inside{0};  // the member that holds the location's lock, or was killed holding it
+};
 
 /** One process's share of all segments. */
 class Member {
 public:
+    explicit Member(Progress& progress) : mProgress(progress) {}
+
     /** Reads, checks and writes every record once. */
     void operate() {
-        const GPS_LOCATION_DATA_SHARE next = patternOf(wholeRecordIn(mLocation) + 1);
+        const GPS_LOCATION_DATA_SHARE next = patternOf(counterIn(mLocation) + 1);
         EXPECT_TRUE(mLocation.write(&next));
+        expectToBeAloneInside();
         const bool isTokyo = mSetting.getBaseGeodeticSystem() == GEODETIC_SYSTEM_TOKYO;
         EXPECT_TRUE(isTokyo || !mWasTokyo) << "what was set stays set";
         mWasTokyo = isTokyo;
         GpsConnectionStatus status = GPS_CONNECTION_STATUS_OK;
         EXPECT_TRUE(mConnection.parseConnectionStatus("$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n", &status));
         EXPECT_EQ(mConnection.getConnectionStatus(), GPS_CONNECTION_STATUS_SHORT);
+        ++mProgress.operations;
     }
     void set() {
         mSetting.requestGpsSetting(GPS_SETTING_DATUM_TOKYO);
@@ -224,6 +194,18 @@ public:
     }
 
 private:
+    void expectToBeAloneInside() {
+        QvSyncGuard<QvSharedSyncObject> guard(mLocation);
+        mProgress.inside = mNumber;
+        bool isAlone = true;
+        for (int i = 0; i < 100; ++i) {
+            isAlone = isAlone && mProgress.inside == mNumber;
+        }
+        EXPECT_TRUE(isAlone);
+    }
+
+    Progress& mProgress;
+    const unsigned mNumber = ++mProgress.members;
     LocationDataMemory mLocation;
     GpsSettingManager mSetting;
     GpsConnectionManager mConnection;
@@ -231,22 +213,16 @@ private:
 };
 
 /** Uses the segments alone, and leaves and enters them. */
-void workUntilKilled() {
+void workUntilKilled(Progress& progress) {
     const MemoryReceiver receiver;
-    for (;;) {
-        Member member;
+    while (!testing::Test::HasFailure()) {
+        Member member(progress);
         member.set();
         for (int i = 0; i < 20; ++i) {
             member.operate();
         }
     }
 }
-
-/** What the survivors of the test below and their parent tell each other. */
-struct Progress {
-    std::atomic<bool> isEnding{false};
-    std::atomic<unsigned long> operations{0};
-};
 
 /** This process's descriptors and its mappings of shared objects, and what shared objects there are. */
 std::multiset<std::string> holdings() {
@@ -267,53 +243,96 @@ void survive(Progress& progress) {
     constexpr unsigned kLastOperations = 1000;
     setpriority(PRIO_PROCESS, 0, 10);  // the processor is for those that are to be killed
     const LogCapture log;
-    Member member;
+    Member member(progress);
     const auto before = holdings();
     for (unsigned last = 0; last < kLastOperations && !testing::Test::HasFailure();) {
         if (progress.isEnding) ++last;
         member.operate();
-        ++progress.operations;
     }
     EXPECT_EQ(holdings(), before);
     EXPECT_EQ(log.texts(), Texts());
 }
 
-TEST_F(Killed, AtRandomPointsWhileTheOthersGoOn) {
+/** Where processes of a storm start: in a PID namespace of its own, perhaps as another user. */
+class Place {
+public:
+    explicit Place(bool isOfAnotherUser) : mIsOfAnotherUser(isOfAnotherUser) {
+        if (unshare(CLONE_NEWPID) != 0) return;
+        mFirst = startProcess([] { pause(); });  // the namespace ends with it
+        mNamespace = open(("/proc/" + std::to_string(mFirst) + "/ns/pid").c_str(), O_RDONLY | O_CLOEXEC);
+        setns(mOwn, CLONE_NEWPID);
+    }
+    ~Place() {
+        close(mNamespace);
+        if (mFirst != 0) killProcess(mFirst);
+    }
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+
+    bool isPossible() const { return mNamespace != -1; }
+    template <class Work>
+    pid_t start(Work work) const {
+        setns(mNamespace, CLONE_NEWPID);
+        const pid_t process = startProcess([&] {
+            umask(022);
+            if (!mIsOfAnotherUser || changeUser()) work();
+        });
+        setns(mOwn, CLONE_NEWPID);
+        return process;
+    }
+
+private:
+    static inline const int mOwn = open("/proc/self/ns/pid", O_RDONLY | O_CLOEXEC);
+    const bool mIsOfAnotherUser;
+    int mNamespace = -1;
+    pid_t mFirst = 0;
+};
+
+/** The processes of the two namespaces have the same process ids. */
+TEST_F(Killed, AtRandomPointsInTwoNamespacesAsTwoUsersWhileTheOthersGoOn) {
     constexpr std::size_t kVictims = 4;  // at a time
+    const Place places[] = {Place(false), Place(true)};
+    const bool isPossible = places[0].isPossible() && exitCodeOf(startProcess([] { EXPECT_TRUE(changeUser()); })) == 0;
+    if (!isPossible) GTEST_SKIP() << "no PID namespaces or no second user here";
     void* const shared = mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(shared, MAP_FAILED);
     auto& progress = *new (shared) Progress;
     std::vector<pid_t> survivors;
-    for (int i = 0; i < 3; ++i) {
-        survivors.push_back(startProcess([&] { survive(progress); }));
+    for (int i = 0; i < 4; ++i) {
+        survivors.push_back(places[i % 2].start([&] { survive(progress); }));
     }
-    Member here;
-    const auto held = holdings();
-    unsigned long operationsHere = 0;
     std::mt19937 random(20240229);
     std::uniform_int_distribution<unsigned> operations(0, 30);
     std::deque<pid_t> victims;
+    const auto killOldest = [&] {
+        int status = 0;
+        kill(victims.front(), SIGKILL);
+        waitpid(victims.front(), &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status)) << "it works until it is killed";
+        victims.pop_front();
+    };
+    Member here(progress);
+    const auto held = holdings();
     unsigned kills = 0;
     for (const auto end = endOfStorm(); !isOver(end) && !HasFailure(); ++kills) {
         while (victims.size() < kVictims) {
-            victims.push_back(startProcess(workUntilKilled));
+            const Place& place = places[(kills + victims.size()) % 2];
+            victims.push_back(place.start([&] { workUntilKilled(progress); }));
         }
-        for (unsigned left = operations(random); left > 0; --left, ++operationsHere) {
+        for (unsigned left = operations(random); left > 0; --left) {
             here.operate();
         }
-        killProcess(victims.front());
-        victims.pop_front();
+        killOldest();
     }
-    for (const pid_t victim : victims) {
-        killProcess(victim);
+    while (!victims.empty()) {
+        killOldest();
     }
     progress.isEnding = true;
     for (const pid_t survivor : survivors) {
         EXPECT_EQ(exitCodeOf(survivor), 0) << "goes on after the last kill";
     }
     EXPECT_EQ(holdings(), held);
-    std::printf("%u kills, %lu operations here, %lu in 3 other processes\n", kills, operationsHere,
-                progress.operations.load());
+    std::printf("%u kills, %lu operations\n", kills, progress.operations.load());
     munmap(shared, sizeof(Progress));
 }
 

@@ -56,10 +56,43 @@ TEST_F(SharedMemory, ModeDoesNotDependOnTheUmaskWhichStaysAsItWas) {
         const Memory memory("QVSDK_TestMode");
         EXPECT_EQ(umask(077), 077u);
     });
-    for (const char* const name : {"QVSDK_TestMode", "QVSDK_TestMode.lock"}) {
-        EXPECT_EQ(std::filesystem::status(objectPath(name)).permissions(), std::filesystem::perms(0664)) << name;
-        std::filesystem::remove(objectPath(name));
-    }
+    const auto takeMode = [](const std::filesystem::path& object) {
+        const auto mode = std::filesystem::status(object).permissions();
+        std::filesystem::remove(object);
+        return mode;
+    };
+    EXPECT_EQ(takeMode(objectPath("QVSDK_TestMode")), std::filesystem::perms(0664));
+    EXPECT_EQ(takeMode(objectPath("QVSDK_TestMode.lock")), std::filesystem::perms(0660));
+}
+
+TEST_F(SharedMemory, SegmentWithoutItsLockCountsAsUnmapped) {
+    createObject("QVSDK_TestUnlocked.lock", "no lock");
+    const LogCapture log;
+    EXPECT_EQ(Memory("QVSDK_TestUnlocked").getData(), nullptr);
+    EXPECT_FALSE(std::filesystem::exists(objectPath("QVSDK_TestUnlocked")));
+    std::filesystem::remove(objectPath("QVSDK_TestUnlocked.lock"));
+    EXPECT_NE(Memory("QVSDK_TestUnlocked").getData(), nullptr) << "the next holder works";
+}
+
+TEST_F(SharedMemory, StandardDescriptorsThatTheHostHasClosedAreNotTaken) {
+    expectInProcess([] {
+        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            close(standard);
+        }
+        const Memory memory("QVSDK_TestClosed");
+        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            EXPECT_EQ(fcntl(standard, F_GETFD), -1);
+        }
+        EXPECT_NE(memory.getData(), nullptr);
+    });
+}
+
+TEST_F(SharedMemory, ImpossibleValuesAreNotTaken) {
+    createObject(kConnectionSegment, "\xFF\xFF\xFF\xFF\x03\0\0\0"s);
+    createObject(kSettingSegment, "\xFF\xFF\xFF\xFF\x02\0\0\0\x80\0\0\0"s);
+    const LogCapture log;
+    EXPECT_EQ(GpsConnectionManager().getConnectionStatus(), GPS_CONNECTION_STATUS_OK);
+    EXPECT_EQ(GpsSettingManager().getBaseGeodeticSystem(), GEODETIC_SYSTEM_WGS84);
 }
 
 TEST_F(SharedMemory, ObjectThatExistsIsFinishedUsedOrRefusedByItsLength) {

@@ -104,7 +104,7 @@ void GpsController::notifyLocationData() {
     GPS_LOCATION_DATA_SHARE record = {};
     {
         QvSyncGuard guard(mSync);
-        mLocationDataMemory->read(&record);
+        if (!mLocationDataMemory->read(&record)) return;
     }
     if (record.UpdateCounter != mLocationPipeline.lastUpdateCounter()) deliverLocation(record.Data);
 }

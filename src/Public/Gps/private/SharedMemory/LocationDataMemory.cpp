@@ -10,24 +10,12 @@ namespace {
 constexpr GpsLog log("src/Public/Gps/private/SharedMemory/LocationDataMemory");
 
 /**
- * Marks a copy into the segment as unfinished, in the filler between the segment's header and its record. A process
- * that is killed inside the copy leaves the mark behind, and the next holder of the lock finds it.
+ * Set while a copy into the segment is unfinished; it is in the filler between the segment's header and its record. A
+ * process that is killed inside the copy leaves it set until the next copy.
  */
-class UnfinishedMark {
-public:
-    explicit UnfinishedMark(GPS_LOCATION_DATA_SHARE* record)
-        : mFiller(*(reinterpret_cast<unsigned int*>(record) - 1)) {}
-
-    bool isSet() const { return mFiller.load(std::memory_order_acquire) != 0; }
-    void set() {
-        mFiller.store(1, std::memory_order_relaxed);
-        std::atomic_signal_fence(std::memory_order_seq_cst);  // a process dies in the order of its instructions
-    }
-    void clear() { mFiller.store(0, std::memory_order_release); }
-
-private:
-    std::atomic_ref<unsigned int> mFiller;
-};
+std::atomic_ref<unsigned int> unfinishedMark(GPS_LOCATION_DATA_SHARE* record) {
+    return std::atomic_ref(*(reinterpret_cast<unsigned int*>(record) - 1));
+}
 
 }  // namespace
 
@@ -44,22 +32,20 @@ bool LocationDataMemory::read(GPS_LOCATION_DATA_SHARE* out) const {
     GPS_LOCATION_DATA_SHARE* const lpData = getData();
     if (lpData == nullptr) return log.failure(kFunction, "LocationDataMemory::read() lpData = NULL\n");
     QvSyncGuard<QvSharedSyncObject> guard(*this);
-    UnfinishedMark mark(lpData);
-    if (mark.isSet()) {
-        *lpData = {};  // half of a record is none: as a new holder leaves it
-        mark.clear();
-    }
     *out = *lpData;
-    return true;
+    return unfinishedMark(lpData) == 0;
 }
 
 bool LocationDataMemory::write(const GPS_LOCATION_DATA_SHARE* in) {
     GPS_LOCATION_DATA_SHARE* const lpData = getData();
     if (lpData == nullptr) return log.failure("write", "LocationDataMemory::write() lpData = NULL\n");
     QvSyncGuard<QvSharedSyncObject> guard(*this);
-    UnfinishedMark mark(lpData);
-    mark.set();
-    *lpData = *in;
-    mark.clear();
+    const std::atomic_ref mark = unfinishedMark(lpData);
+    mark = 1;
+    std::atomic_signal_fence(std::memory_order_seq_cst);  // a process dies in the order of its instructions
+    lpData->Reserved = in->Reserved;
+    lpData->Data = in->Data;
+    std::atomic_ref(lpData->UpdateCounter) = in->UpdateCounter;  // in one step, so that the count survives
+    mark = 0;
     return true;
 }

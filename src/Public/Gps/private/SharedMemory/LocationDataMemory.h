@@ -10,8 +10,11 @@ public:
     LocationDataMemory();
     ~LocationDataMemory() override;
 
-    /** Copies the whole record; false, with `out` untouched, where the segment is not mapped. What a process that was
-     *  killed while storing has left of a record counts as none and is reset to zeros. */
+    /**
+     * Copies the whole record.
+     * @return false, with `out` untouched, where the segment is not mapped; false when a process was killed inside the
+     *         last write, and then only `UpdateCounter` is good
+     */
     bool read(GPS_LOCATION_DATA_SHARE* out) const;
     /** Stores a whole record; false where the segment is not mapped. */
     bool write(const GPS_LOCATION_DATA_SHARE* in);
