@@ -6,7 +6,7 @@
 #include "Gps/private/GpsController.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "GpsHal/GpsHal.h"
-#include "bench/Captures.h"
+#include "bench/ExampleGga.h"
 #include "tests/support/SilentLink.h"
 
 // What one more listener of each kind costs: the argument is the number of listeners.
@@ -44,7 +44,7 @@ void addParse(GpsController& controller, const EveryListener* it) {
 }
 
 void receiveGga(GpsController& controller) {
-    receive(controller, exampleGga());
+    receive(controller, kExampleGga);
 }
 
 const Kind kKinds[] = {

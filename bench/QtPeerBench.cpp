@@ -3,7 +3,7 @@
 #include <QGeoPositionInfo>
 #include <QNmeaPositionInfoSource>
 
-#include "bench/Captures.h"
+#include "bench/Drive.h"
 
 namespace {
 
@@ -13,18 +13,18 @@ public:
     using QNmeaPositionInfoSource::parsePosInfoFromNmeaData;
 };
 
-void qtParseCaptures(benchmark::State& state) {
+void qtParse(benchmark::State& state) {
     Parser parser;
     for (auto _ : state) {
-        for (const std::string& sentence : capturedSentences()) {
+        for (const std::string& sentence : drive()) {
             QGeoPositionInfo info;
             bool hasFix = false;
             benchmark::DoNotOptimize(
                 parser.parsePosInfoFromNmeaData(sentence.data(), static_cast<int>(sentence.size()), &info, &hasFix));
         }
     }
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(capturedSentences().size()));
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(drive().size()));
 }
-BENCHMARK(qtParseCaptures);
+BENCHMARK(qtParse);
 
 }  // namespace

@@ -4,13 +4,13 @@
 #include <cstring>
 
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
-#include "bench/Captures.h"
+#include "bench/ExampleGga.h"
 
 namespace {
 
 void rewriteGga(benchmark::State& state) {
     GpsParseNmeaManager manager;
-    const char* const sentence = exampleGga();
+    const char* const sentence = kExampleGga;
     const auto length = static_cast<unsigned int>(std::strlen(sentence));
     for (auto _ : state) {
         char out[GpsParseNmeaManager::REGENERATED_SIZE];
@@ -24,7 +24,7 @@ BENCHMARK(rewriteGga);
 /** The same work, but for the sentence's text, which snprintf composes. */
 void rewriteGgaWithSnprintf(benchmark::State& state) {
     GpsParseNmeaManager manager;
-    const char* const sentence = exampleGga();
+    const char* const sentence = kExampleGga;
     for (auto _ : state) {
         GPGGA gga = {};
         manager.parseGgaSentence(sentence, nullptr, 0, &gga, GEODETIC_SYSTEM_WGS84, false);

@@ -1,67 +1,72 @@
 #include <benchmark/benchmark.h>
 
-#include <cstring>
-
 #include "Gps/private/GpsController.h"
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
-#include "bench/Captures.h"
+#include "bench/Drive.h"
 
 namespace {
 
-/** Touches what it is told, as the least that a client does. */
-class CountingListener : public GpsParseNmeaListener, public GpsNmeaListener {
+/** Reads a field of what it gets, as the least that a client does. */
+class ReadingListener : public GpsParseNmeaListener, public GpsNmeaListener {
 public:
     void notifyParseGgaSentence(const GPGGA* record) override { benchmark::DoNotOptimize(record->Lat); }
     void notifyParseRmcSentence(const GPRMC* record) override { benchmark::DoNotOptimize(record->Lat); }
     void notifyReceiveNmeaSentence(const char* sentence, unsigned int) override { benchmark::DoNotOptimize(*sentence); }
 };
 
+/** The sentences of the drive whose address field contains `kind`. */
+std::vector<std::string> drivenSentences(const char* kind) {
+    std::vector<std::string> sentences = drive();
+    std::erase_if(sentences, [kind](const std::string& sentence) {
+        return sentence.substr(0, sentence.find(',')).find(kind) == std::string::npos;
+    });
+    return sentences;
+}
+
 void countSentences(benchmark::State& state, std::size_t perIteration) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(perIteration));
 }
 
-void parse(benchmark::State& state, const std::vector<std::string>& sentences) {
+}  // namespace
+
+/** By its name the instructions are counted that all sentences take. */
+extern "C" [[gnu::noinline]] void parseAllSentences(GpsParseNmeaManager& manager,
+                                                    const std::vector<std::string>& sentences,
+                                                    const GPS_PARSE_NMEA_LISTENER_LIST& listener) {
+    for (const std::string& sentence : sentences) {
+        benchmark::DoNotOptimize(manager.parseNmeaSentence(sentence.data(), static_cast<unsigned>(sentence.size()),
+                                                           &listener, 1, GEODETIC_SYSTEM_WGS84, false));
+    }
+}
+
+namespace {
+
+void parse(benchmark::State& state, const char* kind) {
+    const std::vector<std::string> sentences = drivenSentences(kind);
     GpsParseNmeaManager manager;
-    CountingListener listener;
-    const GPS_PARSE_NMEA_LISTENER_LIST listeners[] = {{&listener, GEODETIC_SYSTEM_WGS84}};
+    const ReadingListener listener;
     for (auto _ : state) {
-        for (const std::string& sentence : sentences) {
-            benchmark::DoNotOptimize(manager.parseNmeaSentence(sentence.data(), static_cast<unsigned>(sentence.size()),
-                                                               listeners, 1, GEODETIC_SYSTEM_WGS84, false));
-        }
+        parseAllSentences(manager, sentences, {&listener, GEODETIC_SYSTEM_WGS84});
     }
     countSentences(state, sentences.size());
+    state.counters["sentences"] = static_cast<double>(sentences.size());
 }
+BENCHMARK_CAPTURE(parse, drive, "");
+BENCHMARK_CAPTURE(parse, GGA, "GGA");
+BENCHMARK_CAPTURE(parse, GLL, "GLL");
+BENCHMARK_CAPTURE(parse, GSA, "GSA");
+BENCHMARK_CAPTURE(parse, GSV, "GSV");
+BENCHMARK_CAPTURE(parse, RMC, "RMC");
+BENCHMARK_CAPTURE(parse, VTG, "VTG");
+BENCHMARK_CAPTURE(parse, ZDA, "ZDA");
+BENCHMARK_CAPTURE(parse, PUBX, "PUBX");
 
-void parseCaptures(benchmark::State& state) {
-    parse(state, capturedSentences());
-}
-BENCHMARK(parseCaptures);
-
-void parseKind(benchmark::State& state, const char* kind) {
-    std::vector<std::string> sentences;
-    for (const std::string& sentence : capturedSentences()) {
-        if (std::strncmp(sentence.c_str() + 3, kind, 3) == 0) sentences.push_back(sentence);
-    }
-    if (sentences.empty()) {
-        state.SkipWithError("no such sentence in the captures");
-        return;
-    }
-    parse(state, sentences);
-}
-BENCHMARK_CAPTURE(parseKind, GGA, "GGA");
-BENCHMARK_CAPTURE(parseKind, GLL, "GLL");
-BENCHMARK_CAPTURE(parseKind, GSA, "GSA");
-BENCHMARK_CAPTURE(parseKind, GSV, "GSV");
-BENCHMARK_CAPTURE(parseKind, RMC, "RMC");
-BENCHMARK_CAPTURE(parseKind, VTG, "VTG");
-
-void receiveCaptures(benchmark::State& state) {
+void receive(benchmark::State& state) {
     GpsController controller;
-    CountingListener listener;
+    ReadingListener listener;
     controller.registerGpsNmeaListener(&listener, GEODETIC_SYSTEM_WGS84);
     controller.registerGpsParseNmeaListener(&listener, GEODETIC_SYSTEM_WGS84);
-    std::vector<std::string> sentences = capturedSentences();
+    std::vector<std::string> sentences = drive();
     for (auto _ : state) {
         for (std::string& sentence : sentences) {
             controller.receiveData(0, sentence.data(), static_cast<unsigned>(sentence.size()));
@@ -71,6 +76,6 @@ void receiveCaptures(benchmark::State& state) {
     controller.unRegisterGpsNmeaListener(&listener);
     controller.unRegisterGpsParseNmeaListener(&listener);
 }
-BENCHMARK(receiveCaptures);
+BENCHMARK(receive);
 
 }  // namespace

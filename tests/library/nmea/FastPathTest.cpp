@@ -102,7 +102,7 @@ std::string randomField() {
     if (numbers() % 8 != 0) field += '.';
     for (std::uint64_t digits = numbers() % 8; digits != 0; --digits)
         field += static_cast<char>('0' + numbers() % 10);
-    if (numbers() % 4 == 0 && !field.empty()) field[numbers() % field.size()] = "+-. x1"[numbers() % 6];
+    if (numbers() % 4 == 0 && !field.empty()) field[numbers() % field.size()] = "+-. x1:/"[numbers() % 8];
     return field;
 }
 

@@ -1,10 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <map>
 #include <random>
 
 #include "NmeaSupport.h"
@@ -75,32 +72,6 @@ TEST(HostileBytes, AreRefusedOrReadAndNeverOverread) {
     }
     EXPECT_GT(sentences, 5000);
     EXPECT_GT(rebuilt, 1000);
-}
-
-/** Counts the sentences of captured streams on its own: by checksum, kind and the fields that the kind needs. */
-TEST(CapturedStreams, AreToldSentenceBySentence) {
-    const std::map<std::string, long> commasNeeded = {{"GGA", 14}, {"GLL", 7}, {"GSA", 17},
-                                                      {"RMC", 12}, {"VTG", 9}, {"ZDA", 6}};
-    if (!std::filesystem::exists(QVGPS_CAPTURES)) GTEST_SKIP() << "no captures beside the sources";
-    for (const auto& file : std::filesystem::directory_iterator(QVGPS_CAPTURES)) {
-        std::ifstream stream(file.path(), std::ios::binary);
-        std::map<std::string, int> expected, told;
-        LogCapture log;
-        GpsParseNmeaManager manager;
-        Recorder listener;
-        for (std::string line; std::getline(stream, line);) {
-            const std::string chunk = line.substr(std::min(line.find('$'), line.size())) + "\n";
-            feed(manager, chunk, {{&listener, GEODETIC_SYSTEM_WGS84}});
-            if (!holdsSentence(chunk)) continue;
-            const auto kind = commasNeeded.find(chunk.substr(3, 3));
-            const auto commas = std::count(chunk.begin(), std::find(chunk.begin(), chunk.end(), '*'), ',');
-            if (kind != commasNeeded.end() && commas >= kind->second) ++expected[kind->first];
-        }
-        for (const auto& notification : listener.told)
-            ++told[notification.first];
-        for (const auto& [kind, needed] : commasNeeded)
-            EXPECT_EQ(told[kind], expected[kind]) << file.path().filename() << " " << kind;
-    }
 }
 
 }  // namespace

@@ -18,6 +18,9 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
     GPGGA gga = {};
     GPGLL gll = {};
     GPRMC rmc = {};
+    GPGSA gsa = {};
+    GPGSV gsv = {};
+    PUBX pubx = {};
     const auto refused = [&](bool isSuccess, const std::string& operation, const char* end) {
         EXPECT_FALSE(isSuccess) << operation;
         const std::vector<LogCapture::Line> lines = log.take();
@@ -42,11 +45,15 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
         refused(m.convertTokyoToWgs84ForAllData(or0(&gga, 0), or0(&gll, 1), or0(&rmc, 2)),
                 "convertTokyoToWgs84ForAllData", "");
         refused(m.regeneratedGga(or0(&gga, 0), 0, 0, or0(text, 1), or0(&n, 2)), "regeneratedGga", "");
+        refused(m.regeneratedPubx(or0(&pubx, 0), 0, 0, or0(text, 1), or0(&n, 2)), "regeneratedPubx", "");
         const GeodeticSystem wanted = missing == 2 ? GEODETIC_SYSTEM_TOKYO : GEODETIC_SYSTEM_WGS84;
         refused(m.convertTokyoToWgs84ForNmea(or0("$", 0), missing == 1 ? 0 : 1, wanted, text, &n),
                 "convertTokyoToWgs84ForNmea", "");
+        if (missing == 2) continue;
+        refused((m.judgeNortSouthAndEastWest(-1, -1, or0(text, 0), or0(text, 1)), false), "judgeNortSouthAndEastWest",
+                "\n");
+        refused((m.checkGsvStatus(or0(&gsv, 0), or0(&gsa, 1)), false), "checkGsvStatus", "");
     }
-    refused((m.judgeNortSouthAndEastWest(-1, -1, text, nullptr), false), "judgeNortSouthAndEastWest", "\n");
     EXPECT_EQ(std::tuple(text[0], n, d, gga.Lat), std::tuple('\0', 0U, 0.0, 0.0)) << "nothing is written";
 }
 

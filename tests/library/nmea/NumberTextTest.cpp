@@ -42,13 +42,13 @@ double randomDouble() {
 
 using Values = std::vector<std::uint64_t>;
 
-/** What is made of a token that is followed by nothing, as bits. */
+/** What is made of a token that is followed by other digits, as bits. */
 Values read(const std::string& token) {
-    const std::vector<char> exact(token.begin(), token.end());
-    const std::string_view text(exact.data(), exact.size());
-    const number_text::Token read(text);
+    const std::string padded = token + std::string(number_text::Token::READ_AHEAD, '7');
+    const std::vector<char> exact(padded.begin(), padded.end());
+    const number_text::Token read(exact.data(), token.size());
     return {static_cast<std::uint64_t>(read.toInteger()), read.toUnsigned(),
-            text.size() < 2 ? 0 : number_text::toUnsignedHex(text.substr(0, 2)),
+            token.size() < 2 ? 0 : number_text::toUnsignedHexSlowly(read.text().substr(0, 2)),
             std::bit_cast<std::uint64_t>(read.toDouble())};
 }
 

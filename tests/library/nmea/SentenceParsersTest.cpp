@@ -50,6 +50,31 @@ TEST(PositionSentences, KeepWhatWasReadBeforeAMissingField) {
     EXPECT_EQ(fields(record),
               "SatType=1 Hour=12 Minute=35 Second=19 Status=1 Lat=-3539.1 LatDeg=-35 LatMin=39.1 Lon=-13942.5 "
               "LonDeg=-139 LonMin=42.5 Speed=1.5 Year=26 Month=9 Day=16 MagDec=-3.5 Mode=77");
+    PUBX pubx = {};
+    pubx.DR_MODE = 77;
+    const std::string overlong =
+        "$" + kBodies[7].substr(0, kBodies[7].rfind(',')) + "," + std::string(20, '5') + "*00\r";
+    EXPECT_FALSE(GpsParseNmeaManager().receiveParsePubxSentence(overlong.c_str(), nullptr, 0, &pubx, kWgs84, false));
+    EXPECT_EQ(pubx.DR_MODE, 77);
+    EXPECT_EQ(pubx.SatView, 9);
+}
+
+TEST(SatellitesInView, AreReadWhenEachMessageIsAndAreDelivered) {
+    GpsParseNmeaManager manager;
+    Recorder listener;
+    GPGSV record = {};
+    const auto parse = [&](const char* text, GeodeticSystem datum) {
+        const GPS_PARSE_NMEA_LISTENER_LIST registry[] = {{&listener, datum}};
+        return manager.parseGsvSentence(text, registry, 1, &record, kWgs84, true);
+    };
+    LogCapture log;
+    EXPECT_TRUE(parse("$GPGSV,2,1,05,01,,,,02,,,,03,,,,04,,,*00", kTokyo)) << "nothing is delivered yet";
+    EXPECT_FALSE(parse("$GPGSV,2,2,05,05,,,*00", kTokyo)) << "not deliverable";
+    EXPECT_FALSE(parse("$GPGSV,2,1,05,01,,,*00", kWgs84)) << "a field is missing";
+    EXPECT_FALSE(parse("$GPGSV,40,33,128,01,,,*00", kWgs84)) << "no such place";
+    EXPECT_EQ(listener.kinds(), "");
+    EXPECT_TRUE(parse("$GPGSV,1,1,01,05,,,*00", kWgs84));
+    EXPECT_EQ(listener.kinds(), "GSV");
 }
 
 }  // namespace

@@ -38,14 +38,16 @@ constexpr Field<GPZDA> kZdaFields[] = {
 
 }  // namespace
 
-bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPVTG& record) {
-    const char* cursor = beginForListeners(*this, kVtg, sentence, recipients, record);
-    return cursor != nullptr && readAll<kVtgFields>(kVtg.function, cursor, record) &&
+bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& recipients, GPVTG& record) {
+    Fields fields;
+    return beginForListeners(kVtg, sentence, recipients, fields, record) &&
+           readAll<kVtgFields>(kVtg.function, fields, record) &&
            deliver(recipients, record, &GpsParseNmeaListener::notifyParseVtgSentence);
 }
 
-bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPZDA& record) {
-    const char* cursor = beginForListeners(*this, kZda, sentence, recipients, record);
-    return cursor != nullptr && readAll<kZdaFields>(kZda.function, cursor, record) &&
+bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& recipients, GPZDA& record) {
+    Fields fields;
+    return beginForListeners(kZda, sentence, recipients, fields, record) &&
+           readAll<kZdaFields>(kZda.function, fields, record) &&
            deliver(recipients, record, &GpsParseNmeaListener::notifyParseZdaSentence);
 }

@@ -10,36 +10,23 @@ using sentence_text::nmeaLog;
 
 namespace sentence_text {
 
-using number_text::isDigit;
+using number_text::everywhere;
 using number_text::kPowersOfTen;
+using number_text::ratio;
+using number_text::wordAt;
 
 namespace {
 
+/** Three letters as a number. */
+constexpr unsigned int tag(const char* letters) {
+    return static_cast<unsigned int>(letters[0] << 16 | letters[1] << 8 | letters[2]);
+}
+
 constexpr struct {
-    std::string_view name;
+    unsigned int tag;
     Kind kind;
-} kKinds[] = {{"GGA", Kind::GGA}, {"GLL", Kind::GLL}, {"GSA", Kind::GSA}, {"GSV", Kind::GSV},
-              {"RMC", Kind::RMC}, {"VTG", Kind::VTG}, {"ZDA", Kind::ZDA}};
-
-struct Code {
-    std::string_view text;
-    unsigned int code;
-};
-constexpr Code kModes[] = {{"A", 1}, {"D", 2}, {"E", 3}};
-constexpr Code kOperationModes[] = {{"A", 0}, {"M", 1}};
-
-template <std::size_t count>
-unsigned int codeOf(const Code (&codes)[count], std::string_view text, unsigned int otherwise) {
-    for (const Code& known : codes) {
-        if (known.text == text) return known.code;
-    }
-    return otherwise;
-}
-
-/** A stretch of a field; what lies past its end reads as empty. */
-std::string_view part(std::string_view field, std::size_t start, std::size_t length) {
-    return start < field.size() ? field.substr(start, length) : std::string_view();
-}
+} kKinds[] = {{tag("GSV"), Kind::GSV}, {tag("GGA"), Kind::GGA}, {tag("GLL"), Kind::GLL}, {tag("GSA"), Kind::GSA},
+              {tag("RMC"), Kind::RMC}, {tag("VTG"), Kind::VTG}, {tag("ZDA"), Kind::ZDA}};
 
 /** The end of a line from its last "$" on; empty without one. Most lines have one, which begins them. */
 std::string_view fromLastDollar(std::string_view line) {
@@ -51,114 +38,203 @@ std::string_view fromLastDollar(std::string_view line) {
     return found;
 }
 
-unsigned short shortOf(std::string_view text) {
-    if (text.size() == 2 && isDigit(text[0]) && isDigit(text[1])) {
-        return static_cast<unsigned short>((text[0] - '0') * 10 + (text[1] - '0'));
+/**
+ * Takes the sentence out of a chunk that is nothing but one and has only characters from "," on between its "$" and its
+ * "*": eight at a time are summed and their commas noted.
+ */
+bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence) {
+    constexpr unsigned int kEnding = 5;  // "*", the checksum, CR and LF
+    constexpr unsigned int kStep = 8;
+    if (length < 1 + kStep + kEnding || length > GpsParseNmeaManager::SENTENCE_SIZE || data[0] != '$') return false;
+    const unsigned int star = length - kEnding;
+    if (data[star] != '*' || data[length - 2] != '\r' || data[length - 1] != '\n') return false;
+
+    const char* const body = data + 1;
+    const unsigned int size = star - 1;
+    std::uint64_t sum = 0;
+    std::uint64_t odd = 0;
+    std::uint64_t commas[2] = {};
+    const auto take = [&](unsigned int start, std::uint64_t text, std::uint64_t present) {
+        const std::uint64_t found = ~(text + everywhere<std::uint64_t>(0x80 - '-')) & present;
+        sum ^= text;
+        odd |= (text | ~(text + everywhere<std::uint64_t>(0x80 - ','))) & present;
+        commas[start / 64] |= ((found >> 7) * 0x0102040810204080 >> 56) << start % 64;
+    };
+    unsigned int start = 0;
+    for (; start + kStep < size; start += kStep) {
+        take(start, wordAt<std::uint64_t>(body + start), everywhere<std::uint64_t>(0x80));
     }
-    return static_cast<unsigned short>(Token(text).toInteger());
+    const unsigned int taken = 8 * (start + kStep - size);  // bits of the last word that were taken before
+    take(start, wordAt<std::uint64_t>(body + size - kStep) >> taken, everywhere<std::uint64_t>(0x80) >> taken);
+    sum ^= sum >> 32;
+    sum ^= sum >> 16;
+    sum ^= sum >> 8;
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    if (odd != 0 || data[star + 1] != kDigits[sum >> 4 & 0xF] || data[star + 2] != kDigits[sum & 0xF]) return false;
+
+    std::memcpy(sentence.text, data, length);
+    sentence.text[length - 1] = '\0';
+    sentence.length = length - 1;
+    sentence.separators[0] = commas[0] << 1;
+    sentence.separators[1] = commas[1] << 1 | commas[0] >> 63;
+    sentence.separators[star / 64] |= std::uint64_t{1} << star % 64;
+    return true;
 }
 
 }  // namespace
 
-unsigned char exclusiveOr(std::string_view text) {
-    std::uint64_t sum = 0;
-    while (text.size() >= sizeof(sum)) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, text.data(), sizeof(word));
-        sum ^= word;
-        text.remove_prefix(sizeof(word));
+const Sentence* Sentence::assign(const char* terminated) {
+    if (terminated == nullptr) return nullptr;
+    assign({terminated, strnlen(terminated, LONGEST)});
+    return this;
+}
+
+void Sentence::assign(std::string_view from) {
+    length = from.copy(text, LONGEST);
+    text[length] = '\0';
+    for (std::size_t i = 0; i != length; ++i) {
+        if (text[i] == ',' || text[i] == '*') separators[i / 64] |= std::uint64_t{1} << i % 64;
     }
-    sum ^= sum >> 32;
-    sum ^= sum >> 16;
-    sum ^= sum >> 8;
+}
+
+unsigned char exclusiveOr(std::string_view text) {
+    unsigned char sum = 0;
     for (const char c : text) {
         sum ^= static_cast<unsigned char>(c);
     }
-    return static_cast<unsigned char>(sum);
+    return sum;
 }
 
 bool isCheckSumRight(std::string_view sentence) {
     const std::size_t star = std::min(sentence.find('*', 1), sentence.size());
     if (star + 4 > sentence.size()) return false;
-    return number_text::toUnsignedHex(sentence.substr(star + 1, 2)) == exclusiveOr(sentence.substr(1, star - 1));
+    return number_text::toUnsignedHexSlowly(sentence.substr(star + 1, 2)) == exclusiveOr(sentence.substr(1, star - 1));
 }
 
 bool takeSentence(const char* data, unsigned int length, Sentence& sentence) {
+    if (takePlainSentence(data, length, sentence)) return true;
     const std::string_view head(data, std::min(length, GpsParseNmeaManager::SENTENCE_SIZE));
     const std::size_t stop = std::min(head.find('\n'), head.find('\0'));
     if (stop == std::string_view::npos) return false;
     const std::string_view text = fromLastDollar(head.substr(0, stop));
     if (text.size() < 2 || !isCheckSumRight(text)) return false;
-    std::memcpy(sentence.text, text.data(), text.size());
-    sentence.text[text.size()] = '\0';
-    sentence.length = static_cast<unsigned int>(text.size());
+    sentence.assign(text);
     return true;
 }
 
 Kind kindOf(const Sentence& sentence) {
     const std::string_view text(sentence.text, sentence.length);
     for (const auto& known : kKinds) {
-        if (text.size() >= 6 && text.substr(3, 3) == known.name) return known.kind;
+        if (text.size() >= 6 && tag(sentence.text + 3) == known.tag) return known.kind;
     }
     return text.starts_with("$PUBX") ? Kind::PUBX : Kind::Other;
 }
 
-const char* noField(const char* text) {
-    nmeaLog("getNextToken", *text == '\0' ? "GpsParseNmeaManager::getNextToken() lpData = '"
-                                          : "GpsParseNmeaManager::getNextToken() Token Error\n");
-    return nullptr;
+SatelliteType satelliteType(const char* text) {
+    constexpr char kFunction[] = "getSatelliteType";
+    if (text[0] != '$') {
+        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_1\n");
+        return SATELLITE_TYPE_UNKNOWN;
+    }
+    if (text[1] != 'G') {
+        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_2\n");
+        return SATELLITE_TYPE_UNKNOWN;
+    }
+    switch (text[2]) {
+        case 'P':
+            return SATELLITE_TYPE_GPS;
+        case 'L':
+            return SATELLITE_TYPE_GLONASS;
+        case 'A':
+            return SATELLITE_TYPE_GALILEO;
+        case 'N':
+            return SATELLITE_TYPE_GNSS;
+        default:
+            return SATELLITE_TYPE_UNKNOWN;
+    }
 }
 
-bool splitCoordinate(const Token& field, unsigned int degreeDigits, double& value, int& degrees, double& minutes) {
-    constexpr std::size_t kMinuteCharacters = 7;
-    value = field.toDouble();
-    const std::size_t cut = field.text().size() - std::min(field.text().size(), degreeDigits + kMinuteCharacters);
-    const number_text::Decimal& decimal = field.decimal();
-    if (field.isPlain() && decimal.wholeDigits >= degreeDigits && cut <= decimal.decimals) {
-        // The digits of both parts are at hand; those that are cut off all stand behind the point.
-        const std::uint64_t scale = kPowersOfTen<std::uint64_t>[decimal.wholeDigits - degreeDigits + decimal.decimals];
-        degrees = static_cast<int>(decimal.digits / scale);
-        const auto digits = static_cast<std::int64_t>(decimal.digits % scale / kPowersOfTen<std::uint64_t>[cut]);
-        minutes = static_cast<double>(digits) / kPowersOfTen<double>[decimal.decimals - cut];
-        return true;
+bool noField(const char* cursor) {
+    constexpr char kFunction[] = "getNextToken";
+    if (*cursor == '\0') return nmeaLog.failure(kFunction, "GpsParseNmeaManager::getNextToken() lpData = '");
+    if (std::memchr(cursor, '\0', GpsParseNmeaManager::TOKEN_SIZE) != nullptr) return false;
+    return nmeaLog.failure(kFunction, "GpsParseNmeaManager::getNextToken() Token Error\n");
+}
+
+bool splitCoordinate(const Token& field, std::size_t degreeDigits, double& value, int& degrees, double& minutes) {
+    constexpr std::size_t kMinuteDecimals = 4;  // those that are read into `minutes`
+    const char* const text = field.data();
+    const std::size_t point = degreeDigits + 2;
+    const std::size_t decimals = field.size() - (point + 1);
+    if (decimals <= 2 * kMinuteDecimals && text[point] == '.') {
+        const std::size_t read = std::min(decimals, kMinuteDecimals);
+        const std::size_t rest = decimals - read;
+        const int wholeDegrees = Token(text, degreeDigits).fewDigits();
+        const int wholeMinutes = Token(text + degreeDigits, 2).fewDigits();
+        const int fraction = Token(text + point + 1, read).fewDigits();
+        const int last = Token(text + point + 1 + read, rest).fewDigits();
+        if ((wholeDegrees | wholeMinutes | fraction | last) >= 0) {
+            const std::int64_t minuteDigits = wholeMinutes * kPowersOfTen<std::int64_t>[read] + fraction;
+            const std::int64_t all = wholeDegrees * 100 * kPowersOfTen<std::int64_t>[read] + minuteDigits;
+            degrees = wholeDegrees;
+            minutes = ratio(minuteDigits, read);
+            value = ratio(all * kPowersOfTen<std::int64_t>[rest] + last, decimals);
+            return true;
+        }
     }
-    degrees = static_cast<int>(Token(part(field.text(), 0, degreeDigits)).toInteger());
-    minutes = Token(part(field.text(), degreeDigits, kMinuteCharacters)).toDouble();
+    degrees = static_cast<int>(field.part(0, degreeDigits).toInteger());
+    minutes = field.part(degreeDigits, 3 + kMinuteDecimals).toDouble();
+    value = field.toDouble();
     return true;
 }
+
+namespace {
+
+/** Splits the first six characters in three. */
+void splitPairs(const Token& field, unsigned short& first, unsigned short& second, unsigned short& third) {
+    const auto digits = number_text::digitsAt<std::uint64_t>(field.data());
+    if (field.size() >= 6 && (number_text::nonDigits(digits) & 0xFFFFFFFFFFFF) == 0) {
+        const std::uint64_t pairs = number_text::pairsOf(digits);
+        first = pairs & 0xFF;
+        second = pairs >> 16 & 0xFF;
+        third = pairs >> 32 & 0xFF;
+        return;
+    }
+    first = static_cast<unsigned short>(field.part(0, 2).toInteger());
+    second = static_cast<unsigned short>(field.part(2, 2).toInteger());
+    third = static_cast<unsigned short>(field.part(4, 2).toInteger());
+}
+
+/** The place of a field's first character among some letters. */
+unsigned int letterCode(std::string_view field, std::string_view letters, unsigned int otherwise) {
+    const std::size_t place = letters.find(field.empty() ? '\0' : field.front());
+    return place != std::string_view::npos ? static_cast<unsigned int>(place) : otherwise;
+}
+
+}  // namespace
 
 bool splitDate(const Token& field, unsigned short& year, unsigned short& month, unsigned short& day) {
-    day = shortOf(part(field.text(), 0, 2));
-    month = shortOf(part(field.text(), 2, 2));
-    year = shortOf(part(field.text(), 4, 2));
+    splitPairs(field, day, month, year);
     return true;
 }
 
-bool splitTime(const Token& field, unsigned short* hour, unsigned short* minute, unsigned short* second,
-               unsigned short* milliSecond) {
-    std::size_t position = 0;
-    const auto take = [&](unsigned short* output, std::size_t width, std::size_t step) {
-        if (output == nullptr) return;
-        *output = shortOf(part(field.text(), position, width));
-        position += step;
-    };
-    take(hour, 2, 2);
-    take(minute, 2, 2);
-    take(second, 2, 3);  // stepping over the point
-    take(milliSecond, 3, 3);
+bool splitTime(const Token& field, unsigned short& hour, unsigned short& minute, unsigned short& second,
+               unsigned short& milliSecond) {
+    splitPairs(field, hour, minute, second);
+    milliSecond = static_cast<unsigned short>(field.part(7, 3).toInteger());
     return true;
 }
 
 unsigned int statusCode(std::string_view field) {
-    return field.starts_with('A') ? 1 : 0;
+    return letterCode(field, "VA", 0);
 }
 
 unsigned int modeCode(std::string_view field) {
-    return codeOf(kModes, field.substr(0, 1), 0);
+    return letterCode(field, "NADE", 0);
 }
 
 unsigned int operationModeCode(std::string_view field) {
-    return codeOf(kOperationModes, field.substr(0, 1), 65535);
+    return letterCode(field, "AM", 65535);
 }
 
 unsigned int navigationStatusCode(std::string_view field) {
@@ -168,6 +244,23 @@ unsigned int navigationStatusCode(std::string_view field) {
 }
 
 }  // namespace sentence_text
+
+namespace {
+
+/** A copy of a field that may be read ahead of. */
+class PaddedField {
+public:
+    explicit PaddedField(const char* text)
+        : mSize(std::string_view(text, strnlen(text, LONGEST)).copy(mText, LONGEST)) {}
+    number_text::Token token() const { return {mText, mSize}; }
+
+private:
+    static constexpr std::size_t LONGEST = 127;
+    char mText[LONGEST + number_text::Token::READ_AHEAD];
+    std::size_t mSize;
+};
+
+}  // namespace
 
 bool GpsParseNmeaManager::confirmCheckSum(const char* sentence, unsigned int length) {
     if (sentence == nullptr || length == 0) {
@@ -182,40 +275,18 @@ const char* GpsParseNmeaManager::getNextToken(const char* cursor, char* token) {
         nmeaLog("getNextToken", "GpsParseNmeaManager::getNextToken() Argument Error\n");
         return nullptr;
     }
-    number_text::Token field;
-    const char* const next = sentence_text::readField(cursor, field);
-    const std::string_view text = field.text();
-    std::memcpy(token, text.data(), text.size());
-    token[text.size()] = '\0';
-    return next;
+    const std::string_view text(cursor, strnlen(cursor, TOKEN_SIZE));
+    const std::size_t end = std::min(text.find_first_of(",*"), text.size());
+    if (end < TOKEN_SIZE) token[text.copy(token, end)] = '\0';
+    if (end < text.size()) return cursor + end + 1;
+    sentence_text::noField(cursor);
+    return nullptr;
 }
 
 SatelliteType GpsParseNmeaManager::getSatelliteType(const char* sentence) {
-    constexpr char kFunction[] = "getSatelliteType";
-    if (sentence == nullptr) {
-        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Argument Error\n");
-        return SATELLITE_TYPE_UNKNOWN;
-    }
-    if (sentence[0] != '$') {
-        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_1\n");
-        return SATELLITE_TYPE_UNKNOWN;
-    }
-    if (sentence[1] != 'G') {
-        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_2\n");
-        return SATELLITE_TYPE_UNKNOWN;
-    }
-    switch (sentence[2]) {
-        case 'P':
-            return SATELLITE_TYPE_GPS;
-        case 'L':
-            return SATELLITE_TYPE_GLONASS;
-        case 'A':
-            return SATELLITE_TYPE_GALILEO;
-        case 'N':
-            return SATELLITE_TYPE_GNSS;
-        default:
-            return SATELLITE_TYPE_UNKNOWN;
-    }
+    if (sentence != nullptr) return sentence_text::satelliteType(sentence);
+    nmeaLog("getSatelliteType", "GpsParseNmeaManager::getSatelliteType() Argument Error\n");
+    return SATELLITE_TYPE_UNKNOWN;
 }
 
 bool GpsParseNmeaManager::parseCoordinate(const char* field, Identifier identifier, double* value, int* degrees,
@@ -226,19 +297,30 @@ bool GpsParseNmeaManager::parseCoordinate(const char* field, Identifier identifi
         return nmeaLog.failure(kFunction, "GpsParseNmeaManager::parseCoordinate() nIdentifier Error");
     }
     const unsigned int degreeDigits = identifier == IDENTIFIER_LATITUDE ? 2 : 3;
-    return sentence_text::splitCoordinate(number_text::Token(field), degreeDigits, *value, *degrees, *minutes);
+    return sentence_text::splitCoordinate(PaddedField(field).token(), degreeDigits, *value, *degrees, *minutes);
 }
 
 bool GpsParseNmeaManager::divideDate(const char* field, unsigned short* year, unsigned short* month,
                                      unsigned short* day) {
     if (field == nullptr) return nmeaLog.failure("divideDate", "GpsParseNmeaManager::divideDate() Argument Error");
-    return sentence_text::splitDate(number_text::Token(field), *year, *month, *day);
+    return sentence_text::splitDate(PaddedField(field).token(), *year, *month, *day);
 }
 
 bool GpsParseNmeaManager::divideTime(const char* field, unsigned short* hour, unsigned short* minute,
                                      unsigned short* second, unsigned short* milliSecond) {
     if (field == nullptr) return nmeaLog.failure("divideTime", "GpsParseNmeaManager::divideTime() Argument Error");
-    return sentence_text::splitTime(number_text::Token(field), hour, minute, second, milliSecond);
+    const PaddedField copy(field);
+    std::size_t position = 0;
+    const auto take = [&](unsigned short* output, std::size_t width, std::size_t step) {
+        if (output == nullptr) return;
+        *output = static_cast<unsigned short>(copy.token().part(position, width).toInteger());
+        position += step;
+    };
+    take(hour, 2, 2);
+    take(minute, 2, 2);
+    take(second, 2, 3);  // stepping over the point
+    take(milliSecond, 3, 3);
+    return true;
 }
 
 unsigned int GpsParseNmeaManager::convertStatus(const char* field) {

@@ -5,8 +5,9 @@
 
 class Recipients;
 namespace sentence_text {
+class Fields;
 struct Sentence;
-}
+}  // namespace sentence_text
 
 /**
  * Parses NMEA sentences into records, collects the records of an epoch, converts positions from the Tokyo datum to
@@ -69,6 +70,17 @@ public:
     bool receiveParsePubxSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
                                   unsigned int count, PUBX* record, GeodeticSystem base, bool settingFinished);
 
+    // The same for a sentence that is taken from its chunk; null is refused as a null text is.
+
+    bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPGGA& record);
+    bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPGLL& record);
+    bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPGSA& record);
+    bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPGSV& record);
+    bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPRMC& record);
+    bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPVTG& record);
+    bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPZDA& record);
+    bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, PUBX& record);
+
     /** Marks the satellites in view that the epoch's GSA names as used. */
     void checkGsvStatus(GPGSV* gsv, const GPGSA* gsa);
 
@@ -130,17 +142,10 @@ public:
                                   bool* converted, char* out, unsigned int* outSize);
 
 private:
-    bool parse(const char* sentence, const Recipients& recipients, GPGGA& record);
-    bool parse(const char* sentence, const Recipients& recipients, GPGLL& record);
-    bool parse(const char* sentence, const Recipients& recipients, GPGSA& record);
-    bool parse(const char* sentence, const Recipients& recipients, GPGSV& record);
-    bool parse(const char* sentence, const Recipients& recipients, GPRMC& record);
-    bool parse(const char* sentence, const Recipients& recipients, GPVTG& record);
-    bool parse(const char* sentence, const Recipients& recipients, GPZDA& record);
-    bool parse(const char* sentence, const Recipients& recipients, PUBX& record);
     void parseKind(const sentence_text::Sentence& sentence, const Recipients& recipients);
     bool deliverEpoch(const Recipients& recipients);
-    bool readSatellites(const char* cursor, GPGSV& record);
+    std::size_t touchedSize() const;
+    bool readSatellites(sentence_text::Fields fields, GPGSV& record);
 
     struct ParsedFlags {
         bool gga;
@@ -164,6 +169,8 @@ private:
     unsigned int usedSatCount;
     unsigned int gsvSatCount;
     unsigned int gsaSentenceCount;
+    unsigned int touchedSatellites;  // entries of the table in view that may not be zero
+    bool isClear;
 };
 
 #endif

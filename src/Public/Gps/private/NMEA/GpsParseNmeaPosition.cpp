@@ -89,34 +89,17 @@ constexpr Field<PUBX> kPubxFields[] = {
 constexpr const char* kPubxDeadReckoningMissing = PUBX_ "DR_MODE Error";
 #undef PUBX_
 
-/** The frame of the sentences that name a talker. */
-template <const auto& fields, class Record>
-bool readPosition(GpsParseNmeaManager& manager, const Frame& frame, const char* sentence, Record& record) {
-    if (sentence == nullptr) return nmeaLog.failure(frame.function, frame.argumentError);
-    const char* cursor = readAddress(frame, sentence);
-    if (cursor == nullptr) return false;
-    record.SatType = manager.getSatelliteType(sentence);
-    return readAll<fields>(frame.function, cursor, record);
-}
-
 /**
  * DR_MODE is the second field behind the satellites, after a reserved one. A sentence that ends with the first field
  * means that one.
  */
-bool readDeadReckoning(const char* cursor, PUBX& record) {
+bool readDeadReckoning(Fields& fields, PUBX& record) {
     Token field;
-    cursor = sentence_text::readField(cursor, field);
-    if (cursor != nullptr && cursor[-1] != '*') cursor = sentence_text::readField(cursor, field);
-    if (cursor == nullptr) return nmeaLog.failure(kPubx.function, kPubxDeadReckoningMissing);
+    if (!fields.next(field) || (!fields.isAtCheckSum() && !fields.next(field))) {
+        return nmeaLog.failure(kPubx.function, kPubxDeadReckoningMissing);
+    }
     record.DR_MODE = static_cast<int>(field.toInteger());
     return true;
-}
-
-bool readPubx(const char* sentence, PUBX& record) {
-    if (sentence == nullptr) return nmeaLog.failure(kPubx.function, kPubx.argumentError);
-    const char* cursor = readAddress(kPubx, sentence);
-    return cursor != nullptr && readAll<kPubxFields>(kPubx.function, cursor, record) &&
-           readDeadReckoning(cursor, record);
 }
 
 template <class Record>
@@ -130,22 +113,27 @@ bool deliverPosition(GpsParseNmeaManager& manager, const Recipients& recipients,
 
 }  // namespace
 
-bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPGGA& record) {
-    return readPosition<kGgaFields>(*this, kGga, sentence, record) &&
+bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& recipients, GPGGA& record) {
+    Fields fields;
+    return begin(kGga, sentence, fields, record) && readAll<kGgaFields>(kGga.function, fields, record) &&
            deliverPosition(*this, recipients, record, &GpsParseNmeaListener::notifyParseGgaSentence);
 }
 
-bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPGLL& record) {
-    return readPosition<kGllFields>(*this, kGll, sentence, record) &&
+bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& recipients, GPGLL& record) {
+    Fields fields;
+    return begin(kGll, sentence, fields, record) && readAll<kGllFields>(kGll.function, fields, record) &&
            deliverPosition(*this, recipients, record, &GpsParseNmeaListener::notifyParseGllSentence);
 }
 
-bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPRMC& record) {
-    return readPosition<kRmcFields>(*this, kRmc, sentence, record) &&
+bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& recipients, GPRMC& record) {
+    Fields fields;
+    return begin(kRmc, sentence, fields, record) && readAll<kRmcFields>(kRmc.function, fields, record) &&
            deliverPosition(*this, recipients, record, &GpsParseNmeaListener::notifyParseRmcSentence);
 }
 
-bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, PUBX& record) {
-    return readPubx(sentence, record) &&
+bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& recipients, PUBX& record) {
+    Fields fields;
+    return begin(kPubx, sentence, fields, record) && readAll<kPubxFields>(kPubx.function, fields, record) &&
+           readDeadReckoning(fields, record) &&
            deliverPosition(*this, recipients, record, &GpsParseNmeaListener::notifyParsePubxSentence);
 }

@@ -1,6 +1,7 @@
 #include <cstring>
 
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/RecordDelivery.h"
 #include "Gps/private/NMEA/SentenceText.h"
 
 using sentence_text::Kind;
@@ -11,40 +12,34 @@ namespace {
 
 #define MINIMUM "GpsParseNmeaManager::parseNmeaSentenceMinimum() "
 
-/** How one kind of position sentence is parsed and rebuilt, and what is said when a step fails. */
+/** How one kind of position sentence is rebuilt, and what is said when a step fails. */
 template <class Record>
 struct Rewriting {
-    bool (GpsParseNmeaManager::*parse)(const char*, const GPS_PARSE_NMEA_LISTENER_LIST*, unsigned int, Record*,
-                                       GeodeticSystem, bool);
     bool (GpsParseNmeaManager::*regenerate)(Record*, double, double, char*, unsigned int*);
     const char* parseFailed;
     const char* convertFailed;
     const char* regenerateFailed;
 };
 
-constexpr Rewriting<GPGGA> kGga = {&GpsParseNmeaManager::parseGgaSentence, &GpsParseNmeaManager::regeneratedGga,
-                                   MINIMUM ": parseGgaSentence() = false",
+constexpr Rewriting<GPGGA> kGga = {&GpsParseNmeaManager::regeneratedGga, MINIMUM ": parseGgaSentence() = false",
                                    MINIMUM ": convertTokyoToWgs84() = false [GGA]",
                                    MINIMUM ": regeneratedGga() = false"};
-constexpr Rewriting<GPGLL> kGll = {&GpsParseNmeaManager::parseGllSentence, &GpsParseNmeaManager::regeneratedGll,
-                                   MINIMUM ": parseGllSentence() = false",
+constexpr Rewriting<GPGLL> kGll = {&GpsParseNmeaManager::regeneratedGll, MINIMUM ": parseGllSentence() = false",
                                    MINIMUM ": convertTokyoToWgs84() = false [GLL]",
                                    MINIMUM ": regeneratedGll() = false"};
-constexpr Rewriting<GPRMC> kRmc = {&GpsParseNmeaManager::parseRmcSentence, &GpsParseNmeaManager::regeneratedRmc,
-                                   MINIMUM ": parseRmcSentence() = false",
+constexpr Rewriting<GPRMC> kRmc = {&GpsParseNmeaManager::regeneratedRmc, MINIMUM ": parseRmcSentence() = false",
                                    MINIMUM ": convertTokyoToWgs84() = false [RMC]",
                                    MINIMUM ": regeneratedRmc() = false"};
 constexpr Rewriting<PUBX> kPubx = {
-    &GpsParseNmeaManager::receiveParsePubxSentence, &GpsParseNmeaManager::regeneratedPubx,
-    MINIMUM ": receiveParsePubxSentence() = false", MINIMUM ": convertTokyoToWgs84() = false [PUBX]",
-    MINIMUM ": regeneratedPubx() = false"};
+    &GpsParseNmeaManager::regeneratedPubx, MINIMUM ": receiveParsePubxSentence() = false",
+    MINIMUM ": convertTokyoToWgs84() = false [PUBX]", MINIMUM ": regeneratedPubx() = false"};
 
 template <class Record>
 bool rewrite(GpsParseNmeaManager& manager, const Rewriting<Record>& how, const Sentence& sentence, char* out,
              unsigned int* outSize) {
     constexpr char kFunction[] = "parseNmeaSentenceMinimum";
     Record record = {};
-    if (!(manager.*how.parse)(sentence.text, nullptr, 0, &record, GEODETIC_SYSTEM_WGS84, false)) {
+    if (!manager.parse(&sentence, Recipients(nullptr, 0, GEODETIC_SYSTEM_WGS84, false), record)) {
         return nmeaLog.failure(kFunction, how.parseFailed);
     }
     if (!manager.convertTokyoToWgs84(&record.Lat, &record.LatDeg, &record.LatMin, &record.Lon, &record.LonDeg,

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bitset>
 
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
 #include "Gps/private/NMEA/RecordDelivery.h"
@@ -46,30 +47,31 @@ constexpr unsigned int kSatellitesPerMessage = 4;
 
 }  // namespace
 
-bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPGSA& record) {
-    const char* cursor = beginForListeners(*this, kGsa, sentence, recipients, record);
-    if (cursor == nullptr || !readAll<kGsaFix>(kGsa.function, cursor, record)) return false;
+bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& recipients, GPGSA& record) {
+    Fields fields;
+    if (!beginForListeners(kGsa, sentence, recipients, fields, record)) return false;
+    if (!readAll<kGsaFix>(kGsa.function, fields, record)) return false;
     for (unsigned char& used : record.SatUsed) {
         Token field;
-        cursor = sentence_text::readField(cursor, field);
-        if (cursor == nullptr) return nmeaLog.failure(kGsa.function, kGsaSatelliteMissing);
+        if (!fields.next(field)) return nmeaLog.failure(kGsa.function, kGsaSatelliteMissing);
         used = static_cast<unsigned char>(field.toInteger());
         ++usedSatCount;
     }
-    if (!readAll<kGsaDilution>(kGsa.function, cursor, record)) return false;
+    if (!readAll<kGsaDilution>(kGsa.function, fields, record)) return false;
     record.SentenceNum = ++gsaSentenceCount;
     return deliver(recipients, record, &GpsParseNmeaListener::notifyParseGsaSentence);
 }
 
-bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipients, GPGSV& record) {
-    const char* cursor = beginForListeners(*this, kGsv, sentence, recipients, record);
-    if (cursor == nullptr || !readAll<kGsvCycle>(kGsv.function, cursor, record)) return false;
+bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& recipients, GPGSV& record) {
+    Fields fields;
+    if (!beginForListeners(kGsv, sentence, recipients, fields, record)) return false;
+    if (!readAll<kGsvCycle>(kGsv.function, fields, record)) return false;
     if (record.MessageNum == 1) gsvSatCount = 0;  // a cycle that lost its last message does not spoil the next
     if (record.SatView > GPS_MAX_SATELLITE_RECEIVE_NUM) {
         gsvSatCount = 0;
         return nmeaLog.failure(kGsv.function, kGsvTooMany);
     }
-    if (!readSatellites(cursor, record)) return false;
+    if (!readSatellites(fields, record)) return false;
     if (record.MessageNum != record.MessageTotal) return true;
     if (!deliver(recipients, record, &GpsParseNmeaListener::notifyParseGsvSentence)) return false;
     gsvSatCount = 0;
@@ -77,12 +79,13 @@ bool GpsParseNmeaManager::parse(const char* sentence, const Recipients& recipien
 }
 
 /** Reads the satellites of one GSV message into their places in the table. */
-bool GpsParseNmeaManager::readSatellites(const char* cursor, GPGSV& record) {
+bool GpsParseNmeaManager::readSatellites(Fields fields, GPGSV& record) {
     const bool isLastMessage = record.MessageNum == record.MessageTotal;
     for (unsigned int block = 1; block <= kSatellitesPerMessage && record.SatView > gsvSatCount; ++block) {
         const unsigned int index = kSatellitesPerMessage * (record.MessageNum - 1) + (block - 1);
         if (index >= GPS_MAX_SATELLITE_RECEIVE_NUM) return nmeaLog.failure(kGsv.function, kGsvIndexOver);
-        if (!readAll<kGsvSatellite>(kGsv.function, cursor, record.Sat[index])) return false;
+        touchedSatellites = std::max(touchedSatellites, index + 1);
+        if (!readAll<kGsvSatellite>(kGsv.function, fields, record.Sat[index])) return false;
         if (isLastMessage && block == record.SatView % kSatellitesPerMessage) return true;
         ++gsvSatCount;
     }
@@ -99,11 +102,13 @@ void GpsParseNmeaManager::checkGsvStatus(GPGSV* gsv, const GPGSA* gsa) {
         nmeaLog(kFunction, "GpsParseNmeaManager::checkGsvStatus() SatNum Over!\n");
         return;
     }
-    const unsigned char* const usedBegin = gsa->SatUsed;
-    const unsigned char* const usedEnd = usedBegin + std::min<std::size_t>(usedSatCount, std::size(gsa->SatUsed));
-    for (unsigned int i = 0; i < gsv->SatView && usedBegin != usedEnd; ++i) {
-        GPGSV_SATELLITE& satellite = gsv->Sat[i];
-        satellite.Used = std::find(usedBegin, usedEnd, satellite.SatID) != usedEnd ? 1 : 0;
+    std::bitset<256> isUsed;
+    for (unsigned int i = 0; i < usedSatCount && i < std::size(gsa->SatUsed); ++i) {
+        isUsed[gsa->SatUsed[i]] = true;
+    }
+    touchedSatellites = std::max(touchedSatellites, gsv->SatView);
+    for (unsigned int i = 0; i < gsv->SatView && usedSatCount != 0; ++i) {
+        gsv->Sat[i].Used = isUsed[gsv->Sat[i].SatID];
     }
     usedSatCount = 0;
 }

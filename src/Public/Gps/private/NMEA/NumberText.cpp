@@ -2,10 +2,8 @@
 
 #include <locale.h>
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 

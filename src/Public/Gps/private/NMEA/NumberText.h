@@ -3,10 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <string_view>
+#include <utility>
 
 /**
  * Numbers as the C locale reads and writes them, whatever locale the host has set: what strtol, strtoul, strtod and
@@ -15,21 +16,17 @@
  */
 namespace number_text {
 
-// The C library's conversions, for whatever is not a plain number.
+// The C library's conversions, for whatever is not a plain number of at most 127 characters.
 
 long toIntegerSlowly(std::string_view text);
 unsigned long toUnsignedSlowly(std::string_view text);
 unsigned long toUnsignedHexSlowly(std::string_view text);
 double toDoubleSlowly(std::string_view text);
 
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-/** 10^0 to 10^19, each exact in both types. */
+/** 10^0 to 10^9, each exact in both types. */
 template <class Number>
 inline constexpr auto kPowersOfTen = [] {
-    std::array<Number, 20> powers{};
+    std::array<Number, 10> powers{};
     std::uint64_t power = 1;
     for (Number& each : powers) {
         each = static_cast<Number>(power);
@@ -38,100 +35,122 @@ inline constexpr auto kPowersOfTen = [] {
     return powers;
 }();
 
-/** Digits with at most one point before, among or behind them; 19 characters at most, possibly none. */
-struct Decimal {
-    static constexpr std::size_t LONGEST_TEXT = 19;
+// Characters as the bytes of a word, the first in the lowest byte on every host.
 
-    std::uint64_t digits = 0;     ///< all of them as an integer
-    std::size_t wholeDigits = 0;  ///< how many stand before the point
-    std::size_t decimals = 0;     ///< how many stand behind it
-    std::size_t length = 0;       ///< characters, the point included
-
-    /** Reads as much of a text as is a decimal: up to `limit` characters or the first that is none of it. */
-    static constexpr Decimal read(const char* text, std::size_t limit) {
-        limit = std::min(limit, LONGEST_TEXT);
-        std::uint64_t digits = 0;
-        const std::size_t point = takeDigits(text, 0, limit, digits);
-        if (point == limit || text[point] != '.') return {digits, point, 0, point};
-        const std::size_t end = takeDigits(text, point + 1, limit, digits);
-        return {digits, point, end - (point + 1), end};
+/** As many characters as `Word` has bytes. */
+template <class Word>
+Word wordAt(const char* text) {
+    return [text]<std::size_t... i>(std::index_sequence<i...>) {
+        return (... | (Word{static_cast<unsigned char>(text[i])} << 8 * i));  // compiles to one load
     }
+    (std::make_index_sequence<sizeof(Word)>{});
+}
 
-    /** Without the digits behind the point. */
-    constexpr std::uint64_t whole() const {
-        return decimals == 0 ? digits : digits / kPowersOfTen<std::uint64_t>[decimals];
-    }
+/** The same byte in each place. */
+template <class Word>
+constexpr Word everywhere(unsigned char byte) {
+    return static_cast<Word>(byte * (~Word{0} / 0xFF));
+}
 
-private:
-    static constexpr std::size_t takeDigits(const char* text, std::size_t i, std::size_t limit, std::uint64_t& digits) {
-        for (; i != limit; ++i) {
-            const unsigned int digit = static_cast<unsigned char>(text[i]) - unsigned{'0'};
-            if (digit > 9) break;
-            digits = digits * 10 + digit;
-        }
-        return i;
-    }
-};
+/** Digits as their values; any other character as a byte above 9. */
+template <class Word>
+Word digitsAt(const char* text) {
+    return wordAt<Word>(text) ^ everywhere<Word>('0');
+}
 
-/** A text of at most 127 characters without a NUL, and the number that it is, if it is a plain one. */
+/** Sets the top bit of each byte above 9; those before the first such byte are 0. */
+template <class Word>
+constexpr Word nonDigits(Word digits) {
+    return ((digits + everywhere<Word>(0x7F - 9)) | digits) & everywhere<Word>(0x80);
+}
+
+/** Every second byte, from the lowest on, as two digits: its own and the next. The others are meaningless. */
+template <class Word>
+constexpr Word pairsOf(Word digits) {
+    return digits * 10 + (digits >> 8);
+}
+
+/**
+ * `digits` / 10^`decimals`. An integer of at most 2^53 divided by a power of ten of at most 10^22 is rounded once, so
+ * the result is the correctly rounded one (Clinger, "How to read floating point numbers accurately", 1990).
+ */
+inline double ratio(std::int64_t digits, std::size_t decimals) {
+    return static_cast<double>(digits) / kPowersOfTen<double>[decimals];
+}
+
+/** The text of a field, at most 127 characters without a NUL. 16 bytes must be readable after its end. */
 class Token {
 public:
-    Token() = default;
-    explicit Token(std::string_view text) : Token(text, Decimal::read(text.data(), text.size())) {}
-    /** @param decimal what `text` begins with */
-    Token(std::string_view text, const Decimal& decimal) : mText(text), mDecimal(decimal) {}
+    static constexpr std::size_t READ_AHEAD = 16;
 
-    std::string_view text() const { return mText; }
-    /** Whether the text is a decimal and nothing else, small enough for exact arithmetic. No text, and a point alone,
-     * is such a decimal: 0. */
-    bool isPlain() const { return mDecimal.length == mText.size() && mDecimal.digits <= kLargest; }
-    const Decimal& decimal() const { return mDecimal; }
+    Token() = default;
+    Token(const char* text, std::size_t size) : mText(text), mSize(size) {}
+
+    const char* data() const { return mText; }
+    std::size_t size() const { return mSize; }
+    std::string_view text() const { return {mText, mSize}; }
+    /** A stretch of the text; what is past its end is empty. */
+    Token part(std::size_t start, std::size_t length) const {
+        start = std::min(start, mSize);
+        return {mText + start, std::min(length, mSize - start)};
+    }
+
+    /** The value of at most four digits, 0 for no text, negative for any other text. */
+    int fewDigits() const {
+        if (mSize > 4) return -1;
+        const auto digits =
+            static_cast<std::uint32_t>(std::uint64_t{digitsAt<std::uint32_t>(mText)} << 32 >> 8 * mSize);
+        if (nonDigits(digits) != 0) return -1;
+        const std::uint32_t pairs = pairsOf(digits);
+        return static_cast<int>((pairs & 0xFF) * 100 + (pairs >> 16 & 0xFF));
+    }
 
     // As the C library reads the text; leading blanks, signs and whatever follows the number included.
 
-    long toInteger() const { return isPlain() ? static_cast<long>(mDecimal.whole()) : toIntegerSlowly(mText); }
-    unsigned long toUnsigned() const {
-        return isPlain() ? static_cast<unsigned long>(mDecimal.whole()) : toUnsignedSlowly(mText);
+    long toInteger() const {
+        const int value = fewDigits();
+        return value >= 0 ? value : toIntegerSlowly(text());
     }
-    /**
-     * An integer of at most 2^53 divided by a power of ten of at most 10^22 is rounded once, so the result is the
-     * correctly rounded one (Clinger, "How to read floating point numbers accurately", 1990).
-     */
-    double toDouble() const { return isPlain() ? magnitude() : toSignedDouble(); }
+    unsigned long toUnsigned() const {
+        const int value = fewDigits();
+        return value >= 0 ? static_cast<unsigned long>(value) : toUnsignedSlowly(text());
+    }
+    double toDouble() const {
+        if (mSize == 0) return 0.0;
+        const bool isNegative = *mText == '-';
+        std::uint32_t digits = 0;
+        std::size_t decimals = 0;
+        if (!Token(mText + isNegative, mSize - isNegative).readDecimal(digits, decimals) ||
+            (isNegative && digits == 0)) {
+            return toDoubleSlowly(text());
+        }
+        const double magnitude = ratio(digits, decimals);
+        return isNegative ? -magnitude : magnitude;
+    }
 
 private:
-    static constexpr std::uint64_t kLargest =
-        std::min(std::uint64_t{1} << 53, static_cast<std::uint64_t>(std::numeric_limits<long>::max()));
-
-    double magnitude() const {
-        return static_cast<double>(static_cast<std::int64_t>(mDecimal.digits)) /
-               kPowersOfTen<double>[mDecimal.decimals];
+    /** Reads one to eight characters: digits, and at most one point before, among or after them. */
+    bool readDecimal(std::uint32_t& digits, std::size_t& decimals) const {
+        if (mSize - 1 > 7) return false;
+        std::uint64_t text = digitsAt<std::uint64_t>(mText) << (64 - 8 * mSize);
+        const std::uint64_t point = nonDigits(text);
+        decimals = 0;
+        if (point != 0) {
+            const int start = std::countr_zero(point) - 7;
+            if ((point & (point - 1)) != 0 || (text >> start & 0xFF) != ('.' ^ '0')) return false;
+            const std::uint64_t before = (std::uint64_t{1} << start) - 1;
+            text = (text & before) << 8 | (text & ~(before << 8 | 0xFF));
+            decimals = 7 - static_cast<unsigned>(start) / 8;
+        }
+        const std::uint64_t pairs = pairsOf(text) & 0x00FF00FF00FF00FF;
+        const std::uint64_t fours = (pairs * 100 + (pairs >> 16)) & 0x0000FFFF0000FFFF;
+        digits = static_cast<std::uint32_t>(fours * 10000 + (fours >> 32));
+        return true;
     }
-    double toSignedDouble() const {
-        if (!mText.starts_with('-')) return toDoubleSlowly(mText);
-        const Token positive(mText.substr(1));
-        return positive.isPlain() && positive.mDecimal.digits != 0 ? -positive.magnitude() : toDoubleSlowly(mText);
-    }
 
-    std::string_view mText;
-    Decimal mDecimal;
+    const char* mText = "";
+    std::size_t mSize = 0;
 };
-
-/** Value of a hexadecimal digit, -1 for any other character. */
-constexpr int hexDigit(char c) {
-    if (isDigit(c)) return c - '0';
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    return -1;
-}
-
-/** Two characters, as strtoul reads them in base 16. */
-inline unsigned long toUnsignedHex(std::string_view pair) {
-    const int high = hexDigit(pair[0]);
-    const int low = hexDigit(pair[1]);
-    if (high < 0 || low < 0) return toUnsignedHexSlowly(pair);
-    return static_cast<unsigned long>(high) * 16 + static_cast<unsigned long>(low);
-}
 
 /** Characters that the longest number takes: 309 digits before the point, up to 5 after it, sign and point. */
 inline constexpr unsigned int LONGEST = 320;

@@ -15,6 +15,8 @@
 namespace sentence_fields {
 
 using number_text::Token;
+using sentence_text::Fields;
+using sentence_text::Sentence;
 
 /** One field of a sentence that is read into `Record`. */
 template <class Record>
@@ -59,7 +61,7 @@ bool code(const Token& field, Record& record) {
 
 template <class Record>
 bool time(const Token& field, Record& record) {
-    return sentence_text::splitTime(field, &record.Hour, &record.Minute, &record.Second, &record.MilliSecond);
+    return sentence_text::splitTime(field, record.Hour, record.Minute, record.Second, record.MilliSecond);
 }
 
 template <class Record>
@@ -100,25 +102,24 @@ bool westNegates(const Token& field, Record& record) {
     return true;
 }
 
-/** Reads one field at the cursor and stores it; moves the cursor. False, with the message logged, when it is missing.*/
+/** Reads the next field and stores it. False, with the message logged, when it is missing. */
 template <class Record>
-[[gnu::always_inline]] inline bool read(const Field<Record>& field, const char* function, const char*& cursor,
+[[gnu::always_inline]] inline bool read(const Field<Record>& row, const char* function, Fields& fields,
                                         Record& record) {
-    Token text;
-    cursor = sentence_text::readField(cursor, text);
-    if (cursor == nullptr) [[unlikely]]
-        return sentence_text::nmeaLog.failure(function, field.missing);
-    if (!field.store(text, record)) return sentence_text::nmeaLog.failure(function, field.unreadable);
+    Token field;
+    if (!fields.next(field)) [[unlikely]]
+        return sentence_text::nmeaLog.failure(function, row.missing);
+    if (!row.store(field, record)) return sentence_text::nmeaLog.failure(function, row.unreadable);
     return true;
 }
 
 /** Reads a list of fields in order; what was read before a missing one stays in the record. */
-template <const auto& fields, class Record>
-bool readAll(const char* function, const char*& cursor, Record& record) {
+template <const auto& rows, class Record>
+bool readAll(const char* function, Fields& fields, Record& record) {
     return [&]<std::size_t... index>(std::index_sequence<index...>) {
-        return (read(fields[index], function, cursor, record) && ...);
+        return (read(rows[index], function, fields, record) && ...);
     }
-    (std::make_index_sequence<std::size(fields)>{});
+    (std::make_index_sequence<std::size(rows)>{});
 }
 
 /** What is said about a sentence as a whole. */
@@ -128,25 +129,22 @@ struct Frame {
     const char* addressError;
 };
 
-/** Reads the address field of a terminated sentence; null, with the message logged, when it is missing. */
-inline const char* readAddress(const Frame& frame, const char* sentence) {
+/** Begins to read a sentence into a record: its address. False, with a message logged, when there is none. */
+template <class Record>
+bool begin(const Frame& frame, const Sentence* sentence, Fields& fields, Record& record) {
+    if (sentence == nullptr) return sentence_text::nmeaLog.failure(frame.function, frame.argumentError);
+    fields = Fields(*sentence);
     Token address;
-    const char* const cursor = sentence_text::readField(sentence, address);
-    if (cursor == nullptr) sentence_text::nmeaLog(frame.function, frame.addressError);
-    return cursor;
+    if (!fields.next(address)) return sentence_text::nmeaLog.failure(frame.function, frame.addressError);
+    if constexpr (requires { record.SatType; }) record.SatType = sentence_text::satelliteType(sentence->text);
+    return true;
 }
 
-/** Begins a record that is read for listeners only. Null when there is nothing to read or no listener. */
+/** The same for a record that is read for listeners only. */
 template <class Record>
-const char* beginForListeners(GpsParseNmeaManager& manager, const Frame& frame, const char* sentence,
-                              const Recipients& recipients, Record& record) {
-    if (sentence == nullptr || recipients.isEmpty()) {
-        sentence_text::nmeaLog(frame.function, frame.argumentError);
-        return nullptr;
-    }
-    const char* const cursor = readAddress(frame, sentence);
-    if (cursor != nullptr) record.SatType = manager.getSatelliteType(sentence);
-    return cursor;
+bool beginForListeners(const Frame& frame, const Sentence* sentence, const Recipients& recipients, Fields& fields,
+                       Record& record) {
+    return begin(frame, recipients.isEmpty() ? nullptr : sentence, fields, record);
 }
 
 }  // namespace sentence_fields

@@ -1,6 +1,9 @@
 #ifndef GPS_PRIVATE_NMEA_SENTENCE_TEXT_H
 #define GPS_PRIVATE_NMEA_SENTENCE_TEXT_H
 
+#include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
@@ -16,10 +19,19 @@ inline constexpr GpsLog nmeaLog("src/Public/Gps/private/NMEA/GpsParseNmeaManager
 
 enum class Kind { GGA, GLL, GSA, GSV, RMC, VTG, ZDA, PUBX, Other };
 
-/** A sentence without its line feed, checked and terminated. */
+/** A sentence's text, and where its fields end. */
 struct Sentence {
-    char text[GpsParseNmeaManager::SENTENCE_SIZE];
-    unsigned int length;
+    /** No parser reads further: an address and 20 fields, each of at most 19 characters and a separator. */
+    static constexpr std::size_t LONGEST = 447;
+
+    /** Copies what parsers read of a terminated text. Null for a null text. */
+    const Sentence* assign(const char* terminated);
+    void assign(std::string_view text);
+
+    char text[LONGEST + 1 + Token::READ_AHEAD];  ///< terminated
+    std::size_t length;
+    /** Bit i, counted through all: text[i] is "," or "*". The last word ends all searches. */
+    std::uint64_t separators[LONGEST / 64 + 2] = {0, 0, 0, 0, 0, 0, 0, ~std::uint64_t{0}};
 };
 
 /**
@@ -38,38 +50,55 @@ bool isCheckSumRight(std::string_view sentence);
 /** By the three characters behind the talker, whatever the talker; else by "$PUBX". */
 Kind kindOf(const Sentence& sentence);
 
-/** Says why there is no field at the cursor: the end of the text, or 20 characters without a separator. Null. */
-const char* noField(const char* text);
+/** By the two characters after the "$"; logs when the text does not begin with "$G". */
+SatelliteType satelliteType(const char* text);
 
-/**
- * Reads the field at the cursor of a terminated text; "," and "*" end fields.
- * @return the place behind the separator, or null when none ends the field within 19 characters
- */
-inline const char* readField(const char* cursor, Token& field) {
-    constexpr unsigned int kLongest = GpsParseNmeaManager::TOKEN_SIZE - 1;
-    const auto decimal = number_text::Decimal::read(cursor, kLongest);
-    std::size_t length = decimal.length;
-    for (; length <= kLongest; ++length) {
-        if (static_cast<unsigned char>(cursor[length]) > ',') continue;  // digits, letters and points, at one glance
-        if (cursor[length] == ',' || cursor[length] == '*' || cursor[length] == '\0') break;
+/** Logs why no separator ends the field at the cursor within 19 characters. False. */
+bool noField(const char* cursor);
+
+/** Reads a sentence field by field, the address first; "," and "*" end fields. */
+class Fields {
+public:
+    Fields() = default;
+    explicit Fields(const Sentence& sentence)
+        : mCursor(sentence.text), mBlock(sentence.text), mWord(sentence.separators), mEnds(*mWord) {}
+
+    /** False, with a message logged unless the text ends within the field, when no separator ends it. */
+    bool next(Token& field) {
+        while (mEnds == 0)
+            [[unlikely]] {
+                mEnds = *++mWord;
+                mBlock += 64;
+            }
+        const char* const end = mBlock + static_cast<unsigned int>(std::countr_zero(mEnds));
+        const auto size = static_cast<std::size_t>(end - mCursor);
+        if (size >= GpsParseNmeaManager::TOKEN_SIZE) [[unlikely]]
+            return noField(mCursor);
+        field = Token(mCursor, size);
+        mEnds &= mEnds - 1;
+        mCursor = end + 1;
+        return true;
     }
-    if (length > kLongest || *cursor == '\0') {
-        field = Token(std::string_view(cursor, cursor));
-        return noField(cursor);
-    }
-    field = Token({cursor, length}, decimal);
-    return cursor[length] == '\0' ? nullptr : cursor + length + 1;
-}
+
+    /** Whether the last field read was the one before the checksum. */
+    bool isAtCheckSum() const { return mCursor[-1] == '*'; }
+
+private:
+    const char* mCursor = nullptr;
+    const char* mBlock = nullptr;
+    const std::uint64_t* mWord = nullptr;
+    std::uint64_t mEnds = 0;  // those not yet read of the 64 characters at mBlock
+};
 
 // Fields of several parts. Any text can be split: a part that is not there gives 0.
 
 /** Splits ddmm.mmmm or dddmm.mmmm, by the number of degree digits. The minutes are seven characters at most. */
-bool splitCoordinate(const Token& field, unsigned int degreeDigits, double& value, int& degrees, double& minutes);
+bool splitCoordinate(const Token& field, std::size_t degreeDigits, double& value, int& degrees, double& minutes);
 /** Splits ddmmyy. */
 bool splitDate(const Token& field, unsigned short& year, unsigned short& month, unsigned short& day);
-/** Splits hhmmss.sss; outputs that are null take no characters. */
-bool splitTime(const Token& field, unsigned short* hour, unsigned short* minute, unsigned short* second,
-               unsigned short* milliSecond);
+/** Splits hhmmss.sss. */
+bool splitTime(const Token& field, unsigned short& hour, unsigned short& minute, unsigned short& second,
+               unsigned short& milliSecond);
 
 // Codes of status and mode letters, as the records document them.
 
