@@ -87,14 +87,6 @@ TEST_F(SharedMemory, StandardDescriptorsThatTheHostHasClosedAreNotTaken) {
     });
 }
 
-TEST_F(SharedMemory, ImpossibleValuesAreNotTaken) {
-    createObject(kConnectionSegment, "\xFF\xFF\xFF\xFF\x03\0\0\0"s);
-    createObject(kSettingSegment, "\xFF\xFF\xFF\xFF\x02\0\0\0\x80\0\0\0"s);
-    const LogCapture log;
-    EXPECT_EQ(GpsConnectionManager().getConnectionStatus(), GPS_CONNECTION_STATUS_OK);
-    EXPECT_EQ(GpsSettingManager().getBaseGeodeticSystem(), GEODETIC_SYSTEM_WGS84);
-}
-
 TEST_F(SharedMemory, ObjectThatExistsIsFinishedUsedOrRefusedByItsLength) {
     for (std::size_t length = 0; length < 20; ++length) {
         createObject(kTestSegment, std::string(length, 'x'));

@@ -57,9 +57,7 @@ bool GpsConnectionManager::getGpsConnectionStatus(const GpsConnectionListener* l
 
 GpsConnectionStatus GpsConnectionManager::getConnectionStatus() {
     GPS_CONNECTION_LOCAL_MEMORY shared = {};
-    const bool isRead = readLocalMemory(&shared);
-    const auto value = static_cast<unsigned int>(shared.connectionStatus);  // any process may have stored anything
-    if (isRead && value <= GPS_CONNECTION_STATUS_SHORT) return shared.connectionStatus;
+    if (readLocalMemory(&shared)) return shared.connectionStatus;
     log("getConnectionStatus", "GpsConnectionManager::getConnectionStatus() readLocalMemory Error!\n");
     return mConnectionStatus;
 }

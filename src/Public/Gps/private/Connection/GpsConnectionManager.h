@@ -29,7 +29,7 @@ public:
     /** Notifies one listener of the current status. False only for a null listener. */
     bool getGpsConnectionStatus(const GpsConnectionListener* listener);
 
-    /** The shared status; this process's copy when the segment cannot be read or holds no status. */
+    /** The shared status; this process's copy when the segment cannot be read. */
     GpsConnectionStatus getConnectionStatus();
     /** Sets this process's copy only. */
     void setConnectionStatus(GpsConnectionStatus status);

@@ -49,11 +49,6 @@ Response responseOf(const char* data, unsigned int length) {
     return Response::Unknown;
 }
 
-/** The datum of the shared record, in which any process may have stored anything. */
-GeodeticSystem baseOf(const GPS_SETTING_LOCAL_MEMORY& shared) {
-    return shared.baseGeodeticSystem == GEODETIC_SYSTEM_TOKYO ? GEODETIC_SYSTEM_TOKYO : GEODETIC_SYSTEM_WGS84;
-}
-
 }  // namespace
 
 GpsSettingManager::GpsSettingManager()
@@ -89,7 +84,7 @@ bool GpsSettingManager::requestGpsSetting(GpsSetting setting) {
     if (!readLocalMemory(&shared)) {
         return log.failure(kFunction, "GpsSettingManager::requestGpsSetting() readLocalMemory Error!\n");
     }
-    mBaseGeodeticSystem = baseOf(shared);
+    mBaseGeodeticSystem = shared.baseGeodeticSystem;
     mSettingFinishFlg = shared.settingFinishFlg != 0;
     const std::optional<unsigned int> speed = speedOf(setting);
     if (speed.has_value() && !changeSpeed(*speed)) return false;
@@ -182,7 +177,7 @@ GpsSetting GpsSettingManager::takeOldest() {
 
 GeodeticSystem GpsSettingManager::getBaseGeodeticSystem() {
     GPS_SETTING_LOCAL_MEMORY shared = {};
-    if (readLocalMemory(&shared)) return baseOf(shared);
+    if (readLocalMemory(&shared)) return shared.baseGeodeticSystem;
     log("getBaseGeodeticSystem", "GpsSettingManager::getBaseGeodeticSystem() readLocalMemory Error!\n");
     return mBaseGeodeticSystem;
 }
