@@ -96,12 +96,8 @@ bool QvSharedMemory<T, N>::open(const char* objectName) {
 
 template <class T, unsigned N>
 bool QvSharedMemory<T, N>::resize() {
-    if (fchmod(mFd, MODE) != 0 && errno != EPERM) return false;  // whatever the umask made of it
-    int result = -1;
-    do {
-        result = ftruncate(mFd, sizeof(Segment));
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
+    const bool hasMode = fchmod(mFd, MODE) == 0 || errno == EPERM;  // whatever the umask made of it
+    return hasMode && ftruncate(mFd, sizeof(Segment)) == 0;
 }
 
 /** Whether every byte of the segment is there, with memory behind it: what is not reserved now could be missing at the

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "QvFramework/Foundation/QvDbgOutput.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
 #include "QvFramework/Foundation/QvSubject.h"
 
@@ -42,6 +43,12 @@ TEST(Subject, AnObserverThatLeavesOrSendsAwayAnotherCostsTheRestNothing) {
         calls.push_back(observer.calls);
     }
     EXPECT_THAT(calls, testing::ElementsAre(1, 1, 2, 0, 2));
+}
+
+TEST(DbgOutput, PrintsEveryLineOnStandardError) {
+    testing::internal::CaptureStderr();
+    QvDbgOutput::DbgPrint("first\nsecond\r\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "first\nsecond\n");
 }
 
 std::string gOrder;

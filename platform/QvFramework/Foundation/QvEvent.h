@@ -1,7 +1,8 @@
 #ifndef QVFRAMEWORK_FOUNDATION_QV_EVENT_H
 #define QVFRAMEWORK_FOUNDATION_QV_EVENT_H
 
-#include <pthread.h>
+#include <condition_variable>
+#include <mutex>
 
 #include "QvFramework/Foundation/QvUncopyable.h"
 
@@ -10,9 +11,6 @@ class QvEvent : private QvUncopyable {
 public:
     /** Result of WaitEvent when the time ran out. */
     static constexpr int TIMED_OUT = -2;
-
-    QvEvent();
-    ~QvEvent();
 
     void SetEvent();
     void ResetEvent();
@@ -25,9 +23,9 @@ public:
     int WaitEvent(unsigned int ms);
 
 private:
-    pthread_mutex_t mMutex;
-    pthread_cond_t mCondition;
-    bool mIsSet;
+    std::mutex mMutex;
+    std::condition_variable mCondition;
+    bool mIsSet = false;
 };
 
 #endif

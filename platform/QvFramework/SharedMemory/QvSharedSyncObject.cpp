@@ -19,12 +19,12 @@
 #include "QvFramework/Foundation/QvSync.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
-// A process has a random token, which the lock names as its holder, and keeps a file lock on the byte of the object
-// that its token selects. The kernel drops the file lock when the process ends, however it ends: a thread that finds
-// the lock held asks for it, and takes the lock from a dead holder.
+// Every process has a random token. The lock stores the token of its holder, and each process keeps a file lock on the
+// byte of the object that its token selects. The kernel drops that file lock when the process ends, however it ends: a
+// thread that finds the lock held checks the holder's file lock, and takes the lock over from a dead holder.
 //
-// A robust mutex names its holder by thread id, and thread ids repeat between PID namespaces: when a thread dies that
-// waits for the mutex and has the same id as the holder, the kernel releases the mutex of the living holder.
+// A robust mutex stores a thread id, and thread ids repeat between PID namespaces: when a thread dies while it waits
+// for the mutex, and the holder has the same id, the kernel releases the mutex although its holder lives.
 
 namespace {
 
@@ -38,20 +38,20 @@ static_assert(sizeof(SharedObject) == 16 && std::atomic_ref<Token>::is_always_lo
 
 }  // namespace
 
-/** What this process has of the lock of one name. */
+/** This process's state of the lock of one name. */
 struct QvSharedLock {
     const std::string name;
     const int fd;
     const std::atomic_ref<Token> holder;
     QvSharedLock* const next;
     std::atomic<pthread_t> owner{};  // the thread of this process that holds the lock
-    unsigned int depth = 0;          // how often it does
+    unsigned int depth = 0;          // how often it has locked it
 };
 
 namespace {
 
 constexpr char kDirectory[] = "/dev/shm";
-constexpr mode_t kMode = 0660;  // who may not write the object may not open it, and so place no file lock on it
+constexpr mode_t kMode = 0660;  // without write permission it cannot even be opened, which placing a file lock takes
 
 constinit std::atomic<Token> gToken{0};  // of this process
 constinit std::atomic<QvSharedLock*> gLocks{nullptr};
@@ -61,7 +61,8 @@ struct flock byteOf(Token token, short type) {
     return {.l_type = type, .l_whence = SEEK_SET, .l_start = offset, .l_len = 1, .l_pid = 0};
 }
 
-bool showLife(int fd) {
+/** Places this process's file lock; another process cannot prevent it without write permission. */
+bool markAlive(int fd) {
     struct flock byte = byteOf(gToken, F_RDLCK);
     return fcntl(fd, F_SETLK, &byte) == 0;
 }
@@ -77,18 +78,18 @@ bool tryLock(const QvSharedLock& lock) {
            (!isAlive(lock.fd, seen) && lock.holder.compare_exchange_strong(seen, gToken));
 }
 
-/** Gives this process, which may be a forked child, a life of its own. A child holds none of its parent's locks. */
-void beginLife() {
+/** For a new process or a forked child, which inherits neither the locks nor the file locks of its parent. */
+void renewToken() {
     Token token = 0;
     arc4random_buf(&token, sizeof(token));
     gToken = token | 1U;
     for (QvSharedLock* lock = gLocks; lock != nullptr; lock = lock->next) {
         lock->owner = pthread_t{};
-        showLife(lock->fd);
+        markAlive(lock->fd);
     }
 }
 
-/** Fills a nameless object and names it, so that the name never shows half a lock. */
+/** Fills a nameless object and links it, so that the name never refers to an incomplete lock. */
 bool publish(int fd, const std::string& path) {
     const SharedObject object;
     const std::string self = "/proc/self/fd/" + std::to_string(fd);
@@ -114,7 +115,7 @@ SharedObject* mapObject(int fd) {
     const bool isLock =
         pread(fd, found, sizeof(found), 0) == sizeof(SharedObject) && found[0].kind == SharedObject().kind;
     if (!isLock) errno = EPROTO;
-    if (!isLock || !showLife(fd)) return nullptr;
+    if (!isLock || !markAlive(fd)) return nullptr;
     void* const address = mmap(nullptr, sizeof(SharedObject), PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
     return address != MAP_FAILED ? static_cast<SharedObject*>(address) : nullptr;
 }
@@ -129,13 +130,13 @@ QvSharedLock* openLock(const std::string& name) {
     return nullptr;
 }
 
-/** Opens every name once a process: it would end its sign of life by closing a second descriptor of the object. */
+/** Opens each name once per process: closing a second descriptor of the object would drop the file lock. */
 QvSharedLock* lockOf(const char* name) {
     static QvSync& sync = *new QvSync;  // never destroyed: a client may build the service while its process exits
     QvSyncGuard guard(sync);
     if (gToken == 0) {
-        beginLife();
-        pthread_atfork(nullptr, nullptr, &beginLife);
+        renewToken();
+        pthread_atfork(nullptr, nullptr, &renewToken);
     }
     for (QvSharedLock* lock = gLocks; lock != nullptr; lock = lock->next) {
         if (lock->name == name) return lock;

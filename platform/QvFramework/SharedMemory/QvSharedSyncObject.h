@@ -12,10 +12,10 @@ struct QvSharedLock;
  *
  * When a process dies while holding the lock, the next one gets it; what the lock guards may then be half written.
  *
- * The lock is a small shared-memory object, "/NAME.lock", mode 0660, and every process that uses it keeps a descriptor
- * of it. It is not available without the right to write that object, without memory or a descriptor for it, or when
- * an object of that name is no lock or one of another version. A message gives the reason, and the next object of
- * this name tries again.
+ * The lock is a small shared-memory object, "/NAME.lock", mode 0660. Every process that uses it keeps a descriptor of
+ * it; a process that closes a descriptor of that object, this or another one, counts as dead. The lock is not available
+ * without write permission, memory or a descriptor for the object, or when the object is no lock or one of another
+ * version. A message gives the reason, and the next QvSharedSyncObject of this name tries again.
  */
 class QV_CAPABILITY QvSharedSyncObject : private QvUncopyable {
 public:
