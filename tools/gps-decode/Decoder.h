@@ -1,22 +1,33 @@
 #ifndef GPS_DECODE_DECODER_H
 #define GPS_DECODE_DECODER_H
 
+#include <array>
 #include <string>
 
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "Gps/private/NMEA/SentenceText.h"
 #include "Gps/private/Production/GpsProductionManager.h"
+#include "Gps/private/Support/GpsReceiveRules.h"
 #include "GpsHal/GpsHalFramer.h"
 #include "tools/gps-decode/Event.h"
+#include "tools/gps-decode/LibraryLog.h"
 #include "tools/gps-decode/Listeners.h"
+#include "tools/gps-decode/Selection.h"
 
 namespace decode {
 
-/** How the receiver and the listeners are set up. */
+/** How the receiver and the listeners are set up, and what of the stream is written. */
 struct Setup {
     GeodeticSystem base = GEODETIC_SYSTEM_WGS84;    ///< in which the receiver reports
     GeodeticSystem wanted = GEODETIC_SYSTEM_WGS84;  ///< by the listeners
     bool settingFinished = true;
+    bool readsLfAsCrLf = false;
+    bool isVerbose = false;
+    Selection selection;
 };
+
+/** Of chunks by why they gave no record and no status; those that did are Refusal::None. */
+using RefusalCounts = std::array<unsigned long, static_cast<std::size_t>(Refusal::Count)>;
 
 /**
  * Cuts a byte stream into chunks and dispatches them as the service does, to one listener of each kind, without
@@ -24,7 +35,7 @@ struct Setup {
  */
 class Decoder {
 public:
-    /** @param format gets every event at once; must outlive this object, as must `text`, to which it writes */
+    /** @param format gets every selected event at once; must outlive this object, as must `text`, to which it writes */
     Decoder(const Setup& setup, Format& format, std::string& text);
 
     void feed(const char* data, unsigned length);
@@ -32,10 +43,11 @@ public:
     void finish();
 
     unsigned long chunks() const { return mFramer.chunks(); }
-    /** Chunks of which a listener was told something. */
+    /** Chunks of which at least one listener was notified. */
     unsigned long delivered() const { return mDelivered; }
     /** Bytes that belong to no chunk. */
     unsigned long droppedBytes() const { return mFramer.droppedBytes(); }
+    const RefusalCounts& refusals() const { return mRefusals; }
 
     // Steps for the chunks that `route` passes on, as in the service.
 
@@ -44,20 +56,37 @@ public:
     void parseNmeaSentenceProc(const char* chunk, unsigned length);
     void parseGpsProductionDataProc(const char* chunk, unsigned length);
     // An acknowledgement answers a request, and none was made.
-    void responseGpsSettingProc(const char*, unsigned) {}
+    void responseGpsSettingProc(const char*, unsigned) { mRefusal = Refusal::Frame; }
     void responseGpsProductionProc(const char*, unsigned) {}
 
 private:
     void take(const unsigned char* chunk, unsigned length);
+    void receive(const char* name, const Event::Content& content);
+    Refusal sentenceRefusal() const;
 
     const Setup mSetup;
+    Format& mFormat;
+    std::string& mText;
+    LibraryLog mLog;
     GpsHalFramer mFramer;
     GpsParseNmeaManager mParser;
     GpsProductionManager mProduction;
     Listeners mListeners;
+    UtcClock mClock;
+    unsigned mStarts = 0;
+
+    // Of the current chunk.
+    std::string mWithCr;
     std::string_view mChunk;
-    bool mIsDelivered = false;  // the current chunk, to anybody
+    sentence_text::Sentence mSentence;
+    bool mIsChecked = false;  // mSentence is what the parser takes
+    bool mHasTime = false;
+    bool mIsDelivered = false;
+    bool mHasRecord = false;
+    Refusal mRefusal = Refusal::None;  // should it have no record
+
     unsigned long mDelivered = 0;
+    RefusalCounts mRefusals{};
 };
 
 }  // namespace decode

@@ -1,15 +1,17 @@
 #ifndef GPS_DECODE_EVENT_H
 #define GPS_DECODE_EVENT_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
 
 #include "Gps/GpsListeners.h"
+#include "tools/gps-decode/UtcClock.h"
 
 namespace decode {
 
-/** One notification: its name, what the listener is told, and the received chunk that it comes from. Everything that is
+/** One notification: its name, what the listener gets, and the received chunk that it comes from. Everything that is
  *  pointed to lives as long as the notification. */
 struct Event {
     using Content = std::variant<std::string_view,  // a raw sentence
@@ -20,6 +22,20 @@ struct Event {
     const char* name;
     Content content;
     std::string_view chunk;
+    std::optional<UtcTime> time;  ///< of the last sentence that had one
+    bool hasOwnTime;              ///< it is the time of this chunk
+    unsigned starts;              ///< of the receiver, as its texts show, before this event
+};
+
+/** Why a chunk gave its listener neither a record nor a status. */
+enum class Refusal { None, Checksum, Length, LineEnd, Field, Datum, Kind, Text, Frame, Count };
+
+/** A chunk all of whose events have been written. */
+struct ChunkEnd {
+    std::string_view chunk;
+    std::optional<UtcTime> time;
+    Refusal refusal;
+    std::string_view missingField;  ///< "RMC Lat", for Refusal::Field
 };
 
 /** A form in which events are written; each operation appends to the text. */
@@ -29,7 +45,8 @@ public:
 
     virtual void begin(std::string&) {}
     virtual void write(const Event& event, std::string& text) = 0;
-    /** Nothing more will come. */
+    virtual void endChunk(const ChunkEnd&) {}
+    /** The stream has ended. */
     virtual void end(std::string&) {}
 };
 

@@ -10,10 +10,10 @@
 namespace decode {
 
 Input::Input(const std::string& path) : mName("standard input"), mFd(STDIN_FILENO) {
-    if (path.empty() || path == "-") return;
+    if (path == "-") return;
     mName = path;
     mFd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
-    if (mFd < 0) throw std::system_error(errno, std::generic_category(), "cannot open " + mName);
+    if (mFd < 0) throw std::system_error(errno, std::generic_category(), "cannot open '" + mName + "'");
 }
 
 Input::~Input() {

@@ -9,12 +9,13 @@ namespace decode {
 /** A file or standard input, read from front to end. Errors are thrown as std::system_error that names the input. */
 class Input {
 public:
-    /** @param path empty or "-" for standard input */
+    /** @param path "-" for standard input */
     explicit Input(const std::string& path);
     ~Input();
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
+    const std::string& name() const { return mName; }
     int fd() const { return mFd; }
     /** Bytes in a regular file; none for anything else. */
     std::optional<std::size_t> size() const;

@@ -14,7 +14,7 @@ namespace decode {
 
 namespace {
 
-constexpr int kEndSignals[] = {SIGINT, SIGTERM};
+constexpr int kEndSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 // What the handler may touch.
 int gWakeUp = -1;

@@ -4,8 +4,8 @@
 namespace decode {
 
 /**
- * While this object exists, SIGINT and SIGTERM ask the program to end instead of ending it; a second one of the same
- * kind ends it at once. One that was ignored before stays so. One object at a time.
+ * While this object exists, SIGINT, SIGTERM and SIGHUP ask the program to end instead of ending it; a second one of the
+ * same kind ends it at once. One that was ignored before stays so. One object at a time.
  */
 class Interrupt {
 public:

@@ -8,7 +8,7 @@
 
 namespace decode {
 
-/** The four listeners in one: makes an event of every notification. Answers to requests do not occur in a capture. */
+/** The four listeners in one: every notification goes to the sink. Answers to requests do not occur in a capture. */
 class Listeners : public GpsNmeaListener,
                   public GpsParseNmeaListener,
                   public GpsConnectionListener,
@@ -16,33 +16,33 @@ class Listeners : public GpsNmeaListener,
 public:
     using Sink = std::function<void(const char* name, Event::Content content)>;
 
-    explicit Listeners(Sink sink) : mTell(std::move(sink)) {}
+    explicit Listeners(Sink sink) : mSink(std::move(sink)) {}
 
     void notifyReceiveNmeaSentence(const char* sentence, unsigned int length) override {
-        mTell("notifyReceiveNmeaSentence", std::string_view(sentence, length));
+        mSink("notifyReceiveNmeaSentence", std::string_view(sentence, length));
     }
 
-    void notifyParseNmeaSentence(const PARSE_NMEA* record) override { mTell("notifyParseNmeaSentence", record); }
-    void notifyParseGgaSentence(const GPGGA* record) override { mTell("notifyParseGgaSentence", record); }
-    void notifyParseGllSentence(const GPGLL* record) override { mTell("notifyParseGllSentence", record); }
-    void notifyParseGsaSentence(const GPGSA* record) override { mTell("notifyParseGsaSentence", record); }
-    void notifyParseGsvSentence(const GPGSV* record) override { mTell("notifyParseGsvSentence", record); }
-    void notifyParseRmcSentence(const GPRMC* record) override { mTell("notifyParseRmcSentence", record); }
-    void notifyParseVtgSentence(const GPVTG* record) override { mTell("notifyParseVtgSentence", record); }
-    void notifyParseZdaSentence(const GPZDA* record) override { mTell("notifyParseZdaSentence", record); }
-    void notifyParsePubxSentence(const PUBX* record) override { mTell("notifyParsePubxSentence", record); }
+    void notifyParseNmeaSentence(const PARSE_NMEA* record) override { mSink("notifyParseNmeaSentence", record); }
+    void notifyParseGgaSentence(const GPGGA* record) override { mSink("notifyParseGgaSentence", record); }
+    void notifyParseGllSentence(const GPGLL* record) override { mSink("notifyParseGllSentence", record); }
+    void notifyParseGsaSentence(const GPGSA* record) override { mSink("notifyParseGsaSentence", record); }
+    void notifyParseGsvSentence(const GPGSV* record) override { mSink("notifyParseGsvSentence", record); }
+    void notifyParseRmcSentence(const GPRMC* record) override { mSink("notifyParseRmcSentence", record); }
+    void notifyParseVtgSentence(const GPVTG* record) override { mSink("notifyParseVtgSentence", record); }
+    void notifyParseZdaSentence(const GPZDA* record) override { mSink("notifyParseZdaSentence", record); }
+    void notifyParsePubxSentence(const PUBX* record) override { mSink("notifyParsePubxSentence", record); }
 
-    void notifyGpsConnectionStatus(GpsConnectionStatus status) override { mTell("notifyGpsConnectionStatus", status); }
+    void notifyGpsConnectionStatus(GpsConnectionStatus status) override { mSink("notifyGpsConnectionStatus", status); }
 
     void notifyReceiveGpsProductionData(const PRODUCTION_DATA* record) override {
-        mTell("notifyReceiveGpsProductionData", record);
+        mSink("notifyReceiveGpsProductionData", record);
     }
     void notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA* record) override {
-        mTell("notifyReceiveGpsProductionCheckData", record);
+        mSink("notifyReceiveGpsProductionCheckData", record);
     }
 
 private:
-    Sink mTell;
+    Sink mSink;
 };
 
 }  // namespace decode

@@ -1,5 +1,6 @@
 #include "tools/gps-decode/Options.h"
 
+#include <cstdio>
 #include <map>
 
 #include "tools/common/CommandLine.h"
@@ -9,39 +10,95 @@ namespace decode {
 namespace {
 
 constexpr char kDescription[] =
-    "Tells what the listeners of the GPS service would be told for a captured byte stream: one of raw sentences, one\n"
-    "of parsed sentences, one of the antenna status and one of production results. Standard output gets one JSON\n"
-    "object a line for every notification, in order. Nothing that processes share is touched.";
+    "Decodes the byte stream that a receiver sent, by the rules of the GPS service, and writes what its listeners\n"
+    "would get: one of raw sentences, one of parsed sentences, one of the antenna status and one of production\n"
+    "results. Standard output is one JSON object a line for each notification, in order; other options write a track,\n"
+    "a table or a page instead. Nothing that processes share is touched.";
 
 constexpr char kFooter[] =
+    "TIME is UTC, such as 2026-11-16T01:02:03 or, on any day, 01:02:03. EVENT is raw, epoch, gga, gll, gsa, gsv, rmc,\n"
+    "vtg, zda, pubx, antenna, production, check or the name of a notification.\n"
+    "\n"
     "In the JSON, \"event\" is the notification's name; the record's fields follow under their own names. Bytes of a\n"
     "sentence below 0x20 or above 0x7E are \\u00XX. Integer fields have no point; doubles always have a point or an\n"
     "exponent and read back exactly, and a number that is not finite is null.\n"
     "\n"
-    "The last line on standard error counts\n"
+    "The last line on standard error counts, for the whole stream,\n"
     "  chunks         NMEA sentences (\"$\" to line feed) and UBX frames with a good checksum found in the stream;\n"
-    "  delivered      chunks of which at least one of the four listeners was told something, also where --raw or\n"
-    "                 --gpx does not show it;\n"
-    "  refused        all other chunks: those that nobody listens for and those that may not be or cannot be\n"
-    "                 delivered;\n"
+    "  delivered      chunks for which at least one of the four listeners was notified, whether or not it is written;\n"
+    "  refused        all other chunks;\n"
     "  bytes dropped  bytes of the stream that belong to no chunk, an unfinished chunk at its end included.\n"
+    "A line before it, if there are any, counts the chunks that gave no record and no antenna status, by reason:\n"
+    "  checksum  the checksum of a sentence is missing or wrong;\n"
+    "  length    a sentence is longer than 128 characters;\n"
+    "  line end  a sentence ends in LF alone;\n"
+    "  field     a field of a sentence is missing or out of range;\n"
+    "  datum     listeners of the wanted datum are not served;\n"
+    "  kind      there is no record for a sentence of this kind;\n"
+    "  text      a text of the receiver other than the antenna status;\n"
+    "  frame     a UBX frame that is no production result.\n"
+    "The raw-sentence listener gets sentences of the first four and of unknown kind all the same.\n"
     "\n"
-    "A track has one point for each time with an RMC or GGA fix, the elevation from GGA and the date from RMC. It is\n"
-    "interrupted where the fix is lost. Input of known size over 1 MB has a progress line on standard error if that\n"
-    "is a terminal and standard output is not.\n"
+    "A track has one point for each time with an RMC or GGA fix, the elevation from GGA and the date from RMC or ZDA.\n"
+    "A new segment begins where the fix was lost, the receiver started, time went back or more than --gap seconds\n"
+    "passed. Input of known size over 1 MB has a progress line on standard error if that is a terminal and standard\n"
+    "output is not.\n"
     "\n"
-    "Ctrl-C ends the input: what has been read is written and counted. The exit status is then 130; 0 at the end of\n"
-    "the input and when the reader of the output has had enough; 1 when something cannot be read or written; 2 for\n"
-    "bad use.";
+    "SIGINT (Ctrl-C), SIGTERM and SIGHUP end the input: what has been read is written and counted. The exit status is\n"
+    "then 128 plus the signal's number; 0 at the end of the input and when the reader of the output has gone; 1 when\n"
+    "something cannot be read or written; 2 for bad use.";
 
 const std::map<std::string, GeodeticSystem> kDatums{{"wgs84", GEODETIC_SYSTEM_WGS84}, {"tokyo", GEODETIC_SYSTEM_TOKYO}};
+
+constexpr struct {
+    std::string_view option;
+    std::string_view name;
+} kEvents[] = {{"raw", "notifyReceiveNmeaSentence"},
+               {"epoch", "notifyParseNmeaSentence"},
+               {"gga", "notifyParseGgaSentence"},
+               {"gll", "notifyParseGllSentence"},
+               {"gsa", "notifyParseGsaSentence"},
+               {"gsv", "notifyParseGsvSentence"},
+               {"rmc", "notifyParseRmcSentence"},
+               {"vtg", "notifyParseVtgSentence"},
+               {"zda", "notifyParseZdaSentence"},
+               {"pubx", "notifyParsePubxSentence"},
+               {"antenna", "notifyGpsConnectionStatus"},
+               {"production", "notifyReceiveGpsProductionData"},
+               {"check", "notifyReceiveGpsProductionCheckData"}};
 
 /** Option values as typed; parseOptions turns them into what they mean. */
 struct Typed {
     std::string base = "wgs84";
     std::string wanted = "wgs84";
+    std::string from;
+    std::string to;
     bool isUnfinished = false;
+    unsigned gap = 10;
 };
+
+/** Options of which only one can be given: each chooses a form of output. */
+void addForms(CLI::App& app, Options& options) {
+    using Form = Options::Form;
+    const auto add = [&](const char* name, Form form, const char* help) {
+        return app
+            .add_flag_callback(
+                name, [&options, form] { options.form = form; }, help)
+            ->option_text(" ");
+    };
+    CLI::Option* const all[] = {
+        add("--raw", Form::Raw, "Write the very bytes that the raw-sentence listener gets"),
+        add("--gpx", Form::Gpx, "Write the positions as a GPX track"),
+        add("--csv", Form::Csv, "Write the positions as comma-separated values"),
+        app.add_option("--event", options.setup.selection.names, "Write only these notifications (repeatable)")
+            ->option_text("EVENT")
+            ->allow_extra_args(false)};
+    for (CLI::Option* const one : all) {
+        for (CLI::Option* const other : all) {
+            if (one != other) one->excludes(other);
+        }
+    }
+}
 
 void addOptions(CLI::App& app, Options& options, Typed& typed) {
     app.add_option("FILE", options.file, "The captured stream; standard input without it or with -")->option_text(" ");
@@ -52,10 +109,43 @@ void addOptions(CLI::App& app, Options& options, Typed& typed) {
         ->option_text("DATUM")
         ->check(CLI::IsMember(kDatums));
     app.add_flag("--unfinished", typed.isUnfinished, "The receiver has not finished changing its datum");
-    auto* raw =
-        app.add_flag("--raw", options.isRaw, "Write the very bytes that the raw-sentence listener gets instead");
-    app.add_flag("--gpx", options.isGpx, "Write the positions as a GPX track instead")->excludes(raw);
-    app.add_flag("--verbose", options.isVerbose, "Show the library's messages on standard error");
+    app.add_flag("--lf", options.setup.readsLfAsCrLf, "Read LF at the end of a sentence as CR LF");
+    addForms(app, options);
+    app.add_option("--from", typed.from, "Write nothing from before this time")->option_text("TIME");
+    app.add_option("--to", typed.to, "Write nothing from after this time")->option_text("TIME");
+    app.add_option("--gap", typed.gap, "Time without a fix that begins a new track segment (default 10)")
+        ->option_text("SECONDS");
+    app.add_flag("--verbose", options.setup.isVerbose, "Show the library's messages on standard error");
+}
+
+/** The notification that the user means. */
+std::string eventOf(const std::string& typed) {
+    std::string known;
+    for (const auto& event : kEvents) {
+        if (typed == event.option || typed == event.name) return std::string(event.name);
+        ((known += known.empty() ? "" : ", ") += event.option);
+    }
+    throw tool::BadUse("--event: " + typed + " is none of " + known);
+}
+
+std::optional<UtcTime> timeOf(const char* option, const std::string& typed) {
+    using namespace std::chrono;
+    if (typed.empty()) return std::nullopt;
+    int y = 1970;
+    unsigned month = 1, day = 1, hour = 0, minute = 0;
+    double second = 0;
+    const bool hasDate = std::sscanf(typed.c_str(), "%4d-%2u-%2uT", &y, &month, &day) == 3;
+    const std::size_t timeAt = hasDate ? typed.find('T') + 1 : 0;
+    int end = 0;
+    std::sscanf(typed.c_str() + timeAt, "%2u:%2u:%lf%n", &hour, &minute, &second, &end);
+    const std::string_view rest = std::string_view(typed).substr(timeAt + static_cast<std::size_t>(end));
+    const auto date = year(y) / static_cast<int>(month) / static_cast<int>(day);
+    if (end == 0 || !(rest.empty() || rest == "Z") || !date.ok() || hour > 23 || minute > 59 || !(second < 60)) {
+        throw tool::BadUse(std::string(option) + ": " + typed + " is no time such as 2026-11-16T01:02:03 or 01:02:03");
+    }
+    return UtcTime{
+        sys_days(date).time_since_epoch() + hours(hour) + minutes(minute) + milliseconds(std::llround(second * 1000)),
+        hasDate};
 }
 
 }  // namespace
@@ -67,8 +157,15 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     app.footer(kFooter);
     addOptions(app, options, typed);
     if (const auto status = tool::parseCommandLine(app, argc, argv)) return *status;
-    options.setup = {kDatums.at(typed.base), kDatums.at(typed.wanted), !typed.isUnfinished};
-    if (options.isGpx && options.setup.wanted != GEODETIC_SYSTEM_WGS84) {
+    options.setup.base = kDatums.at(typed.base);
+    options.setup.wanted = kDatums.at(typed.wanted);
+    options.setup.settingFinished = !typed.isUnfinished;
+    for (std::string& name : options.setup.selection.names)
+        name = eventOf(name);
+    options.setup.selection.from = timeOf("--from", typed.from);
+    options.setup.selection.to = timeOf("--to", typed.to);
+    options.gap = std::chrono::seconds(typed.gap);
+    if (options.form == Options::Form::Gpx && options.setup.wanted != GEODETIC_SYSTEM_WGS84) {
         throw tool::BadUse("--gpx excludes --want tokyo: a track is in WGS84");
     }
     return options;

@@ -1,6 +1,7 @@
 #ifndef GPS_DECODE_OPTIONS_H
 #define GPS_DECODE_OPTIONS_H
 
+#include <chrono>
 #include <string>
 #include <variant>
 
@@ -10,14 +11,13 @@ namespace decode {
 
 struct Options {
     Setup setup;
-    std::string file;  ///< empty or "-" for standard input
-    bool isRaw = false;
-    bool isGpx = false;
-    bool isVerbose = false;
+    std::string file = "-";  ///< standard input
+    enum class Form { Json, Raw, Gpx, Csv } form = Form::Json;
+    std::string output = "-";      ///< standard output
+    std::chrono::seconds gap{10};  ///< that begins a new track segment
 };
 
-/** The options, or the exit status of a program that has said all there is to say (help, version). Throws tool::BadUse.
- */
+/** The options, or the exit status of a program that is done (help, version). Throws tool::BadUse. */
 std::variant<Options, int> parseOptions(int argc, char** argv);
 
 }  // namespace decode

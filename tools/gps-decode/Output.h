@@ -1,15 +1,30 @@
 #ifndef GPS_DECODE_OUTPUT_H
 #define GPS_DECODE_OUTPUT_H
 
+#include <string>
 #include <string_view>
 
 namespace decode {
 
-/** The reader of standard output has gone: nobody wants the rest. */
+/** The reader of standard output has gone: the rest is of no use. */
 struct ReaderGone {};
 
-/** Writes all of it to standard output. Throws ReaderGone, or std::system_error for any other failure. */
-void writeOutput(std::string_view text);
+/** Standard output or a file, written from front to end. Errors are thrown as std::system_error that names it. */
+class Output {
+public:
+    /** Opens the file, which loses its contents. @param path "-" for standard output */
+    explicit Output(const std::string& path);
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+
+    /** Writes all of it. Throws ReaderGone, or std::system_error for any other failure. */
+    void write(std::string_view text);
+
+private:
+    std::string mName;
+    int mFd;
+};
 
 }  // namespace decode
 

@@ -48,14 +48,15 @@ TEST(Stream, TouchesNothingShared) {
     const std::string before = runShell("ls /dev/shm").out;
     const std::string stream = kText + sentence("GPGGA,010203,3539.0,N,13944.0,E,1,2,0.9,5.5,M,4.5,M,,") +
                                ubxFrame(0x0A, 0x20, std::string(52, '\0')) + ubxFrame(0x05, 0x01, "\x06\x01");
-    for (const char* const form : {"--verbose", "--raw", "--gpx"}) {
-        EXPECT_EQ(decode(std::string("--base tokyo ") + form, stream).err, counts(4, 3, 1, 0));
+    for (const char* const form : {"--verbose", "--raw", "--gpx", "--csv"}) {
+        const std::string reasons = "gps-decode: without a record: 1 frame\n";
+        EXPECT_EQ(decode(std::string("--base tokyo ") + form, stream).err, reasons + counts(4, 3, 1, 0));
     }
     EXPECT_EQ(runShell("ls /dev/shm").out, before);
 }
 
 TEST(Stream, IsDecodedAsItComesUntilASignalEndsIt) {
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         Child program({GPS_DECODE});
         program.send(kText);
         EXPECT_EQ(program.until("\n"), kTextLine);

@@ -28,7 +28,7 @@ TEST_P(Session, isRight) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Session,
-                         testing::Values("gps-decode", "gps-decode-events", "gps-decode-gpx", "gps-monitor",
+                         testing::Values("gps-decode", "gps-decode-events", "gps-decode-tracks", "gps-monitor",
                                          "receiver-sim"),
                          [](const auto& file) {
                              std::string name = file.param;

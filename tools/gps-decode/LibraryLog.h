@@ -1,0 +1,31 @@
+#ifndef GPS_DECODE_LIBRARY_LOG_H
+#define GPS_DECODE_LIBRARY_LOG_H
+
+#include <string>
+
+namespace decode {
+
+/** The library's messages while this object exists: the parsers' ones name the field for which they refused a sentence.
+ *  One object at a time. */
+class LibraryLog {
+public:
+    /** @param isShown on standard error, too */
+    explicit LibraryLog(bool isShown);
+    ~LibraryLog();
+    LibraryLog(const LibraryLog&) = delete;
+    LibraryLog& operator=(const LibraryLog&) = delete;
+
+    /** The last field that a parser missed, such as "RMC Lat"; empty for none since `clear`. */
+    const std::string& missingField() const { return mMissingField; }
+    void clear() { mMissingField.clear(); }
+
+private:
+    static void receive(void* log, const char* file, const char* function, int line, int tag, const char* text);
+
+    const bool mIsShown;
+    std::string mMissingField;
+};
+
+}  // namespace decode
+
+#endif

@@ -1,0 +1,35 @@
+#ifndef GPS_DECODE_MARKUP_H
+#define GPS_DECODE_MARKUP_H
+
+#include <string>
+#include <string_view>
+
+namespace decode {
+
+/** A text as XML and HTML want it; bytes that no XML may contain become "?". */
+inline std::string escaped(std::string_view text) {
+    std::string markup;
+    for (const char byte : text) {
+        switch (byte) {
+            case '&':
+                markup += "&amp;";
+                break;
+            case '<':
+                markup += "&lt;";
+                break;
+            case '>':
+                markup += "&gt;";
+                break;
+            case '"':
+                markup += "&quot;";
+                break;
+            default:
+                markup += static_cast<unsigned char>(byte) < 0x20 ? '?' : byte;
+        }
+    }
+    return markup;
+}
+
+}  // namespace decode
+
+#endif

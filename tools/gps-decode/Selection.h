@@ -1,0 +1,43 @@
+#ifndef GPS_DECODE_SELECTION_H
+#define GPS_DECODE_SELECTION_H
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/gps-decode/UtcClock.h"
+
+namespace decode {
+
+/** Which events are written. Times without a date are times of any day; a range of them may pass midnight. */
+struct Selection {
+    std::vector<std::string> names;  ///< empty for all
+    std::optional<UtcTime> from;
+    std::optional<UtcTime> to;
+
+    bool includesName(std::string_view name) const {
+        return names.empty() || std::find(names.begin(), names.end(), name) != names.end();
+    }
+
+    /** Both ends belong to the range. Without a time nothing is in a range. */
+    bool includesTime(const std::optional<UtcTime>& time) const {
+        if (!from && !to) return true;
+        if (!time) return false;
+        const bool isAfter = !from || isInOrder(*from, *time, *from);
+        const bool isBefore = !to || isInOrder(*time, *to, *to);
+        const bool isOverMidnight = from && to && !from->hasDate && !to->hasDate && *from > *to;
+        return isOverMidnight ? isAfter || isBefore : isAfter && isBefore;
+    }
+
+private:
+    /** @param limit one of them, as the user gave it */
+    static bool isInOrder(const UtcTime& earlier, const UtcTime& later, const UtcTime& limit) {
+        if (!limit.hasDate) return earlier.ofDay() <= later.ofDay();
+        return earlier.hasDate && later.hasDate && earlier.since <= later.since;
+    }
+};
+
+}  // namespace decode
+
+#endif

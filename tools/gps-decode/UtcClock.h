@@ -1,0 +1,44 @@
+#ifndef GPS_DECODE_UTC_CLOCK_H
+#define GPS_DECODE_UTC_CLOCK_H
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace decode {
+
+/** A receiver's UTC. */
+struct UtcTime {
+    std::chrono::milliseconds since{};  ///< 1970-01-01; without a date, midnight of the first day of the log
+    bool hasDate = false;
+
+    auto operator<=>(const UtcTime&) const = default;
+    std::chrono::milliseconds ofDay() const { return since - std::chrono::floor<std::chrono::days>(since); }
+};
+
+/** "2026-11-16T01:02:03Z"; "01:02:03Z" without a date. Milliseconds only where they are not 0. */
+std::string isoText(const UtcTime& time);
+
+/** The fields of a sentence, of which the address is number 0; empty where there is none. */
+std::string_view fieldOf(std::string_view sentence, unsigned number);
+
+/**
+ * The time that the sentences of a stream report. A date holds for the sentences after it that have a time only; a
+ * time of day that falls by more than twelve hours has passed midnight.
+ */
+class UtcClock {
+public:
+    /** @param sentence whose checksum is right
+     *  @return whether it has a time; one without changes nothing */
+    bool read(std::string_view sentence);
+    /** The last time read. */
+    const std::optional<UtcTime>& now() const { return mNow; }
+
+private:
+    std::optional<UtcTime> mNow;
+};
+
+}  // namespace decode
+
+#endif
