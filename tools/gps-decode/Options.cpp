@@ -90,6 +90,14 @@ void addForms(CLI::App& app, Options& options) {
         add("--raw", Form::Raw, "Write the very bytes that the raw-sentence listener gets"),
         add("--gpx", Form::Gpx, "Write the positions as a GPX track"),
         add("--csv", Form::Csv, "Write the positions as comma-separated values"),
+        app.add_option_function<std::string>(
+               "--report",
+               [&options](const std::string& file) {
+                   options.form = Form::Report;
+                   options.output = file;
+               },
+               "Write an HTML page with charts of the log to FILE (- for standard output)")
+            ->option_text("FILE"),
         app.add_option("--event", options.setup.selection.names, "Write only these notifications (repeatable)")
             ->option_text("EVENT")
             ->allow_extra_args(false)};

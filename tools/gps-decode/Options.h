@@ -12,7 +12,7 @@ namespace decode {
 struct Options {
     Setup setup;
     std::string file = "-";  ///< standard input
-    enum class Form { Json, Raw, Gpx, Csv } form = Form::Json;
+    enum class Form { Json, Raw, Gpx, Csv, Report } form = Form::Json;
     std::string output = "-";      ///< standard output
     std::chrono::seconds gap{10};  ///< that begins a new track segment
 };

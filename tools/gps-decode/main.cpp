@@ -17,6 +17,7 @@
 #include "tools/gps-decode/Output.h"
 #include "tools/gps-decode/Progress.h"
 #include "tools/gps-decode/RawSentences.h"
+#include "tools/gps-decode/report/Report.h"
 
 namespace {
 
@@ -39,6 +40,8 @@ std::unique_ptr<decode::Format> formatOf(const Options& options, const std::stri
             return std::make_unique<decode::GpxTrack>(name, options.gap);
         case Options::Form::Csv:
             return std::make_unique<decode::CsvTable>(options.gap);
+        case Options::Form::Report:
+            return std::make_unique<decode::Report>(name, options.gap);
         case Options::Form::Json:
             break;
     }

@@ -10,6 +10,8 @@ namespace {
 
 using testing::AllOf;
 using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 struct Decoded {
@@ -69,6 +71,22 @@ TEST(Program, EndsQuietlyWhenItsReaderIsGone) {
     const Decoded decoded = decode("> >(:)", kManyTexts);
     EXPECT_EQ(decoded.status, 0);
     EXPECT_EQ(decoded.err, "");
+}
+
+TEST(Report, OfALongLogIsSmallAndKeepsItsPeak) {
+    std::string log;
+    for (int second = 0; second < 80000; ++second) {
+        char body[100];
+        std::snprintf(body, sizeof(body), "GPRMC,%02d%02d%02d,A,35%02d.%05d,N,139%02d.%05d,E,%d,90,161126,,,A",
+                      second / 3600, second / 60 % 60, second % 60, second * 7 % 60, second * 31 % 100000,
+                      second * 11 % 60, second * 17 % 100000, second == 54321 ? 100 : 1);
+        log += sentence(body);
+    }
+    const Decoded decoded = decode("--report -", log);
+    EXPECT_EQ(decoded.err, counts(80000, 80000, 0, 0));
+    EXPECT_THAT(decoded.out, AllOf(StartsWith("<!DOCTYPE html>"), EndsWith("</html>\n"), Not(HasSubstr("<script")),
+                                   Not(HasSubstr("http")), HasSubstr("<dd>1.9 to 185.2</dd>")));
+    EXPECT_LT(decoded.out.size(), 1000000U);
 }
 
 TEST(Progress, IsShownOnATerminalForALongFileAndErased) {
