@@ -61,8 +61,11 @@ set(same_version "libqvgps1 (= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libqvgps1)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
 configure_file(cmake/debian/shlibs.in ${PROJECT_BINARY_DIR}/shlibs @ONLY)
+# CPack writes a postinst and a postrm that call ldconfig unless they are listed here. Neither exists, so that the package
+# has none: the trigger updates the loader's cache.
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
-  ${PROJECT_BINARY_DIR}/shlibs ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+  ${PROJECT_BINARY_DIR}/shlibs ${PROJECT_SOURCE_DIR}/cmake/debian/triggers
+  ${PROJECT_BINARY_DIR}/postinst ${PROJECT_BINARY_DIR}/postrm)
 set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "GPS service library of an in-vehicle unit\n\
 Receives from a u-blox 7c, delivers raw sentences and parsed records to its\n\
 listeners, converts between the Tokyo datum and WGS84, and shares the latest\n\

@@ -97,6 +97,18 @@ struct GPS_LOCATION_DATA_SHARE {
     LOCATION_DATA Data;
 };
 
+static_assert(offsetof(GPS_SYNC_RMC_DATA, Lat) == 16 && offsetof(GPS_SYNC_RMC_DATA, Mode) == 64 &&
+                  sizeof(GPS_SYNC_RMC_DATA) == 72,
+              "GPS_SYNC_RMC_DATA layout");
+static_assert(offsetof(GPS_SYNC_GGA_DATA, Quality) == 24 && offsetof(GPS_SYNC_GGA_DATA, DGPS_ID) == 60 &&
+                  sizeof(GPS_SYNC_GGA_DATA) == 64,
+              "GPS_SYNC_GGA_DATA layout");
+static_assert(offsetof(GPS_SYNC_PASCD_DATA, Head2) == 8 && offsetof(GPS_SYNC_PASCD_DATA, ValueB) == 424 &&
+                  sizeof(GPS_SYNC_PASCD_DATA) == 824,
+              "GPS_SYNC_PASCD_DATA layout");
+static_assert(offsetof(GPS_LOCATION_SYNC_DATA, Gga) == 72 && offsetof(GPS_LOCATION_SYNC_DATA, Pascd) == 136 &&
+                  sizeof(GPS_LOCATION_SYNC_DATA) == 960,
+              "GPS_LOCATION_SYNC_DATA layout");
 static_assert(offsetof(GPGGA, Hour) == 4 && offsetof(GPGGA, MilliSecond) == 10, "GPGGA layout");
 static_assert(offsetof(GPGGA, Lat) == 16 && offsetof(GPGGA, LatDeg) == 24 && offsetof(GPGGA, LatMin) == 32,
               "GPGGA layout");

@@ -1,6 +1,8 @@
 #ifndef GPS_GPS_NMEA_RECORDS_H
 #define GPS_GPS_NMEA_RECORDS_H
 
+#include <cstddef>
+
 /**
  * @file
  * Records of the parsed NMEA 0183 sentences.
@@ -186,5 +188,17 @@ struct PARSE_NMEA {
     GPRMC Rmc;
     GPVTG Vtg;
 };
+
+static_assert(offsetof(GPGLL, Hour) == 56 && offsetof(GPGLL, Mode) == 68 && sizeof(GPGLL) == 72, "GPGLL layout");
+static_assert(offsetof(GPGSA, SatUsed) == 16 && offsetof(GPGSA, VDOP) == 48 && sizeof(GPGSA) == 56, "GPGSA layout");
+static_assert(offsetof(GPGSV, SatView) == 12 && offsetof(GPGSV, Sat) == 16 && sizeof(GPGSV) == 1040, "GPGSV layout");
+static_assert(offsetof(GPGSV_SATELLITE, SNR) == 3 && offsetof(GPGSV_SATELLITE, Azimuth) == 4 &&
+                  sizeof(GPGSV_SATELLITE) == 8,
+              "GPGSV_SATELLITE layout");
+static_assert(offsetof(GPVTG, Dir) == 8 && offsetof(GPVTG, Mode) == 40 && sizeof(GPVTG) == 48, "GPVTG layout");
+static_assert(offsetof(GPZDA, Year) == 12 && offsetof(GPZDA, LocalMinute) == 20 && sizeof(GPZDA) == 24, "GPZDA layout");
+static_assert(offsetof(PUBX, AltRef) == 64 && offsetof(PUBX, DR_MODE) == 156 && sizeof(PUBX) == 160, "PUBX layout");
+static_assert(offsetof(PARSE_NMEA, Gsv) == 232 && offsetof(PARSE_NMEA, Vtg) == 1376 && sizeof(PARSE_NMEA) == 1424,
+              "PARSE_NMEA layout");
 
 #endif

@@ -1,6 +1,8 @@
 #ifndef GPS_GPS_PRODUCTION_RECORDS_H
 #define GPS_GPS_PRODUCTION_RECORDS_H
 
+#include <cstddef>
+
 /**
  * @file
  * Records of the factory check. Fields are named after their place in the receiver's message (`ptValue20` comes from
@@ -34,5 +36,12 @@ struct GPS_PRODUCTION_CHECK_DATA {
     unsigned int pt2Entry25;
     unsigned int pt2Entry22;
 };
+
+static_assert(offsetof(PRODUCTION_DATA, ptValue39) == 28 && offsetof(PRODUCTION_DATA, ptValue32) == 32 &&
+                  sizeof(PRODUCTION_DATA) == 40,
+              "PRODUCTION_DATA layout");
+static_assert(offsetof(GPS_PRODUCTION_CHECK_DATA, pt2FirstEntry0) == 16 &&
+                  offsetof(GPS_PRODUCTION_CHECK_DATA, pt2Entry22) == 36 && sizeof(GPS_PRODUCTION_CHECK_DATA) == 40,
+              "GPS_PRODUCTION_CHECK_DATA layout");
 
 #endif
