@@ -23,8 +23,8 @@ std::string footer() {
     for (const Key& key : kKeys)
         text += fmt::format("  {:<6}{}{}\n", key.name, key.description, key.asksFirst ? " *" : "");
     text += "\nSettings:\n";
-    for (const std::string_view name : kSettingNames) {
-        if (!name.starts_with("GPS_SETTING_UNASSIGNED")) text += fmt::format("  {}\n", name);
+    for (const auto& [name, description] : kSettings) {
+        if (!description.empty()) text += fmt::format("  {:<35} {}\n", name, description);
     }
     return text;
 }
@@ -52,9 +52,11 @@ Choice choice(const Names& names, const std::string& name) {
 void addOptions(CLI::App& app, Options& options, Texts& texts) {
     app.add_option("--device", options.device, "Receiver's serial device (default: GPSHAL_DEVICE of the environment)")
         ->type_name("PATH");
-    app.add_option("--baud", options.baud, "Speed of the device (default: GPSHAL_BAUD of the environment)")
+    app.add_option("--baud", options.baud, "9600, 38400 or 115200 (default: GPSHAL_BAUD of the environment)")
+        ->option_text("SPEED")
         ->check(CLI::IsMember({"9600", "38400", "115200"}));
     app.add_option("--datum", texts.datum, "Datum of the sentences: wgs84 (default) or tokyo")
+        ->option_text("DATUM")
         ->check(CLI::IsMember({"wgs84", "tokyo"}));
     app.add_option("--setting", texts.settings,
                    "Request this setting after the start, and wait for its answer; repeatable")
@@ -63,10 +65,14 @@ void addOptions(CLI::App& app, Options& options, Texts& texts) {
         ->check(checkSetting);
     app.add_option("--record", options.record, "Append the raw sentences to this file")->type_name("FILE");
     app.add_option("--coordinates", texts.coordinates, "Format of coordinates: minutes (default), degrees or dms")
+        ->option_text("FORMAT")
         ->check(memberOf(kCoordinateFormatNames));
     app.add_option("--units", texts.units, "Unit of speed: kmh (default), knots, mph or m/s")
+        ->option_text("UNIT")
         ->check(memberOf(kSpeedUnitNames));
-    app.add_option("--seconds", texts.seconds, "End after this many seconds")->check(CLI::Range(1, kLongestRun));
+    app.add_option("--seconds", texts.seconds, "End after this many seconds")
+        ->option_text("N")
+        ->check(CLI::Range(1, kLongestRun));
     app.add_flag("--set-location", options.setsLocation, "Publish a location once a second");
     app.add_flag("--plain", options.isPlain, "One line per notification instead of the screen");
 }

@@ -10,7 +10,7 @@ namespace monitor {
 
 enum class Health { good, unsure, bad };
 
-/** Whether the receiver is heard, in words. */
+/** Whether sentences are received, in words. */
 struct LinkStatus {
     Health health;
     std::string text;
@@ -20,7 +20,7 @@ struct LinkFacts {
     std::string device;                             ///< path of the receiver's device; empty when none is named
     std::string startMessage;                       ///< what was logged last while the library started
     Clock::time_point start;                        ///< when that was
-    std::optional<Clock::time_point> lastSentence;  ///< when the receiver was last heard
+    std::optional<Clock::time_point> lastSentence;  ///< when the last sentence came
 };
 
 LinkStatus linkStatus(const LinkFacts& facts, Clock::time_point now);

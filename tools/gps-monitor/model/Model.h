@@ -13,7 +13,7 @@ namespace monitor {
 /** The one MonitorState, shared by the threads that notify, those that request and the one that draws. */
 class Model {
 public:
-    /** Changes the state by `change(MonitorState&)`, which must not block, and tells those who wait. */
+    /** Changes the state by `change(MonitorState&)`, which must not block, and notifies those who wait. */
     template <class Change>
     void update(Change change) {
         {

@@ -8,12 +8,6 @@ constexpr char upper(char letter) {
     return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
 }
 
-template <std::size_t Size>
-std::string enumeratorName(const std::array<std::string_view, Size>& names, int value) {
-    const bool isNamed = value >= 0 && static_cast<std::size_t>(value) < Size;
-    return isNamed ? std::string(names[static_cast<std::size_t>(value)]) : std::to_string(value);
-}
-
 constexpr std::array<std::string_view, 3> kConnectionStatusNames{
     "GPS_CONNECTION_STATUS_OK",
     "GPS_CONNECTION_STATUS_OPEN",
@@ -22,62 +16,63 @@ constexpr std::array<std::string_view, 3> kConnectionStatusNames{
 
 }  // namespace
 
-const std::array<std::string_view, 36> kSettingNames{
-    "GPS_SETTING_PUBX00_ON",
-    "GPS_SETTING_ZDA_ON",
-    "GPS_SETTING_ZDA_OFF",
-    "GPS_SETTING_GLL_OFF",
-    "GPS_SETTING_VTG_OFF",
-    "GPS_SETTING_DATUM_TOKYO",
-    "GPS_SETTING_NAVX5_WEEK1603_AOP_OFF",
-    "GPS_SETTING_NAVX5_WEEK1756_AOP_OFF",
-    "GPS_SETTING_NAVX5_WEEK1603_AOP_ON",
-    "GPS_SETTING_NAVX5_WEEK1756_AOP_ON",
-    "GPS_SETTING_NAV5_PDOP10",
-    "GPS_SETTING_NAV5_PDOP15_PACC40",
-    "GPS_SETTING_NAV5_PDOP15_STATIC_HOLD",
-    "GPS_SETTING_GNSS_GPS_GLONASS",
-    "GPS_SETTING_NMEA_V23",
-    "GPS_SETTING_NMEA_V23_SHORT",
-    "GPS_SETTING_NMEA_V40",
-    "GPS_SETTING_ANTENNA_SUPERVISOR",
-    "GPS_SETTING_ANTENNA_SUPERVISOR_PINS",
-    "GPS_SETTING_CFG_41",
-    "GPS_SETTING_SBAS_MSAS",
-    "GPS_SETTING_SBAS_WAAS",
-    "GPS_SETTING_SBAS_EGNOS",
-    "GPS_SETTING_NAV5_AUTO_2D3D",
-    "GPS_SETTING_UNASSIGNED_24",
-    "GPS_SETTING_RATE_5HZ",
-    "GPS_SETTING_UNASSIGNED_26",
-    "GPS_SETTING_UNASSIGNED_27",
-    "GPS_SETTING_UNASSIGNED_28",
-    "GPS_SETTING_UNASSIGNED_29",
-    "GPS_SETTING_SAVE_CONFIG",
-    "GPS_SETTING_WARM_START",
-    "GPS_SETTING_BAUD_9600",
-    "GPS_SETTING_BAUD_38400",
-    "GPS_SETTING_BAUD_115200",
-    "GPS_SETTING_GNSS_GPS",
-};
-static_assert(GPS_SETTING_GNSS_GPS == kSettingNames.size() - 1 && GPS_SETTING_RATE_5HZ == 25,
-              "one name per enumerator");
+const std::array<Setting, 36> kSettings{{
+    {"GPS_SETTING_PUBX00_ON", "PUBX,00 once per fix on every port"},
+    {"GPS_SETTING_ZDA_ON", "ZDA once per fix on every port"},
+    {"GPS_SETTING_ZDA_OFF", "no ZDA on any port"},
+    {"GPS_SETTING_GLL_OFF", "no GLL on any port"},
+    {"GPS_SETTING_VTG_OFF", "no VTG on any port"},
+    {"GPS_SETTING_DATUM_TOKYO", "positions in the Tokyo datum"},
+    {"GPS_SETTING_NAVX5_WEEK1603_AOP_OFF", "navigation expert settings A, AssistNow Autonomous off"},
+    {"GPS_SETTING_NAVX5_WEEK1756_AOP_OFF", "navigation expert settings B, AssistNow Autonomous off"},
+    {"GPS_SETTING_NAVX5_WEEK1603_AOP_ON", "settings A with AssistNow Autonomous"},
+    {"GPS_SETTING_NAVX5_WEEK1756_AOP_ON", "settings B with AssistNow Autonomous"},
+    {"GPS_SETTING_NAV5_PDOP10", "automotive, 3D only, PDOP mask 10.0"},
+    {"GPS_SETTING_NAV5_PDOP15_PACC40", "automotive, 3D only, PDOP mask 15.0, position accuracy mask 40 m"},
+    {"GPS_SETTING_NAV5_PDOP15_STATIC_HOLD", "automotive, 3D only, PDOP mask 15.0, static hold 80 cm/s"},
+    {"GPS_SETTING_GNSS_GPS_GLONASS", "GPS, SBAS, QZSS and GLONASS"},
+    {"GPS_SETTING_NMEA_V23", "NMEA 2.3, 16 satellites per talker, extended numbering"},
+    {"GPS_SETTING_NMEA_V23_SHORT", "NMEA 2.3, 16 satellites, short form of the message"},
+    {"GPS_SETTING_NMEA_V40", "NMEA 4.0, no satellite limit, consider mode, extended numbering"},
+    {"GPS_SETTING_ANTENNA_SUPERVISOR", "antenna supervisor with short and open detection, pins kept"},
+    {"GPS_SETTING_ANTENNA_SUPERVISOR_PINS", "the same with the supervisor pins reconfigured"},
+    {"GPS_SETTING_CFG_41", "message class 0x06, id 0x41"},
+    {"GPS_SETTING_SBAS_MSAS", "SBAS corrections from PRN 129 and 137"},
+    {"GPS_SETTING_SBAS_WAAS", "SBAS corrections from PRN 122, 133, 134, 135 and 138"},
+    {"GPS_SETTING_SBAS_EGNOS", "SBAS corrections from PRN 120, 124, 126 and 131"},
+    {"GPS_SETTING_NAV5_AUTO_2D3D", "automotive, 2D or 3D, PDOP mask 25.0"},
+    {"GPS_SETTING_UNASSIGNED_24", ""},
+    {"GPS_SETTING_RATE_5HZ", "a measurement every 200 ms"},
+    {"GPS_SETTING_UNASSIGNED_26", ""},
+    {"GPS_SETTING_UNASSIGNED_27", ""},
+    {"GPS_SETTING_UNASSIGNED_28", ""},
+    {"GPS_SETTING_UNASSIGNED_29", ""},
+    {"GPS_SETTING_SAVE_CONFIG", "save the configuration"},
+    {"GPS_SETTING_WARM_START", "software reset of the GNSS part, warm start"},
+    {"GPS_SETTING_BAUD_9600", "both ends of the link to 9600 baud"},
+    {"GPS_SETTING_BAUD_38400", "both ends of the link to 38400 baud"},
+    {"GPS_SETTING_BAUD_115200", "both ends of the link to 115200 baud"},
+    {"GPS_SETTING_GNSS_GPS", "GPS, SBAS and QZSS"},
+}};
+static_assert(GPS_SETTING_GNSS_GPS == kSettings.size() - 1 && GPS_SETTING_RATE_5HZ == 25, "one entry per enumerator");
 
 std::string settingName(GpsSetting setting) {
-    return enumeratorName(kSettingNames, setting);
+    const auto index = static_cast<std::size_t>(setting);
+    return index < kSettings.size() ? std::string(kSettings[index].name) : std::to_string(setting);
 }
 
 std::string connectionStatusName(GpsConnectionStatus status) {
-    return enumeratorName(kConnectionStatusNames, status);
+    const auto index = static_cast<std::size_t>(status);
+    return index < kConnectionStatusNames.size() ? std::string(kConnectionStatusNames[index]) : std::to_string(status);
 }
 
 std::optional<GpsSetting> findSetting(std::string_view name) {
-    const auto found = std::find_if(kSettingNames.begin(), kSettingNames.end(), [name](std::string_view candidate) {
-        return std::equal(candidate.begin(), candidate.end(), name.begin(), name.end(),
+    const auto found = std::find_if(kSettings.begin(), kSettings.end(), [name](const Setting& candidate) {
+        return std::equal(candidate.name.begin(), candidate.name.end(), name.begin(), name.end(),
                           [](char a, char b) { return a == upper(b); });
     });
-    if (found == kSettingNames.end()) return std::nullopt;
-    return static_cast<GpsSetting>(found - kSettingNames.begin());
+    if (found == kSettings.end()) return std::nullopt;
+    return static_cast<GpsSetting>(found - kSettings.begin());
 }
 
 std::string_view datumName(GeodeticSystem datum) {

@@ -67,8 +67,13 @@ inline constexpr std::string_view kReset = "requestGpsReset";
 inline constexpr std::string_view kColdStart = "requestGpsColdStart";
 inline constexpr std::string_view kSetLocationData = "setLocationData";
 
+struct Setting {
+    std::string_view name;         ///< of the enumerator
+    std::string_view description;  ///< empty when no command belongs to it
+};
+
 /** The enumerators of GpsSetting, in order from 0. */
-extern const std::array<std::string_view, 36> kSettingNames;
+extern const std::array<Setting, 36> kSettings;
 
 /** The enumerator's name; the number of a value that has none. */
 std::string settingName(GpsSetting setting);

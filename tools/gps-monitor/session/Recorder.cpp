@@ -71,7 +71,11 @@ void Recorder::open() {
 
 void Recorder::close() {
     ::close(std::exchange(mFile, -1));
-    mModel.update([](MonitorState& state) { state.recording.reset(); });
+    mModel.update([](MonitorState& state) {
+        const auto& [path, sentences] = *state.recording;
+        addLog(state, fmt::format("recorded {} sentences to {}", sentences, path), std::time(nullptr));
+        state.recording.reset();
+    });
 }
 
 void Recorder::fail(const std::string& reason) {

@@ -20,11 +20,11 @@ public:
 
     Gps& gps() { return *mGps; }
 
-    /** What was logged last while the library started: why it goes without a receiver. Empty when nothing was. */
+    /** The last message logged while the library started: why there is no receiver. Empty when there was none. */
     const std::string& startMessage() const { return mStartMessage; }
 
 private:
-    /** Takes the debug log over while it lives. */
+    /** Receives the debug log as long as it exists. */
     class LogSink {
     public:
         LogSink(Model& model, PlainWriter* writer);

@@ -78,7 +78,8 @@ void drawLocation(Panel panel, const View& view) {
     const PASCD& pascd = location.Pascd;
     const auto count = view.state.counts[Notification("notifyLocationData").index()];
     panel.text(0, 0, fmt::format("{} received, newest {} ago", count, ageText(view.now - time)));
-    panel.text(0, 1, coordinates({location.Gga.Lat, location.Gga.Lon}, view.controls.coordinates), Style::strong);
+    panel.text(0, 1, coordinates({location.Gga.Lat, location.Gga.Lon}, view.controls.coordinates),
+               view.isStale(time) ? Style::faint : Style::strong);
     panel.text(0, 2,
                fmt::format("{:.1f} m  {}  {:.1f}°", location.Gga.Alt,
                            speedText(location.Rmc.Speed, view.controls.speed), location.Rmc.Dir));

@@ -91,10 +91,11 @@ Line dopLine(const View& view) {
 Line antennaLine(const View& view) {
     const MonitorState& state = view.state;
     if (!state.antenna) return {"Antenna"};
-    const auto heard = state.lastSentence;
-    if (*state.antenna == GPS_CONNECTION_STATUS_OK) return {"Antenna", "OK", Style::good, heard};
-    if (*state.antenna == GPS_CONNECTION_STATUS_OPEN) return {"Antenna", "open: not connected", Style::bad, heard};
-    return {"Antenna", "short circuit", Style::bad, heard};
+    const auto lastSentence = state.lastSentence;
+    if (*state.antenna == GPS_CONNECTION_STATUS_OK) return {"Antenna", "OK", Style::good, lastSentence};
+    if (*state.antenna == GPS_CONNECTION_STATUS_OPEN)
+        return {"Antenna", "open: not connected", Style::bad, lastSentence};
+    return {"Antenna", "short circuit", Style::bad, lastSentence};
 }
 
 Line accuracyLine(const View& view) {

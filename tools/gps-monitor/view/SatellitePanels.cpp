@@ -72,9 +72,10 @@ void drawSignals(Panel panel, const View& view, const std::vector<Satellite>& sa
     int x = 0;
     for (const Satellite& satellite : shown) {
         const Style style = signalStyle(view, satellite);
+        const bool isStrong = satellite.used && !view.isStale(satellite.time);
         drawBar(panel, x, barHeight, satellite, style);
         panel.text(x, barHeight, snrText(satellite), style);
-        panel.text(x, barHeight + 1, std::to_string(satellite.id), satellite.used ? Style::strong : Style::faint);
+        panel.text(x, barHeight + 1, std::to_string(satellite.id), isStrong ? Style::strong : Style::faint);
         x += kBarWidth;
     }
 }
