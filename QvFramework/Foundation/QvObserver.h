@@ -3,7 +3,7 @@
 
 #include "QvFramework/Foundation/QvSubject.h"
 
-/** Hands what a subject tells to a member function of its owner. */
+/** Passes the notifications of a subject to a member function of its owner. */
 template <class Owner>
 class QvObserver : public QvObserver_ {
 public:

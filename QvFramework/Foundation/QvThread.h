@@ -13,7 +13,6 @@
 #include "QvFramework/Foundation/QvDbgOutput.h"
 #include "QvFramework/Foundation/QvEvent.h"
 #include "QvFramework/Foundation/QvHelpers.h"
-#include "QvFramework/Foundation/QvSync.h"
 #include "QvFramework/Foundation/QvThreadMng.h"
 #include "QvFramework/Foundation/QvUncopyable.h"
 
@@ -25,30 +24,17 @@
 template <class Owner>
 class QvThread : private QvUncopyable {
 public:
-    explicit QvThread(Owner* owner)
-        : mpSelf(this),
-          mpOwner(owner),
-          mName{},
-          mHandle(NO_HANDLE),
-          mThreadId(-1),
-          mRegistrationValue(4000),
-          mpSync(new QvSync),
-          mpExitEvent(new QvEvent),
-          mWaitTimeout(0) {}
-
-    virtual ~QvThread() {
-        delete mpSync;
-        delete mpExitEvent;
-    }
+    explicit QvThread(Owner* owner) : mpOwner(owner) {}
+    virtual ~QvThread() = default;
 
     /** Creates the thread; it blocks all signals. False, with a message, when that fails or there is one already. */
     bool Start(const char* name);
 
-    /** Waits a little for the thread to have said who it is. */
+    /** Waits up to 50 ms for the thread to publish its id. */
     void SetPriority(int priority);
     int GetPriority() const;
 
-    /** Waits for the thread's end without a time limit; says so in the log when it takes longer than `timeoutMs`. */
+    /** Waits for the thread's end without a time limit; logs when it takes longer than `timeoutMs`. */
     bool WaitExit(unsigned int timeoutMs);
 
     static void* WrappedEntry(void* arg);
@@ -56,26 +42,24 @@ public:
     static void* WaitEventTimeoutThread(void* arg);
 
 private:
-    static constexpr pthread_t NO_HANDLE = static_cast<pthread_t>(-1);
-    static constexpr const char* SOURCE = "QvFramework/Foundation/QvThread";
-    static constexpr int TAG = 1;
+    static constexpr pthread_t kNoHandle = static_cast<pthread_t>(-1);
+    static constexpr const char* kSource = "QvFramework/Foundation/QvThread";
+    static constexpr int kTag = 1;
+    static constexpr unsigned int kRegistrationValue = 4000;  // for QvThreadMng
 
     int run();
     static void reportAssertion(int line);
     static int createThread(pthread_t* handle, void* (*routine)(void*), void* argument);
 
-    QvThread* mpSelf;
     Owner* mpOwner;
-    char mName[128];
-    std::atomic<pthread_t> mHandle;
-    std::atomic<int> mThreadId;
-    unsigned int mRegistrationValue;
-    QvSync* mpSync;
-    QvEvent* mpExitEvent;
-    unsigned int mWaitTimeout;
+    char mName[128] = {};
+    std::atomic<pthread_t> mHandle{kNoHandle};
+    std::atomic<int> mThreadId{-1};  // of the kernel
+    QvEvent mExitEvent;
+    unsigned int mWaitTimeout = 0;
 };
 
-/** The new thread takes over the signal mask of the one that creates it. */
+/** The new thread inherits the signal mask, so all signals are blocked meanwhile. */
 template <class Owner>
 int QvThread<Owner>::createThread(pthread_t* handle, void* (*routine)(void*), void* argument) {
     sigset_t all;
@@ -89,18 +73,18 @@ int QvThread<Owner>::createThread(pthread_t* handle, void* (*routine)(void*), vo
 
 template <class Owner>
 bool QvThread<Owner>::Start(const char* name) {
-    if (mHandle != NO_HANDLE || mpOwner == nullptr) {
-        QvDbgOutput::DbgPrint(SOURCE, "Start", __LINE__, TAG, "error [%s]\n", name);
+    if (mHandle != kNoHandle || mpOwner == nullptr) {
+        QvDbgOutput::DbgPrint(kSource, "Start", __LINE__, kTag, "error [%s]\n", name);
         return false;
     }
     qv_strcpy(mName, sizeof(mName), name);
-    pthread_t handle = NO_HANDLE;
-    if (createThread(&handle, &QvThread::WrappedEntry, &mpSelf) != 0) {
-        QvDbgOutput::DbgPrint(SOURCE, "Start", __LINE__, TAG, "QvThread::Start() failed !! [%s]\r\n", name);
+    pthread_t handle = kNoHandle;
+    if (createThread(&handle, &QvThread::WrappedEntry, this) != 0) {
+        QvDbgOutput::DbgPrint(kSource, "Start", __LINE__, kTag, "QvThread::Start() failed !! [%s]\r\n", name);
         return false;
     }
     mHandle = handle;
-    char shortName[16] = {};  // as much as the system takes
+    char shortName[16] = {};  // the system's limit
     qv_strncpy(shortName, sizeof(shortName), mName, sizeof(shortName) - 1);
     pthread_setname_np(handle, shortName);
     return true;
@@ -113,14 +97,14 @@ void QvThread<Owner>::SetPriority(int priority) {
     for (int i = 0; i < kTries && mThreadId == -1; ++i) {
         qv_msleep(kPauseMs);
     }
-    if (mThreadId == -1) QvDbgOutput::DbgPrint(SOURCE, "SetPriority", __LINE__, TAG, "invalid thread id\n");
+    if (mThreadId == -1) QvDbgOutput::DbgPrint(kSource, "SetPriority", __LINE__, kTag, "invalid thread id\n");
     QvThreadMng::GetInstance()->SetPriority(mHandle, priority, static_cast<unsigned int>(mThreadId));
 }
 
 template <class Owner>
 int QvThread<Owner>::GetPriority() const {
     if (mThreadId == -1) {
-        QvDbgOutput::DbgPrint(SOURCE, "GetPriority", __LINE__, TAG, "invalid thread id\n");
+        QvDbgOutput::DbgPrint(kSource, "GetPriority", __LINE__, kTag, "invalid thread id\n");
         return -1;
     }
     return QvThreadMng::GetInstance()->GetPriority(pthread_self(), static_cast<unsigned int>(mThreadId));
@@ -129,11 +113,11 @@ int QvThread<Owner>::GetPriority() const {
 template <class Owner>
 void* QvThread<Owner>::WrappedEntry(void* arg) {
     if (arg == nullptr) return nullptr;
-    QvThread* const self = *static_cast<QvThread**>(arg);
-    self->mHandle = pthread_self();  // the creator may not have come to it yet
+    auto* const self = static_cast<QvThread*>(arg);
+    self->mHandle = pthread_self();  // the creator may not have stored it yet
     self->mThreadId = static_cast<int>(syscall(SYS_gettid));
     QvThreadMng::GetInstance()->registerThreadInfo(pthread_self(), self->mName, self->GetPriority(),
-                                                   self->mRegistrationValue);
+                                                   kRegistrationValue);
     self->Entry();
     return nullptr;
 }
@@ -143,11 +127,11 @@ int QvThread<Owner>::Entry() {
     try {
         return run();
     } catch (const std::exception& exception) {
-        QvDbgOutput::DbgPrint(SOURCE, "Entry", __LINE__, TAG, "catch exception. thread name [%s], what [%s]\n", mName,
+        QvDbgOutput::DbgPrint(kSource, "Entry", __LINE__, kTag, "catch exception. thread name [%s], what [%s]\n", mName,
                               exception.what());
         reportAssertion(__LINE__);
     } catch (...) {
-        QvDbgOutput::DbgPrint(SOURCE, "Entry", __LINE__, TAG, "catch exception. thread name [%s]\n", mName);
+        QvDbgOutput::DbgPrint(kSource, "Entry", __LINE__, kTag, "catch exception. thread name [%s]\n", mName);
         reportAssertion(__LINE__);
     }
     return -1;
@@ -163,24 +147,24 @@ int QvThread<Owner>::run() {
 
 template <class Owner>
 bool QvThread<Owner>::WaitExit(unsigned int timeoutMs) {
-    if (mHandle == NO_HANDLE) return true;
+    if (mHandle == kNoHandle) return true;
     mWaitTimeout = timeoutMs;
-    mpExitEvent->ResetEvent();
-    pthread_t watchdog = NO_HANDLE;
+    mExitEvent.ResetEvent();
+    pthread_t watchdog = kNoHandle;
     const bool isWatched = createThread(&watchdog, &QvThread::WaitEventTimeoutThread, this) == 0;
     if (!isWatched) {
-        QvDbgOutput::DbgPrint(SOURCE, "WaitExit", __LINE__, TAG, "Error, pthread_create failed.\n");
+        QvDbgOutput::DbgPrint(kSource, "WaitExit", __LINE__, kTag, "Error, pthread_create failed.\n");
     }
     const int result = pthread_join(mHandle, nullptr);
     if (isWatched) {
-        mpExitEvent->SetEvent();
+        mExitEvent.SetEvent();
         pthread_join(watchdog, nullptr);
     }
     QvThreadMng::GetInstance()->unregisterThreadInfo(mHandle);
-    mHandle = NO_HANDLE;
+    mHandle = kNoHandle;
     mThreadId = -1;
     if (result != 0) {
-        QvDbgOutput::DbgPrint(SOURCE, "WaitExit", __LINE__, TAG, "pthread_join failed !! ret[%d] errno[%d : %s]\n",
+        QvDbgOutput::DbgPrint(kSource, "WaitExit", __LINE__, kTag, "pthread_join failed !! ret[%d] errno[%d : %s]\n",
                               result, qv_get_last_err(), qv_get_last_err_string());
     }
     return result == 0;
@@ -189,8 +173,8 @@ bool QvThread<Owner>::WaitExit(unsigned int timeoutMs) {
 template <class Owner>
 void* QvThread<Owner>::WaitEventTimeoutThread(void* arg) {
     auto* const self = static_cast<QvThread*>(arg);
-    if (self->mpExitEvent->WaitEvent(self->mWaitTimeout) != QvEvent::TIMED_OUT) return nullptr;
-    QvDbgOutput::DbgPrint(SOURCE, "WaitEventTimeoutThread", __LINE__, TAG,
+    if (self->mExitEvent.WaitEvent(self->mWaitTimeout) != QvEvent::TIMED_OUT) return nullptr;
+    QvDbgOutput::DbgPrint(kSource, "WaitEventTimeoutThread", __LINE__, kTag,
                           "Error, QvThread::WaitExit() timed out[%dms]. thread name[%s]\n",
                           static_cast<int>(self->mWaitTimeout), self->mName);
     reportAssertion(__LINE__);
@@ -199,7 +183,7 @@ void* QvThread<Owner>::WaitEventTimeoutThread(void* arg) {
 
 template <class Owner>
 void QvThread<Owner>::reportAssertion(int line) {
-    QvDbgOutput::DbgPrint("#########\n#########\nASSERT Failed! - %s(%d)\n#########\n#########\n", SOURCE, line);
+    QvDbgOutput::DbgPrint("#########\n#########\nASSERT Failed! - %s(%d)\n#########\n#########\n", kSource, line);
     QvCallStack::dumpDirectly(-1);
 }
 

@@ -51,7 +51,7 @@ extern "C" {
 void beginGuest(bool withLocations) {
     gGuest = new Guest(withLocations);
 }
-/** Returns when everything that follows has been told, but for locations. */
+/** Returns when all notifications that follow have come, except locations. */
 void promptGuest() {
     gGuest->causeEverything();
 }

@@ -14,13 +14,13 @@ namespace {
 struct DestroyFunctions {
     QvSync sync;
     std::vector<void (*)()> functions QV_GUARDED_BY(sync);
-    const DestroyFunctions* const parents;  // what the process had that this one was forked from
+    const DestroyFunctions* const parents;  // those of the process that this one was forked from; keeps them reachable
 
     explicit DestroyFunctions(const DestroyFunctions* ofParent) : parents(ofParent) {}
 
     static DestroyFunctions& instance() { return *current(); }
 
-    // Never destroyed: a singleton may be built, and must be ended, after this library's static destructors.
+    // Never destroyed: a singleton may be created and destroyed after this library's static destructors.
     static std::atomic<DestroyFunctions*>& current() {
         static auto& current = *new std::atomic<DestroyFunctions*>(makeFirst());
         return current;
@@ -31,8 +31,8 @@ struct DestroyFunctions {
         return new DestroyFunctions(nullptr);
     }
 
-    /** In a forked child, which has none of the threads that its parent's singletons would wait for at their end, and
-     *  may have the lock as another thread held it: it ends its own singletons only. */
+    /** In a forked child. It destroys its own singletons only: those of its parent would wait for threads that it does
+     *  not have, and another thread may have held the lock at the fork. */
     static void beginAnew() { current() = new DestroyFunctions(current()); }
 
     bool add(void (*function)()) {
@@ -54,7 +54,7 @@ struct DestroyFunctions {
 
 void QvSingletonFinalizer::addDestroyFunc(void (*function)()) {
     const bool isFirst = DestroyFunctions::instance().add(function);
-    // Also right for a singleton that is built while the process is exiting: a handler added then still runs.
+    // Works for a singleton that is created while the process is exiting, too: a handler added then still runs.
     if (isFirst) std::atexit(&QvSingletonFinalizer::finalize);
 }
 

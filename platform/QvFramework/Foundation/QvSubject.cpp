@@ -19,7 +19,7 @@ void QvSubject::RemoveObserver(QvObserver_* observer) {
     const auto found = std::find(mObservers.begin(), mObservers.end(), observer);
     if (found == mObservers.end()) return;
     const auto index = static_cast<std::size_t>(found - mObservers.begin());
-    if (index < mNext) --mNext;  // one that has been called leaves from inside the notification
+    if (index < mNext) --mNext;  // removed inside a notification, after it was called
     mObservers.erase(found);
 }
 

@@ -7,7 +7,7 @@
 #include "QvFramework/Foundation/QvSync.h"
 #include "QvFramework/Foundation/QvUncopyable.h"
 
-/** What a subject calls. */
+/** Interface of the observers of a QvSubject. */
 class QvObserver_ {
 public:
     virtual ~QvObserver_() = default;
@@ -15,11 +15,11 @@ public:
     virtual unsigned int Update(unsigned int eventCode, void* data, unsigned int length) = 0;
 };
 
-/** Tells any number of observers; never owns them. */
+/** Notifies any number of observers; never owns them. */
 class QvSubject : private QvUncopyable {
 public:
     void AddObserver(QvObserver_* observer);
-    /** After this has returned on another thread than the notifying one, the observer is not called again. */
+    /** When this has returned on a thread that is not notifying, the observer is not called again. */
     void RemoveObserver(QvObserver_* observer);
 
 protected:
@@ -33,7 +33,7 @@ private:
     QvObserver_* takeNext();
 
     QvSync mNotifySync;  // held while observers run, so that a removal waits for a call in progress
-    QvSync mListSync;    // held for single steps only: who attaches an observer waits for nobody
+    QvSync mListSync;    // held for single steps only, so that attaching does not wait for observers
     std::vector<QvObserver_*> mObservers QV_GUARDED_BY(mListSync);
     std::size_t mNext QV_GUARDED_BY(mListSync) = 0;  // the observer to be called next
 };

@@ -7,16 +7,15 @@
 #include "QvFramework/Foundation/QvUncopyable.h"
 
 /**
- * Lock between the threads of one process; its holder may take it again and gives it back as often.
+ * Recursive lock between the threads of one process.
  *
- * A static one is usable from the start of the program on, before any other static object is constructed, until the
- * process is gone: construction takes no code, and there is no destructor.
+ * A static one is usable before any other static object is constructed and until the process ends: its construction
+ * runs no code, and it has no destructor.
  */
 class QV_CAPABILITY QvSync : private QvUncopyable {
 public:
     constexpr QvSync() : mMutex(PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP) {}
 
-    /** Waits without a time limit. */
     void lock() const QV_ACQUIRE();
     void unlock() const QV_RELEASE();
 

@@ -7,16 +7,16 @@
 #include "QvFramework/Foundation/QvUncopyable.h"
 
 /**
- * The process's registry of named threads, and the way to their priorities.
+ * The process's registry of named threads; sets and reads their priorities.
  *
  * Priorities run from 0 (lowest) over 128 (the system's default) to 255; they are mapped to the nice value of the
- * thread. Raising a priority needs rights that a process may lack: then the thread keeps the one it has.
+ * thread. Without the right to raise a priority, the thread keeps the one it has.
  */
 class QvThreadMng : private QvUncopyable {
 public:
     static QvThreadMng* GetInstance();
 
-    /** @param threadId kernel thread id; nothing is done for -1 */
+    /** @param threadId kernel thread id; -1 changes nothing */
     void SetPriority(unsigned long handle, int priority, unsigned int threadId);
     /** The priority in force, or -1 when there is no such thread. */
     int GetPriority(unsigned long handle, unsigned int threadId);

@@ -7,10 +7,7 @@ template class QvSingleton<Gps>;
 
 Gps::Gps() : mpGpsController(new GpsController) {}
 
-Gps::~Gps() {
-    delete mpGpsController;
-    mpGpsController = nullptr;
-}
+Gps::~Gps() = default;
 
 bool Gps::registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem) {
     return mpGpsController->registerGpsNmeaListener(npListener, geodeticSystem);

@@ -1,6 +1,8 @@
 #ifndef GPS_GPS_H
 #define GPS_GPS_H
 
+#include <memory>
+
 #include "Gps/GpsExport.h"
 #include "Gps/GpsListeners.h"
 #include "Gps/GpsLocationRecords.h"
@@ -13,47 +15,62 @@ class GpsController;
 /**
  * The GPS service: the one class through which a client uses the library.
  *
- * `Gps::GetInstance()` builds the service on its first call in a process and starts reception; without a receiver
- * everything but reception works. The instance lives until the process exits (or the framework's singleton finaliser
- * is run). All operations may be called from any thread and from inside any notification, except that a location
- * notification must not register or unregister. A forked child has none of the service's threads: it must not use the
- * service before it executes another program.
+ * `Gps::GetInstance()` creates the service on its first call in a process and starts reception. Without a receiver
+ * everything but reception works. The instance lives until the process exits or the framework's singleton finaliser
+ * runs. All operations may be called from any thread and from inside any notification; from inside a location
+ * notification a client should not register or unregister.
  *
- * Operations answer true for success. A null listener, a registry that is full (five entries of each kind) or empty,
- * and a request whose outcome no registered listener could be told are refused with false; refusals are written to the
- * debug log and change nothing. Nothing throws except the first `GetInstance()`, when memory is exhausted.
+ * Operations return true for success. They return false, log the reason and change nothing for a null listener, when
+ * registering with a full registry (five entries of each kind), when unregistering from an empty one, and for a request
+ * without a listener that could receive the outcome. Nothing throws except `GetInstance()`, which throws
+ * `std::bad_alloc` when memory is exhausted while it creates the service; it may be called again.
  *
- * A listener that is registered twice is told everything twice; one unregistration removes all its entries, and
- * unregistering a listener that is not registered is harmless while others of its kind are (true), and refused (false)
- * when there are none.
+ * A listener that is registered twice gets every notification twice; one unregistration removes all its entries.
+ * Unregistering a listener that is not registered changes nothing and returns true while there are others of its kind.
+ *
+ * Blocking: location notifications, and the first status of a connection listener, run while the registry lock is held.
+ * On other threads all `register...` and `unRegister...` operations and `setLocationData` wait until such a
+ * notification returns, and `unRegister...` waits for any notification of that listener. Therefore do not hold a lock
+ * around these operations that a listener takes in such a notification. Unregistering the last location listener also
+ * waits for the worker thread to end, about 100 ms.
+ *
+ * Process exit: `exit` destroys the service, also after `main` has returned. A thread that uses a `Gps` pointer from
+ * then on uses a destroyed object: end such threads before `main` returns. `exit` may be called inside a notification;
+ * it does not wait for that notification.
+ *
+ * Forked child: it has none of the service's threads and must not use the service before it executes another program.
+ * Only `unRegister...` may be called there: it changes nothing and returns true.
  */
 class GPS_API Gps : public QvSingleton<Gps> {
 public:
     virtual ~Gps();
 
     /**
-     * Raw sentences in the given datum. A listener of WGS84 is always served: sentences are rebuilt while the receiver
-     * reports Tokyo. A listener of Tokyo is served only while the receiver reports Tokyo and its configuration has been
-     * saved (GPS_SETTING_SAVE_CONFIG).
+     * Raw sentences in the given datum. A listener of WGS84 is always notified: while the receiver reports Tokyo,
+     * position sentences are converted and regenerated. A listener of Tokyo is notified only while the receiver reports
+     * Tokyo and its configuration has been saved (GPS_SETTING_SAVE_CONFIG).
      */
     bool registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem);
     bool unRegisterGpsNmeaListener(const GpsNmeaListener* npListener);
 
     /**
-     * Parsed sentences in the given datum, as for raw sentences; but an entry that cannot be served ends the delivery
-     * of that sentence: entries registered after it are not told either.
+     * Parsed sentences in the given datum, by the same rule. An entry that cannot be served ends the delivery of that
+     * sentence: entries registered after it are not notified.
      */
     bool registerGpsParseNmeaListener(const GpsParseNmeaListener* npListener, GeodeticSystem geodeticSystem);
     bool unRegisterGpsParseNmeaListener(const GpsParseNmeaListener* npListener);
 
-    /** Location data. The first listener starts the library's worker thread, the last one to leave stops it. */
+    /** Location data. The first listener starts the library's worker thread; it ends when the last one has left. */
     bool registerGpsLocationDataListener(const GpsLocationDataListener* npListener);
     bool unRegisterGpsLocationDataListener(const GpsLocationDataListener* npListener);
 
     bool registerGpsVersionListener(const GpsVersionListener* npListener);
     bool unRegisterGpsVersionListener(const GpsVersionListener* npListener);
 
-    /** Antenna status. The listener is told the current status before this returns. */
+    /**
+     * Antenna status. The listener is notified of the current status before this returns. It may unregister itself in
+     * that notification: it is then not registered, and this still returns true.
+     */
     bool registerGpsConnectionListener(const GpsConnectionListener* npListener);
     bool unRegisterGpsConnectionListener(const GpsConnectionListener* npListener);
 
@@ -63,11 +80,11 @@ public:
     bool registerGpsProductionListener(const GpsProductionListener* npListener);
     bool unRegisterGpsProductionListener(const GpsProductionListener* npListener);
 
-    /** Tells every version listener the fitted receiver's version, before it returns. Needs a version listener. */
+    /** Notifies every version listener of the fitted receiver's version before it returns. Needs a version listener. */
     bool requestGpsVersionInfo();
 
     /**
-     * Sends one setting to the receiver; its answer reaches the setting listeners. Needs a setting listener. True when
+     * Sends one setting to the receiver; the answer reaches the setting listeners. Needs a setting listener. True when
      * the command has been sent. A change of speed blocks for 200 ms.
      */
     bool requestGpsSetting(GpsSetting setting);
@@ -77,14 +94,14 @@ public:
     bool requestStartGpsProductionCheck();
     bool requestFinishGpsProductionCheck();
 
-    /** Hardware reset of the receiver. Nothing is reported. */
+    /** Hardware reset of the receiver. No listener is notified of the outcome. */
     bool requestGpsReset();
-    /** Cold start of the receiver. Nothing is reported. */
+    /** Cold start of the receiver. No listener is notified of the outcome. */
     bool requestGpsColdStart();
 
     /**
-     * Publishes a location to the location listeners of every process. Needs no listener here. False only for a null
-     * record.
+     * Publishes a location to the location listeners of every process. Needs no listener in this process. False only
+     * for a null record.
      */
     bool setLocationData(const GPS_LOCATION_SYNC_DATA* record);
 
@@ -92,7 +109,7 @@ private:
     friend class QvSingleton<Gps>;
     Gps();
 
-    GpsController* mpGpsController;
+    std::unique_ptr<GpsController> mpGpsController;
 };
 
 extern template class QvSingleton<Gps>;

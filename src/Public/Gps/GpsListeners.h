@@ -10,15 +10,16 @@
 
 /**
  * @file
- * The seven listener interfaces. A client derives from those it needs, overrides what it cares about and registers the
- * object through `Gps`. The library never owns, copies or deletes a listener: the object must live until its
- * unregistration has returned. When an unregistration returns on one thread, the listener is not being called and will
- * not be called again on any other: it waits for a notification that is in progress there, so do not hold a lock that
- * the listener takes. A listener that unregisters itself from inside its own notification returns at once and is not
- * called again either. So does the second of two notifications that would wait for each other, because each unregisters
- * the other's listener.
+ * The seven listener interfaces. A client derives from those it needs, overrides what it uses and registers the object
+ * through `Gps`. The library never owns, copies or deletes a listener: the object must live until its unregistration
+ * has returned.
  *
- * Every pointer handed to a notification is valid during that call only; copy what you keep. Notifications should
+ * When an unregistration returns, no other thread is inside the listener and none will call it again: it waits for a
+ * notification in progress on another thread, so do not hold a lock that the listener takes. A listener may unregister
+ * itself inside its own notification, and may then delete itself. When two notifications wait for each other, because
+ * each unregisters the other's listener, the second unregistration returns at once without waiting.
+ *
+ * Every pointer passed to a notification is valid during that call only; copy what you keep. Notifications should
  * return soon: the receive thread reads nothing while it is inside one. Different notifications of one object may come
  * on different threads (named below) at the same time. No notification may throw.
  */
@@ -28,8 +29,8 @@ class GPS_API GpsNmeaListener {
 public:
     virtual ~GpsNmeaListener();
     /**
-     * One NMEA sentence as received, or rebuilt in WGS84 when the receiver reports Tokyo and the listener asked for
-     * WGS84. Antenna texts ("$GPTXT", "$GNTXT") are not sentences in this sense.
+     * One NMEA sentence as received, or regenerated in WGS84 when the receiver reports Tokyo and the listener asked for
+     * WGS84. Not called for antenna texts ("$GPTXT", "$GNTXT").
      * @param sentence bytes, CR LF included; not terminated by a NUL
      * @param length number of bytes
      */
@@ -40,7 +41,7 @@ public:
 class GPS_API GpsParseNmeaListener {
 public:
     virtual ~GpsParseNmeaListener();
-    /** The aggregate of an epoch, right after the sentence that completed it. */
+    /** The aggregate of an epoch, directly after the sentence that completed it. */
     virtual void notifyParseNmeaSentence(const PARSE_NMEA* record);
     virtual void notifyParseGgaSentence(const GPGGA* record);
     virtual void notifyParseGllSentence(const GPGLL* record);
@@ -54,9 +55,9 @@ public:
 };
 
 /**
- * Location data that any process handed to Gps::setLocationData, about one record a second. Called on the library's
- * worker thread, for each record in the order Rmc, Gga, Pascd, Location, while the registry lock is held: do not
- * register or unregister listeners from inside.
+ * Location data that any process passed to Gps::setLocationData, about one record a second. Called on the library's
+ * worker thread, for each record in the order Rmc, Gga, Pascd, Location, while the registry lock is held (see Gps): a
+ * client should not register or unregister listeners from inside.
  */
 class GPS_API GpsLocationDataListener {
 public:
@@ -72,15 +73,15 @@ class GPS_API GpsVersionListener {
 public:
     virtual ~GpsVersionListener();
     /**
-     * @param version text, filled up with zeros to `length`
+     * @param version text, padded with zeros to `length`
      * @param length bytes of the whole field (128), not of the text
      */
     virtual void notifyGpsVersionInfo(const char* version, unsigned int length);
 };
 
 /**
- * Antenna status. Called once on the registering thread before the registration returns (the registry lock is held),
- * then on the receive thread for every antenna text, also when the status is unchanged.
+ * Antenna status. Called once on the registering thread before the registration returns, while the registry lock is
+ * held (see Gps), then on the receive thread for every antenna text, also when the status is unchanged.
  */
 class GPS_API GpsConnectionListener {
 public:
@@ -107,7 +108,7 @@ public:
     /** @param acknowledged true when the receiver accepted the request, false when it refused it */
     virtual void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged);
     virtual void notifyStartGpsProductionCheckResponse(bool acknowledged);
-    /** Reserved: a cold start reports nothing. */
+    /** Reserved; not called. */
     virtual void notyfyGpsColdStartRequestResponse(bool acknowledged);
     virtual void notifyReceiveGpsProductionData(const PRODUCTION_DATA* record);
     virtual void notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA* record);

@@ -7,9 +7,8 @@
 
 /**
  * @file
- * Records of the location-data path. A client hands in a GPS_LOCATION_SYNC_DATA; location listeners in every process
- * are told the LOCATION_DATA made of it. The PASCD block belongs to its producer and its listeners: the library copies
- * it bit for bit and does not look into it.
+ * Records of the location-data path. A client publishes a GPS_LOCATION_SYNC_DATA; location listeners in every process
+ * get the LOCATION_DATA made from it. The library copies the PASCD block bit for bit and does not interpret it.
  */
 
 enum { GPS_PASCD_SAMPLE_NUM = 50 };
@@ -60,7 +59,7 @@ struct GPS_SYNC_PASCD_DATA {
     double ValueB[GPS_PASCD_SAMPLE_NUM];
 };
 
-/** What a client hands to Gps::setLocationData. */
+/** The argument of Gps::setLocationData. */
 struct GPS_LOCATION_SYNC_DATA {
     GPS_SYNC_RMC_DATA Rmc;
     GPS_SYNC_GGA_DATA Gga;
@@ -91,9 +90,9 @@ struct LOCATION_DATA {
 
 /** The record in shared memory: 1040 bytes in native byte order. */
 struct GPS_LOCATION_DATA_SHARE {
-    unsigned int UpdateCounter;  ///< raised by every Gps::setLocationData of any process, modulo 2^32; every service
-                                 ///< that starts resets it
-    unsigned int Reserved;       ///< keeps what the segment held
+    unsigned int UpdateCounter;  ///< incremented by every Gps::setLocationData of any process, modulo 2^32; reset to 0
+                                 ///< by every service that starts
+    unsigned int Reserved;       ///< never written
     LOCATION_DATA Data;
 };
 

@@ -7,7 +7,7 @@
  * @file
  * Records of the parsed NMEA 0183 sentences.
  *
- * All records are plain structures; a record or field that nothing has been read into is zero.
+ * All records are plain structures; a field that was not read is zero.
  *
  * Coordinates are held in three fields. `Lat` is the sentence's ddmm.mmmm as one number (35 degrees 39.1234 minutes is
  * 3539.1234), `LatDeg` its whole degrees (35), `LatMin` its minutes (39.1234, at most seven characters of the field).
@@ -17,13 +17,13 @@
  * Times are UTC. `MilliSecond` is the fraction's digits (at most three) read as an integer: ".50" gives 50.
  */
 
-/** Datum of coordinates: what a listener asks for, and what the receiver reports in (the base datum). */
+/** Datum of coordinates: of a listener, and of what the receiver reports (the base datum). */
 enum GeodeticSystem : int {
     GEODETIC_SYSTEM_WGS84 = 0,
     GEODETIC_SYSTEM_TOKYO = 1,
 };
 
-/** Satellite system that a sentence's talker names. */
+/** Satellite system of a sentence, by its talker. */
 enum SatelliteType : int {
     SATELLITE_TYPE_UNKNOWN = 0,  ///< any other talker
     SATELLITE_TYPE_GPS = 1,      ///< "$GP"

@@ -6,8 +6,7 @@
 /**
  * @file
  * Records of the factory check. Fields are named after their place in the receiver's message (`ptValue20` comes from
- * payload byte 20 of MonPt, `pt2Entry4` from byte 4 of a list entry of MonPt2): the receiver's maker does not publish
- * their meaning.
+ * payload byte 20 of MonPt, `pt2Entry4` from byte 4 of a list entry of MonPt2): their meaning is not published.
  */
 
 /** One MonPt test result. */

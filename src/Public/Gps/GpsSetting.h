@@ -1,7 +1,7 @@
 #ifndef GPS_GPS_SETTING_H
 #define GPS_GPS_SETTING_H
 
-/** Kinds of receiver setting that a client may request. Each is one prepared message to the receiver. */
+/** The receiver settings that a client may request. Each is one prepared message to the receiver. */
 enum GpsSetting : int {
     GPS_SETTING_PUBX00_ON = 0,                 ///< PUBX,00 once per fix on every port
     GPS_SETTING_ZDA_ON = 1,                    ///< ZDA once per fix on every port

@@ -29,22 +29,22 @@ constexpr std::string_view kAntennaOpen = "$GPTXT,01,01,02,ANTSTATUS=OPEN*2B\r\n
 constexpr std::string_view kAck = "\xB5\x62\x05\x01\x02\x00\x06\x01\x0F\x38"sv;
 constexpr GPS_LOCATION_SYNC_DATA kNowhere = {};
 
-/** Notes what it is told, as "name:what", in a list that listeners may share: records by their kind alone. */
+/** Records its notifications as lines "name:what" in a list that listeners may share; of records the kind only. */
 class Listener : public AnyListener {
 public:
-    explicit Listener(std::string name, Strings* told = nullptr)
-        : mName(std::move(name)), mTold(told != nullptr ? *told : mOwnTold) {}
+    explicit Listener(std::string name, Strings* lines = nullptr)
+        : mName(std::move(name)), mLines(lines != nullptr ? *lines : mOwnLines) {}
 
-    /** Runs inside every notification, after it was noted. Set it while nothing is delivered. */
+    /** Runs inside every notification, after it was recorded. Set it while nothing is delivered. */
     void setHook(std::function<void()> hook) { mHook = std::move(hook); }
 
-    /** What was noted, which is forgotten. */
+    /** Returns and clears the recorded lines. */
     Strings take() {
         const std::lock_guard guard(mutex());
-        return std::exchange(mTold, {});
+        return std::exchange(mLines, {});
     }
 
-    /** The last location told. */
+    /** The last location received. */
     const LOCATION_DATA& location() const { return mLocation; }
 
     void notifyLocationData(const LOCATION_DATA* record) override {
@@ -55,7 +55,7 @@ public:
         const bool isRecord = std::isupper(what[0]) != 0 || what.starts_with("location");
         {
             const std::lock_guard guard(mutex());
-            mTold.push_back(mName + ":" + what + (isRecord ? "" : " " + text));
+            mLines.push_back(mName + ":" + what + (isRecord ? "" : " " + text));
         }
         if (mHook) mHook();
     }
@@ -67,14 +67,14 @@ private:
     }
 
     std::string mName;
-    Strings mOwnTold;
-    Strings& mTold;
+    Strings mOwnLines;
+    Strings& mLines;
     std::function<void()> mHook;
     LOCATION_DATA mLocation{};
 };
 
-/** What a listener notes of a location. */
-const Strings kLocationTold = {"location's RMC", "location's GGA", "location's PASCD", "location"};
+/** The lines of one location. */
+const Strings kLocationLines = {"location's RMC", "location's GGA", "location's PASCD", "location"};
 
 /** The operations that the facade and the controller have alike. */
 template <class Service>
@@ -139,7 +139,7 @@ protected:
         GpsSettingManager().writeLocalMemory(&record);
     }
 
-    /** Hands over a chunk as the receive thread does, in a buffer of exactly its size. */
+    /** Passes a chunk on as the receive thread does, in a buffer of exactly its size. */
     void receive(std::string_view chunk) {
         const auto data = std::make_unique<char[]>(chunk.size());
         std::memcpy(data.get(), chunk.data(), chunk.size());
@@ -151,8 +151,8 @@ protected:
     std::unique_ptr<GpsController> mController;
 };
 
-/** Tells every listener's name before each of the lines. */
-inline Strings toldBy(const Strings& names, const Strings& lines) {
+/** Each listener's name before each of the lines. */
+inline Strings linesOf(const Strings& names, const Strings& lines) {
     Strings all;
     for (const std::string& name : names) {
         for (const std::string& line : lines)
@@ -161,7 +161,7 @@ inline Strings toldBy(const Strings& names, const Strings& lines) {
     return all;
 }
 
-/** The same for each kind of listener, by its index. The worker never runs: locations are told by the test's thread. */
+/** The same for each kind of listener, by its index. The worker never runs: the test's thread delivers locations. */
 class EveryKind : public ControllerTest, public testing::WithParamInterface<std::size_t> {
 protected:
     static std::string name() { return kKinds<GpsController>[GetParam()].name; }
@@ -172,7 +172,7 @@ protected:
     }
     bool remove(const Listener* listener) { return kKinds<GpsController>[GetParam()].remove(*mController, listener); }
 
-    /** Causes what listeners of the kind are told. */
+    /** Causes a notification of the listeners of the kind. */
     void fire() {
         const std::function<void()> causes[] = {
             [this] { receive("$X"); },
@@ -186,18 +186,18 @@ protected:
         causes[GetParam()]();
     }
 
-    /** What listeners of these names are told then, in this order. */
-    static Strings toldTo(const Strings& names) {
-        const Strings told[] = {
-            {"raw $X"},    {"ZDA"},           kLocationTold, {"version u-blox 7c" + std::string(119, '\0')},
+    /** The lines of listeners of these names, in this order. */
+    static Strings linesTo(const Strings& names) {
+        const Strings lines[] = {
+            {"raw $X"},    {"ZDA"},           kLocationLines, {"version u-blox 7c" + std::string(119, '\0')},
             {"antenna 1"}, {"setting 1 yes"}, {"mode yes"}};
-        return toldBy(names, told[GetParam()]);
+        return linesOf(names, lines[GetParam()]);
     }
 
-    Strings mTold;
-    Listener mA{"A", &mTold};
-    Listener mB{"B", &mTold};
-    Listener mC{"C", &mTold};
+    Strings mLines;
+    Listener mA{"A", &mLines};
+    Listener mB{"B", &mLines};
+    Listener mC{"C", &mLines};
 };
 
 #define INSTANTIATE_FOR_EVERY_KIND(Suite)                                     \

@@ -61,7 +61,7 @@ TEST_F(Facade, forwardsEveryOperationWithItsArgumentAndItsResult) {
     }
     for (const auto& request : kRequests<Gps>) {
         EXPECT_FALSE(request.call(gps));
-        if (request.name != "requestGpsSetting"sv) expectCalled(request.name);  // which says nothing
+        if (request.name != "requestGpsSetting"sv) expectCalled(request.name);  // which logs nothing
     }
     EXPECT_FALSE(gps.setLocationData(nullptr));
 
@@ -89,7 +89,7 @@ TEST_F(Facade, isOneInstanceForAllThreadsUntilTheFinalizerRuns) {
     QvSingletonFinalizer::finalize();
     EXPECT_TRUE(mPeer->waitForOpen(false, kLongMs)) << "one controller was built, and it is gone";
     Gps* const fresh = Gps::GetInstance();
-    EXPECT_FALSE(fresh->unRegisterGpsNmeaListener(&mListener)) << "a fresh instance knows nobody";
+    EXPECT_FALSE(fresh->unRegisterGpsNmeaListener(&mListener)) << "a fresh instance has no listeners";
     EXPECT_TRUE(fresh->registerGpsNmeaListener(&mListener, GEODETIC_SYSTEM_WGS84));
     mPeer->send("$A\r\n");
     ASSERT_TRUE(mPeer->waitUntilRead(kLongMs));

@@ -4,7 +4,7 @@
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/ThreadState.h"
 
-// Listeners that come and go while listeners are being told.
+// Listeners that register and unregister while listeners are notified.
 
 namespace {
 
@@ -18,36 +18,36 @@ TEST_P(Lifetimes, aListenerMayUnregisterItself) {
     mA.take();
     mA.setHook([this] { EXPECT_TRUE(remove(&mA)); });
     fire();
-    Strings expected = toldTo({"B"});  // B loses nothing, and A is not told the rest
-    expected.insert(expected.begin(), toldTo({"A"}).front());
+    Strings expected = linesTo({"B"});  // B misses nothing, and A is not notified of the rest
+    expected.insert(expected.begin(), linesTo({"A"}).front());
     EXPECT_EQ(mA.take(), expected);
     fire();
-    EXPECT_EQ(mA.take(), toldTo({"B"}));
+    EXPECT_EQ(mA.take(), linesTo({"B"}));
 }
 
-TEST_P(Lifetimes, aListenerMayUnregisterOneThatIsStillToBeTold) {
+TEST_P(Lifetimes, aListenerMayUnregisterOneThatComesLater) {
     add(&mA);
     add(&mB);
     add(&mC);
     mA.take();
     mA.setHook([this] { remove(&mB); });
     fire();
-    EXPECT_EQ(mA.take(), toldTo({"A", "C"}));
+    EXPECT_EQ(mA.take(), linesTo({"A", "C"}));
 }
 
-TEST_P(Lifetimes, aListenerThatRegistersItselfAnewMakesNoDeliveryEndless) {
+TEST_P(Lifetimes, aListenerThatRegistersItselfAgainMakesNoDeliveryEndless) {
     add(&mA);
     add(&mB);
     mA.take();
     bool isInside = false;
     mA.setHook([&] {
-        if (std::exchange(isInside, true)) return;  // told the antenna status by the registration below
+        if (std::exchange(isInside, true)) return;  // the first status, from the registration below
         remove(&mA);
         add(&mA);
         isInside = false;
     });
     fire();
-    EXPECT_THAT(mA.take(), testing::IsSupersetOf(toldTo({"B"})));
+    EXPECT_THAT(mA.take(), testing::IsSupersetOf(linesTo({"B"})));
 }
 
 TEST_P(Lifetimes, unregisteringOnAnotherThreadWaitsUntilTheListenerHasReturned) {
@@ -169,13 +169,13 @@ TEST_F(Threads, mayUnregisterOneObjectInItsNotificationsOnTheReceiveThreadAndOnT
     mController->setLocationData(&kNowhere);
     auto delivery = run([this] { receive("$X"); });  // the worker comes a second later
     expectDone(delivery, "the raw listener");
-    std::promise<void> told;
+    std::promise<void> delivered;
     mVersion.setHook([&, calls = 0]() mutable {
-        if (++calls == 4) told.set_value();
+        if (++calls == 4) delivered.set_value();
     });
     EXPECT_TRUE(mController->registerGpsLocationDataListener(&mVersion));
     mController->setLocationData(&kNowhere);
-    auto next = told.get_future();
+    auto next = delivered.get_future();
     expectDone(next, "the next listener");
     auto end = run([this] { mController.reset(); });
     expectDone(end, "the controller's end");

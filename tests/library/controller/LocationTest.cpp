@@ -140,7 +140,7 @@ TEST_F(Pipeline, goesOnWithinAnIntervalWhenTheClockIsSet) {
     EXPECT_TRUE(mPipeline.isDue(at(-1))) << "a millisecond back counts as elapsed";
 }
 
-TEST_F(Pipeline, takesOnlyNewerRecordsAndSaysWhichWereMissedAndWhenOneGivesWay) {
+TEST_F(Pipeline, takesOnlyNewerRecordsAndLogsMissedAndDroppedOnes) {
     const unsigned int largest = std::numeric_limits<unsigned int>::max();
     EXPECT_FALSE(take(0));
     EXPECT_TRUE(take(7)) << "the first is never a drop";
@@ -171,7 +171,7 @@ constexpr int kRecord = 8;  // where the segment's record begins
 
 class Publication : public ControllerTest {
 protected:
-    /** Publishes, and hands it to the listener at once. */
+    /** Publishes, and delivers it to the listener at once. */
     const LOCATION_DATA& publish(const GPS_LOCATION_SYNC_DATA& location) {
         EXPECT_TRUE(mController->setLocationData(&location));
         mController->notifyLocationData();
@@ -210,15 +210,15 @@ TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
         location.Pascd.ValueB[i] = -static_cast<double>(i);
     }
     registerListener();
-    const LOCATION_DATA told = publish(location);
+    const LOCATION_DATA received = publish(location);
 
-    EXPECT_EQ(fields(told.Gga),
+    EXPECT_EQ(fields(received.Gga),
               "Hour=1 Minute=2 Second=3 MilliSecond=4 Lat=3539.125 LatDeg=35 LatMin=39.125 Lon=-13945.625 LonDeg=-139 "
               "LonMin=45.625 Quality=-5 SatView=6 HDOP=7.5 Alt=8.5 Geo=-9.5 DGPS_Age=10 DGPS_ID=-11");
-    EXPECT_EQ(fields(told.Rmc),
+    EXPECT_EQ(fields(received.Rmc),
               "Hour=12 Minute=13 Second=14 MilliSecond=15 Status=16 Lat=-3539.125 LatDeg=-35 LatMin=39.125 "
               "Lon=13945.625 LonDeg=139 LonMin=45.625 Speed=17.5 Dir=18.5 Year=19 Month=20 Day=21 MagDec=22.5 Mode=23");
-    const PASCD& pascd = told.Pascd;
+    const PASCD& pascd = received.Pascd;
     EXPECT_EQ(std::memcmp(&pascd.Head1, &location.Pascd.Head1, sizeof(double)), 0);
     EXPECT_EQ(std::tie(pascd.Head2, pascd.Head3, pascd.Head4, pascd.Head5),
               std::make_tuple(0x24, 0x25, 0xDEADBEEF, 0xFEEDFACE));
@@ -250,21 +250,22 @@ TEST_F(Publication, splitsDegreesAndMinutes) {
     for (const auto& [value, degrees, minutes] : rows) {
         GPS_LOCATION_SYNC_DATA location = {};
         location.Gga.Lat = location.Rmc.Lon = value;
-        const LOCATION_DATA& told = publish(location);
-        EXPECT_EQ(told.Gga.LatDeg, degrees) << value;
-        EXPECT_EQ(told.Rmc.LonDeg, degrees) << value;
-        EXPECT_THAT(told.Gga.LatMin, testing::NanSensitiveDoubleNear(minutes, minutes == 1e300 ? 1e290 : 0)) << value;
+        const LOCATION_DATA& received = publish(location);
+        EXPECT_EQ(received.Gga.LatDeg, degrees) << value;
+        EXPECT_EQ(received.Rmc.LonDeg, degrees) << value;
+        EXPECT_THAT(received.Gga.LatMin, testing::NanSensitiveDoubleNear(minutes, minutes == 1e300 ? 1e290 : 0))
+            << value;
     }
 }
 
-TEST_F(Publication, ofAHandfulAtOnceIsToldInOrderAboutOnceASecond) {
+TEST_F(Publication, ofSeveralRecordsIsDeliveredInOrderAboutOnceASecond) {
     using Clock = std::chrono::steady_clock;
     std::promise<void> all;
-    std::vector<std::pair<int, Clock::time_point>> told;
+    std::vector<std::pair<int, Clock::time_point>> received;
     mListener.setHook([&] {
         if (mListener.take().back() != "L:location") return;
-        told.emplace_back(mListener.location().Gga.SatView, Clock::now());
-        if (told.size() == 3) all.set_value();
+        received.emplace_back(mListener.location().Gga.SatView, Clock::now());
+        if (received.size() == 3) all.set_value();
     });
     mController->registerGpsLocationDataListener(&mListener);
     const auto start = Clock::now();
@@ -274,12 +275,12 @@ TEST_F(Publication, ofAHandfulAtOnceIsToldInOrderAboutOnceASecond) {
         mController->setLocationData(&location);
         std::this_thread::sleep_until(start + std::chrono::milliseconds(1000 * number));
     }
-    std::future<void> telling = all.get_future();
-    expectDone(telling, "the worker");
+    std::future<void> delivery = all.get_future();
+    expectDone(delivery, "the worker");
     mController->stop();
-    for (std::size_t i = 0; i < told.size(); ++i) {
-        EXPECT_EQ(told[i].first, i + 1);
-        const auto gap = told[i].second - (i == 0 ? start : told[i - 1].second);
+    for (std::size_t i = 0; i < received.size(); ++i) {
+        EXPECT_EQ(received[i].first, i + 1);
+        const auto gap = received[i].second - (i == 0 ? start : received[i - 1].second);
         EXPECT_TRUE(gap > std::chrono::milliseconds(700) && gap < std::chrono::milliseconds(2500)) << gap.count();
     }
 }

@@ -23,7 +23,7 @@ Strings threadsNamed(const std::string& name) {
     return found;
 }
 
-/** Does in each of its three steps what the test says, and notes it. */
+/** Runs the test's function in each of its three steps, and records the step. */
 class Owner {
 public:
     std::function<int()> onInitialize = [] { return 0; };
@@ -139,7 +139,7 @@ TEST_F(Worker, isWaitedForWithoutAWatchdogWhenThereCanBeNone) {
     EXPECT_THAT(mLog.texts(), ElementsAre("Error, pthread_create failed.\n"));
 }
 
-TEST_F(Worker, saysThatItsEndCannotBeWaitedForByItself) {
+TEST_F(Worker, logsThatItCannotWaitForItsOwnEnd) {
     QvEvent isStarted;
     std::promise<void> end;
     mOwner.onMainProc = [&] {
@@ -237,13 +237,13 @@ TEST_F(ControllersWorker, deliversInTheCycleInWhichARecordIsDue) {
         mController->runLocationCycle({start.tv_sec + ms / 1000, start.tv_usec});
         return mListener.take();
     };
-    const Strings told = toldBy({"L"}, kLocationTold);
-    publishAndCycle(2000);                  // due, but there is nobody to tell: the next is not put off
+    const Strings lines = linesOf({"L"}, kLocationLines);
+    publishAndCycle(2000);                  // due, but there is no listener: the next is not delayed
     letFail({"pthread_create", {EAGAIN}});  // this thread stays the worker
     mController->registerGpsLocationDataListener(&mListener);
-    EXPECT_EQ(publishAndCycle(2000), told);
+    EXPECT_EQ(publishAndCycle(2000), lines);
     EXPECT_THAT(publishAndCycle(2000), IsEmpty());
-    EXPECT_EQ(publishAndCycle(4000), told);
+    EXPECT_EQ(publishAndCycle(4000), lines);
 }
 
 }  // namespace

@@ -141,7 +141,7 @@ private:
     QvEvent mStopEvent;
     std::atomic<bool> mIsRunning{false};
     std::atomic<bool> mIsStopRequested{false};
-    std::atomic<bool> mHasWorkerEnded{false};  // by itself, for want of listeners; set while mSync is held
+    std::atomic<bool> mHasWorkerEnded{false};  // by itself, without listeners; set while mSync is held
     std::atomic<std::thread::id> mWorker{std::thread::id()};
     LocationPipeline mLocationPipeline;
 

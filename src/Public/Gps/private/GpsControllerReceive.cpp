@@ -14,6 +14,11 @@
 
 namespace {
 
+/** Whether there are bytes; logs `text` when there are none. */
+bool hasBytes(const void* data, unsigned int length, const char* function, const char* text) {
+    return (data != nullptr && length != 0) || controllerLog.failure(function, text);
+}
+
 /**
  * Calls `notify` with one listener after another, as long as it answers true. Logs `noListener` when the last listener
  * has left meanwhile.
@@ -29,10 +34,7 @@ void notifyEach(ListenerRegistry<const Listener*>& registry, const char* functio
 
 unsigned int GpsController::receiveData(unsigned int, void* data, unsigned int length) {
     sReceiver.store(std::this_thread::get_id(), std::memory_order_relaxed);
-    if (data == nullptr || length == 0) {
-        controllerLog("receiveData", "GpsController::receiveData() Argument Error\n");
-        return 0;
-    }
+    if (!hasBytes(data, length, "receiveData", "GpsController::receiveData() Argument Error\n")) return 0;
     route(static_cast<const char*>(data), length, *this);
     return 0;
 }
@@ -51,10 +53,7 @@ void GpsController::connectionStatusProc(const char* data, unsigned int length) 
 }
 
 void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
-    if (data == nullptr || length == 0) {
-        controllerLog("nmeaSentenceProc", "GpsController::nmeaSentenceProc() Argument Error\n");
-        return;
-    }
+    if (!hasBytes(data, length, "nmeaSentenceProc", "GpsController::nmeaSentenceProc() Argument Error\n")) return;
     const GeodeticSystem base = mGpsSettingManager->getBaseGeodeticSystem();
     mGpsNmeaListeners.callEach([&](const GPS_NMEA_LISTENER_LIST& entry) {
         deliverSentence(*mGpsParseNmeaManager, entry, base, {data, length},
@@ -64,10 +63,8 @@ void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
 }
 
 void GpsController::parseNmeaSentenceProc(const char* data, unsigned int length) {
-    if (data == nullptr || length == 0) {
-        controllerLog("parseNmeaSentenceProc", "GpsController::parseNmeaSentenceProc() Argument Error\n");
+    if (!hasBytes(data, length, "parseNmeaSentenceProc", "GpsController::parseNmeaSentenceProc() Argument Error\n"))
         return;
-    }
     const GeodeticSystem base = mGpsSettingManager->getBaseGeodeticSystem();
     const bool settingFinished = mGpsSettingManager->getSettingFinishFlg();
     mGpsParseNmeaManager->parseNmeaSentence(data, length, Recipients(mGpsParseNmeaListeners, base, settingFinished));
@@ -76,10 +73,7 @@ void GpsController::parseNmeaSentenceProc(const char* data, unsigned int length)
 /** One acknowledgement settles one request, and every setting listener is notified of it. */
 void GpsController::responseGpsSettingProc(const char* data, unsigned int length) {
     constexpr char kFunction[] = "responseGpsSettingProc";
-    if (data == nullptr || length == 0) {
-        controllerLog(kFunction, "GpsController::responseGpsSettingProc() Argument Error\n");
-        return;
-    }
+    if (!hasBytes(data, length, kFunction, "GpsController::responseGpsSettingProc() Argument Error\n")) return;
     if (mGpsSettingListeners.count() == 0) return;
     std::optional<SettledRequest> settled;
     mGpsSettingManager->takeResponse(data, length, settled);
@@ -93,10 +87,7 @@ void GpsController::responseGpsSettingProc(const char* data, unsigned int length
 
 void GpsController::responseGpsProductionProc(const char* data, unsigned int length) {
     constexpr char kFunction[] = "responseGpsProductionProc";
-    if (data == nullptr || length == 0) {
-        controllerLog(kFunction, "GpsController::responseGpsProductionProc() Argument Error\n");
-        return;
-    }
+    if (!hasBytes(data, length, kFunction, "GpsController::responseGpsProductionProc() Argument Error\n")) return;
     notifyEach(mGpsProductionListeners, kFunction, "GpsController::responseGpsProductionProc() lpListener = NULL\n",
                [&](const GpsProductionListener* listener) {
                    return mGpsProductionManager->switchGpsProductionResponse(data, length, listener);
@@ -120,10 +111,7 @@ void GpsController::parseGpsProductionDataProc(const char* data, unsigned int le
 
 void GpsController::responseGpsVersionProc(const char* data, unsigned int length) {
     constexpr char kFunction[] = "responseGpsVersionProc";
-    if (data == nullptr || length == 0) {
-        controllerLog(kFunction, "GpsController::responseGpsVersionProc() Argument Error\n");
-        return;
-    }
+    if (!hasBytes(data, length, kFunction, "GpsController::responseGpsVersionProc() Argument Error\n")) return;
     notifyEach(mGpsVersionListeners, kFunction, "GpsController::responseGpsVersionProc() lpListener = NULL\n",
                [&](const GpsVersionListener* listener) {
                    return mGpsVersionManager->gpsVersionInfoResponse(data, length, listener);
@@ -131,10 +119,8 @@ void GpsController::responseGpsVersionProc(const char* data, unsigned int length
 }
 
 void GpsController::parseGpsVersionDataProc(const char* data, unsigned int length) {
-    if (data == nullptr || length == 0) {
-        controllerLog("parseGpsVersionDataProc", "GpsController::parseGpsVersionDataProc() Argument Error\n");
+    if (!hasBytes(data, length, "parseGpsVersionDataProc", "GpsController::parseGpsVersionDataProc() Argument Error\n"))
         return;
-    }
     mGpsVersionListeners.callEach(
         [&](const GpsVersionListener* listener) { return mGpsVersionManager->parseGpsVersionData(data, listener); });
 }

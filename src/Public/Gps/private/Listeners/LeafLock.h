@@ -6,7 +6,7 @@
 #include "QvFramework/Foundation/QvThreadAnnotations.h"
 #include "QvFramework/Foundation/QvUncopyable.h"
 
-/** Lock for single steps: nothing else is locked and nobody is called while it is held. */
+/** Lock for single steps: no other lock is taken and no client code runs while it is held. */
 class QV_CAPABILITY LeafLock : private QvUncopyable {
 public:
     void lock() QV_ACQUIRE() QV_NO_THREAD_SAFETY_ANALYSIS { mMutex.lock(); }

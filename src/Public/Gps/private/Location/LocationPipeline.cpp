@@ -10,8 +10,8 @@ namespace {
 constexpr char kFunction[] = "MainProc";
 
 constexpr int kIntervalMs = 999;     // a delivery is due when more than this has passed
-constexpr int kHurryMs = 100;        // taken off per poll while a backlog waits
-constexpr int kLargestAdjustMs = 5;  // reached one by one while nothing waits
+constexpr int kHurryMs = 100;        // subtracted per poll while a backlog waits
+constexpr int kLargestAdjustMs = 5;  // reached by 1 ms per poll while nothing waits
 constexpr int kSmallestAdjustMs = std::numeric_limits<int>::min() + kHurryMs;  // reached after weeks of backlog
 
 std::int64_t elapsedMs(const timeval& from, const timeval& to) {
@@ -38,14 +38,14 @@ bool LocationPipeline::take(const GPS_LOCATION_DATA_SHARE& record) {
     const unsigned int last = mLastUpdateCounter;
     if (record.UpdateCounter <= last) return false;
     if (last != 0 && record.UpdateCounter - last >= 2) {
-        QvDbgOutput::DbgPrint(controllerLog.source(), kFunction, __LINE__, GpsLog::TAG, "- Gps - DATA DROP %d->%d \n",
+        QvDbgOutput::DbgPrint(controllerLog.source(), kFunction, __LINE__, GpsLog::kTag, "- Gps - DATA DROP %d->%d \n",
                               static_cast<int>(last), static_cast<int>(record.UpdateCounter));
     }
-    if (mWaiting == QUEUE_MAX) {
+    if (mWaiting == kQueueMax) {
         controllerLog(kFunction, "- Gps - QUEUE IS FULL \n");
         dropOldest();
     }
-    mLocationQueue[(mOldest + mWaiting) % QUEUE_MAX] = record;
+    mLocationQueue[(mOldest + mWaiting) % kQueueMax] = record;
     ++mWaiting;
     mLastUpdateCounter = record.UpdateCounter;
     return true;
@@ -68,6 +68,6 @@ void LocationPipeline::pop(GPS_LOCATION_DATA_SHARE& record) {
 }
 
 void LocationPipeline::dropOldest() {
-    mOldest = (mOldest + 1) % QUEUE_MAX;
+    mOldest = (mOldest + 1) % kQueueMax;
     --mWaiting;
 }

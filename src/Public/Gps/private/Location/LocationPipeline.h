@@ -9,31 +9,31 @@
 
 /**
  * The location records that wait for delivery, and when the next one is due: about one a second, faster while two or
- * more wait. It has no clock: the time of day is handed in. Fixed storage; used by the worker thread alone, but for
- * `lastUpdateCounter`.
+ * more wait. It has no clock: the time of day is an argument. Fixed storage. Only the worker thread uses it; any thread
+ * may call `lastUpdateCounter`.
  */
 class LocationPipeline {
 public:
-    /** Records that may wait. */
-    static constexpr unsigned int QUEUE_MAX = 4;
+    /** Most records that can wait. */
+    static constexpr unsigned int kQueueMax = 4;
 
-    /** Forgets everything; the next delivery is due an interval after `now`. */
+    /** Drops all records; the next delivery is due an interval after `now`. */
     void reset(const timeval& now);
 
     /**
-     * Queues a record that was read from the segment. Says so in the log when records before it were missed, and when
-     * the oldest one had to give way.
+     * Queues a record that was read from the segment. Logs when records before it were missed, and when the oldest one
+     * was dropped because the queue is full.
      * @return false when the record is not newer than the last one taken
      */
     bool take(const GPS_LOCATION_DATA_SHARE& record);
 
-    /** Adapts the interval to the backlog, once a poll, and answers whether the oldest waiting record is due. */
+    /** Adapts the interval to the backlog, once a poll, and returns whether the oldest waiting record is due. */
     bool isDue(const timeval& now);
 
-    /** Takes the oldest waiting record out; there must be one. */
+    /** Removes the oldest waiting record; there must be one. */
     void pop(GPS_LOCATION_DATA_SHARE& record);
 
-    /** Notes the time of a delivery: intervals run from it. */
+    /** Starts the next interval at `now`. */
     void noteDelivery(const timeval& now) { mLastNotifyTime = now; }
 
     /** `UpdateCounter` of the last record taken. */
@@ -42,7 +42,7 @@ public:
 private:
     void dropOldest();
 
-    GPS_LOCATION_DATA_SHARE mLocationQueue[QUEUE_MAX] = {};
+    GPS_LOCATION_DATA_SHARE mLocationQueue[kQueueMax] = {};
     unsigned int mOldest = 0;
     unsigned int mWaiting = 0;
     std::atomic<unsigned int> mLastUpdateCounter{0};

@@ -126,7 +126,7 @@ constexpr HeaderTexts kMonPt2Texts = {
 /** Whether a frame is the monitor message `id`; says why not. */
 bool isMonitorFrame(const char* data, unsigned int length, char id, const HeaderTexts& texts) {
     const auto say = [&](const char* text, char first, char second) {
-        QvDbgOutput::DbgPrint(log.source(), texts.function, __LINE__, GpsLog::TAG, text,
+        QvDbgOutput::DbgPrint(log.source(), texts.function, __LINE__, GpsLog::kTag, text,
                               static_cast<unsigned char>(first), static_cast<unsigned char>(second));
         return false;
     };

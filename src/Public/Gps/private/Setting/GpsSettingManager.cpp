@@ -68,7 +68,7 @@ GpsSettingManager::~GpsSettingManager() {
 bool GpsSettingManager::requestGpsSetting(GpsSetting setting) {
     constexpr char kFunction[] = "requestGpsSetting";
     if (setting > GPS_SETTING_GNSS_GPS) {
-        QvDbgOutput::DbgPrint(log.source(), kFunction, __LINE__, GpsLog::TAG,
+        QvDbgOutput::DbgPrint(log.source(), kFunction, __LINE__, GpsLog::kTag,
                               "GpsSettingManager::requestGpsSetting() Argument Error[%ld]\n",
                               static_cast<long>(setting));
         return false;

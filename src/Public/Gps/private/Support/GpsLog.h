@@ -7,17 +7,17 @@
 class GpsLog {
 public:
     /** Tag of everything this library logs. */
-    static constexpr int TAG = 1;
+    static constexpr int kTag = 1;
 
     /** @param source path of the source without its extension */
     explicit constexpr GpsLog(const char* source) : mSource(source) {}
 
-    /** Logs a text as it stands, as said by the operation `function`. */
+    /** Logs a text unchanged, for the operation `function`. */
     void operator()(const char* function, const char* text, int line = __builtin_LINE()) const {
-        QvDbgOutput::DbgPrint(mSource, function, line, TAG, "%s", text);
+        QvDbgOutput::DbgPrint(mSource, function, line, kTag, "%s", text);
     }
 
-    /** Logs a text and answers false: `return log.failure(...)`. */
+    /** Logs a text and returns false: `return log.failure(...)`. */
     bool failure(const char* function, const char* text, int line = __builtin_LINE()) const {
         (*this)(function, text, line);
         return false;

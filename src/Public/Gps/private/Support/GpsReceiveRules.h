@@ -22,7 +22,7 @@ void route(const char* data, unsigned int length, Handler& handler) {
     }
 }
 
-/** How a listener gets data. */
+/** In which form a listener gets data. */
 enum class DatumDelivery {
     Impossible,
     AsReceived,
@@ -31,8 +31,8 @@ enum class DatumDelivery {
 };
 
 /**
- * The datum rule, by the datum in which the receiver reports and the one that the listener wants. There is no
- * conversion to Tokyo, and no other datum is known.
+ * The datum rule: by the datum in which the receiver reports (`base`) and the listener's. There is no conversion to
+ * Tokyo, and data of an unknown datum are never delivered.
  */
 constexpr DatumDelivery datumDelivery(GeodeticSystem base, GeodeticSystem wanted) {
     if (base == GEODETIC_SYSTEM_WGS84 && wanted == GEODETIC_SYSTEM_WGS84) return DatumDelivery::AsReceived;

@@ -5,16 +5,16 @@
 
 class GpsHal;
 
-/** Knows which receiver is fitted; the receiver itself is not asked. */
+/** Answers version requests with the text for the fitted receiver; asks the receiver nothing. */
 class GpsVersionManager {
 public:
     GpsVersionManager();
     virtual ~GpsVersionManager();
 
-    /** Tells one listener, on the caller's thread. */
+    /** Notifies one listener, on the caller's thread. */
     bool requestGpsVersionInfo(const GpsVersionListener* listener);
 
-    // No answer of the receiver carries a version: both take nothing.
+    // No received data carry a version: both do nothing and return false.
 
     bool gpsVersionInfoResponse(const char* data, unsigned int length, const GpsVersionListener* listener);
     bool parseGpsVersionData(const char* data, const GpsVersionListener* listener);
