@@ -1,266 +1,589 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
+#include <array>
+#include <atomic>
 #include <cmath>
-#include <cstdio>
-#include <map>
-#include <nlohmann/json.hpp>
-#include <numbers>
-#include <sstream>
+#include <condition_variable>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <shared_mutex>
 
-#include "Gps/private/Connection/GpsConnectionManager.h"
-#include "Gps/private/NMEA/GpsParseNmeaManager.h"
-#include "tests/drive/LineListener.h"
-#include "tests/support/Child.h"
+#include "Gps/Gps.h"
+#include "QvFramework/Foundation/QvDbgOutput.h"
+#include "tests/drive/PtyReceiver.h"
+#include "tests/support/Processes.h"
 #include "tests/support/ScratchDirectory.h"
+#include "tools/receiver-sim/Nmea.h"
+
+// A random drive: threads register, unregister, request settings and speeds and reset the receiver; the receiver is
+// unplugged; client processes are killed. The simulated receiver knows what is true. QVGPS_SEED repeats a drive's
+// choices, QVGPS_ENDURANCE_SECONDS makes it longer.
 
 namespace {
 
-using Lines = std::vector<std::string>;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using Sent = PtyReceiver::Sent;
 
-Lines linesOf(const std::string& text) {
-    Lines lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
+constexpr auto kPatience = 20s;
+constexpr unsigned kActors = 4;  // with one guest of each kind, and the witness, they fill the registries
+
+unsigned numberFrom(const char* variable, unsigned fallback) {
+    const char* const text = std::getenv(variable);
+    return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : fallback;
 }
 
-/** The notifications of one listener that begin so, without the tag. */
-Lines told(const Lines& lines, const std::string& tag, const std::string& beginning) {
-    Lines found;
-    for (const std::string& line : lines) {
-        if (line.starts_with(tag + ' ' + beginning)) found.push_back(line.substr(tag.size() + 1));
+/** A setting that is requested now and then; only one at a time of each group. */
+struct Request {
+    GpsSetting setting;
+    unsigned weight;
+    int group;
+    sim::MessageId id;
+    bool (*isInForce)(const sim::Configuration&);
+};
+enum Group { Zda, Gll, Vtg, Pubx, Rate, Speed, Datum, Save, Warm, Others, GroupCount = Others + 6 };
+constexpr sim::MessageId kMessage{6, 1}, kPort{6, 0}, kDatum{6, 6}, kSave{6, 9}, kReset{6, 4};
+
+template <int kind, int rate>
+bool hasRate(const sim::Configuration& configuration) {
+    return configuration.messages.rates[kind] == rate;
+}
+template <unsigned baud>
+bool hasSpeed(const sim::Configuration& configuration) {
+    return configuration.port.baud == baud;
+}
+bool always(const sim::Configuration&) {
+    return true;
+}
+const Request kRequests[] = {
+    {GPS_SETTING_ZDA_ON, 20, Zda, kMessage, hasRate<6, 1>},
+    {GPS_SETTING_ZDA_OFF, 20, Zda, kMessage, hasRate<6, 0>},
+    {GPS_SETTING_GLL_OFF, 1, Gll, kMessage, hasRate<5, 0>},
+    {GPS_SETTING_VTG_OFF, 1, Vtg, kMessage, hasRate<1, 0>},
+    {GPS_SETTING_PUBX00_ON, 5, Pubx, kMessage, hasRate<7, 1>},
+    {GPS_SETTING_RATE_5HZ, 10, Rate, {6, 8}, [](const auto& now) { return now.navigation.interval == 200ms; }},
+    {GPS_SETTING_BAUD_9600, 2, Speed, kPort, hasSpeed<9600>},
+    {GPS_SETTING_BAUD_38400, 2, Speed, kPort, hasSpeed<38400>},
+    {GPS_SETTING_BAUD_115200, 2, Speed, kPort, hasSpeed<115200>},
+    {GPS_SETTING_WARM_START, 1, Warm, kReset, always},
+    {GPS_SETTING_NAV5_PDOP10, 10, Others + 0, {6, 0x24}, always},
+    {GPS_SETTING_NAVX5_WEEK1756_AOP_ON, 10, Others + 1, {6, 0x23}, always},
+    {GPS_SETTING_SBAS_MSAS, 10, Others + 2, {6, 0x16}, always},
+    {GPS_SETTING_ANTENNA_SUPERVISOR, 10, Others + 3, {6, 0x13}, always},
+    {GPS_SETTING_GNSS_GPS, 10, Others + 4, {6, 0x3E}, always},
+    {GPS_SETTING_NMEA_V23, 10, Others + 5, {6, 0x17}, always},
+    {GPS_SETTING_DATUM_TOKYO, 0, Datum, kDatum, [](const auto& now) { return now.navigation.datum.centre.x != 0; }},
+    {GPS_SETTING_SAVE_CONFIG, 2, Save, kSave, always},
+};
+
+const Request& requestOf(GpsSetting setting) {
+    return *std::find_if(std::begin(kRequests), std::end(kRequests),
+                         [=](const Request& request) { return request.setting == setting; });
+}
+
+double degreesOf(double degreesMinutes) {
+    return std::trunc(degreesMinutes / 100) + std::fmod(degreesMinutes, 100) / 60;
+}
+
+/** The time of day in hundredths, as the digits of a time field give it: ".20" and, rebuilt, ".020". */
+unsigned timeOf(unsigned hour, unsigned minute, unsigned second, unsigned hundredths) {
+    return ((hour * 60 + minute) * 60 + second) * 100 + hundredths;
+}
+unsigned timeOf(const std::string& field) {
+    const auto number = [&](std::size_t at, std::size_t size) {
+        return static_cast<unsigned>(std::strtoul(field.substr(std::min(at, field.size()), size).c_str(), nullptr, 10));
+    };
+    return timeOf(number(0, 2), number(2, 2), number(4, 2), number(7, 3));
+}
+unsigned timeOf(const Sent& sent) {
+    const sim::UtcFields time = sim::utcFields(sent.truth.time);
+    return timeOf(time.hour, time.minute, time.second, time.millisecond / 10);
+}
+
+/** Where a rebuilt sentence has its fields, and what its status is without a fix. */
+struct Fields {
+    std::size_t time, latitude, status;
+    std::string noFix;
+};
+const std::map<std::string, Fields> kPositionFields{
+    {"RMC", {1, 3, 2, "V"}}, {"GGA", {1, 2, 6, "0"}}, {"GLL", {5, 1, 6, "V"}}, {"PUBX", {2, 3, 8, "NF"}}};
+
+class Listener;
+
+/** What everything in a drive shares. */
+struct Drive {
+    explicit Drive(unsigned seed) : random(seed) {}
+
+    const ScratchDirectory files;
+    std::mt19937 random;
+    std::unique_ptr<PtyReceiver> receiver;
+    Clock::time_point end;
+
+    std::atomic<unsigned> failures{0};
+    std::atomic<unsigned long> delivered{0};
+    std::atomic<unsigned> registrations{0}, speeds{0}, resets{0}, unplugs{0}, checks{0};
+
+    // Requests of settings share it; what a request does not survive takes it alone, with the turn.
+    std::shared_mutex quiet;
+    std::mutex turn;
+    std::array<std::mutex, GroupCount> groups;
+    std::atomic<Clock::time_point> datumFrom{Clock::time_point::max()};   // while the request is under way, sentences
+    std::atomic<Clock::time_point> datumUntil{Clock::time_point::max()};  // may be of either datum
+
+    bool isOver() const { return failures != 0 || Clock::now() >= end; }
+
+    void fail(const std::string& problem) {
+        constexpr unsigned kReported = 5;
+        if (failures++ < kReported) ADD_FAILURE() << problem;
     }
-    return found;
-}
 
-Lines toldOnReceiveThread(const Lines& lines, const std::string& tag) {
-    Lines found = told(lines, tag, "");
-    std::erase_if(found, [](const auto& line) { return line.starts_with("location") || line.starts_with("version"); });
-    return found;
-}
+    void checkPosition(const Sent& sent, double latitude, double longitude, const std::string& what) {
+        constexpr double kMetresPerDegree = 111195;
+        // A quantum of the conversion (0.12 m and 0.10 m), the two sets of shift constants, five decimals of a minute
+        // before and after.
+        constexpr double kLargestError = 0.34;
+        const auto now = Clock::now();
+        if (now >= datumFrom.load() && (!sent.isTokyo || now < datumUntil.load())) return;
+        const sim::Geodetic& truth = sent.truth.position;
+        const double east = (degreesOf(longitude) - truth.longitude) * std::cos(sim::radians(truth.latitude));
+        const double error = std::hypot(degreesOf(latitude) - truth.latitude, east) * kMetresPerDegree;
+        if (error > kLargestError) fail(std::to_string(error) + " m off: " + what + " of " + sent.text);
+    }
+};
 
-/** A client process, with two listeners of everything in WGS84 and one of raw sentences in Tokyo. */
-class Client : public Child {
+/** A listener of every kind. It checks what it gets, and may unregister itself. */
+class Listener : public GpsNmeaListener,
+                 public GpsParseNmeaListener,
+                 public GpsConnectionListener,
+                 public GpsSettingListener,
+                 public GpsProductionListener,
+                 public GpsVersionListener,
+                 public GpsLocationDataListener {
 public:
-    explicit Client(const std::string& device) : Child({"env", "GPSHAL_DEVICE=" + device, DRIVE_CLIENT}) {
-        await("ready");
-    }
+    explicit Listener(Drive& drive) : mDrive(drive) {}
 
-    /** There is no point in going on without what is awaited. */
-    void await(const std::string& text) {
-        if (!waitFor(text)) throw std::runtime_error("in vain waited for " + text);
-    }
-    void awaitEpoch() {
-        skip();
-        await("second EPOCH");
-    }
-    /** Says a command and waits for its result, which must be `answer`. What it causes may come before. */
-    void order(const std::string& command, const std::string& answer = "yes") {
-        skip();
-        send(command + "\n");
-        await("done " + answer);
-    }
-    /** Requests a setting and waits until both listeners have its answer. */
-    void set(GpsSetting setting, const std::string& answer) {
-        order("setting " + std::to_string(setting));
-        await("second setting");
-        mAnswers.push_back("setting " + std::to_string(setting) + ' ' + answer);
-    }
+    /** Called with the listener's own notification in progress; empty for one that stays. */
+    std::function<void()> onNotification;
+    std::atomic<bool> isRegistered{false};
+    std::atomic<std::size_t> nextRaw{0};
+    std::atomic<unsigned> modes{0}, monitorFrames{0};
+    std::atomic<int> antenna{-1};
 
-    Lines lines() const { return linesOf(all()); }
-    const Lines& answers() const { return mAnswers; }
+    /** Forgets its place in what was sent; to be called while it is not registered. */
+    void startAnew() { nextRaw = mNextParsed = 0; }
+
+    struct Answered {
+        unsigned acknowledged = 0, refused = 0;
+        unsigned count() const { return acknowledged + refused; }
+    };
+    Answered answered(GpsSetting setting) {
+        const std::lock_guard guard(mSync);
+        return mAnswered[setting];
+    }
+    bool awaitAnswer(GpsSetting setting, unsigned count) {
+        std::unique_lock guard(mSync);
+        return mChanged.wait_for(guard, kPatience, [&] { return mAnswered[setting].count() >= count; });
+    }
+    /** Waits until a sentence has come that is sent from now on. */
+    void awaitReception() {
+        const std::size_t from = mDrive.receiver->state().sent;
+        std::unique_lock guard(mSync);
+        if (!mChanged.wait_for(guard, kPatience, [&] { return nextRaw > from; })) mDrive.fail("nothing is received");
+    }
+    template <class Condition>
+    void await(const char* what, Condition condition) {
+        std::unique_lock guard(mSync);
+        if (!mChanged.wait_for(guard, kPatience, condition)) mDrive.fail(std::string("in vain awaited ") + what);
+    }
 
 private:
-    Lines mAnswers;
+    void notified() {
+        if (!isRegistered) mDrive.fail("called after it has left");
+        ++mDrive.delivered;
+        if (onNotification) onNotification();
+        const std::lock_guard guard(mSync);
+        mChanged.notify_all();
+    }
+
+    void notifyReceiveNmeaSentence(const char* data, unsigned int length) override {
+        const std::string text(data, length);
+        const std::string kind = sim::nmeaKind(text);
+        const std::vector<std::string> fields = sim::nmeaFields(text);
+        const auto position = kPositionFields.find(kind);
+        const bool hasPosition = position != kPositionFields.end() && fields.size() > 7;
+        const unsigned time = hasPosition ? timeOf(fields[position->second.time]) : 0;
+        std::string problem;
+        std::size_t next = nextRaw;
+        const auto sent = mDrive.receiver->find(
+            next, "RMC VTG GGA GSA GSV GLL ZDA PUBX",
+            [&](const Sent& candidate) {
+                if (candidate.kind != kind) return false;
+                return hasPosition ? timeOf(candidate) == time : candidate.text == text;
+            },
+            problem);
+        nextRaw = next;
+        if (!problem.empty()) mDrive.fail("raw " + text + problem);
+        if (sent && !sent->isTokyo && sent->text != text && Clock::now() < mDrive.datumFrom.load()) {
+            mDrive.fail("changed: " + text + "from " + sent->text);
+        }
+        if (sent && hasPosition && fields[position->second.status] != position->second.noFix) {
+            const std::size_t latitude = position->second.latitude;
+            mDrive.checkPosition(*sent, std::stod(fields[latitude]), std::stod(fields[latitude + 2]), text);
+        }
+        notified();
+    }
+
+    template <class Record>
+    void parsed(const char* kind, const Record& record, bool hasFix) {
+        const unsigned time = timeOf(record.Hour, record.Minute, record.Second, record.MilliSecond);
+        std::string problem;
+        const auto sent = mDrive.receiver->find(
+            mNextParsed, "RMC GGA GLL",
+            [&](const Sent& candidate) { return candidate.kind == kind && timeOf(candidate) == time; }, problem);
+        if (!problem.empty()) mDrive.fail(std::string("parsed ") + kind + ' ' + problem);
+        if (sent && hasFix) mDrive.checkPosition(*sent, record.Lat, record.Lon, std::string("parsed ") + kind);
+        notified();
+    }
+    void notifyParseRmcSentence(const GPRMC* rmc) override { parsed("RMC", *rmc, rmc->Status == 1); }
+    void notifyParseGgaSentence(const GPGGA* gga) override { parsed("GGA", *gga, gga->Quality != 0); }
+    void notifyParseGllSentence(const GPGLL* gll) override { parsed("GLL", *gll, gll->Status == 1); }
+    void notifyParseNmeaSentence(const PARSE_NMEA* epoch) override {
+        const auto time = [](const auto& part) {
+            return timeOf(part.Hour, part.Minute, part.Second, part.MilliSecond);
+        };
+        const bool isOne = time(epoch->Gga) == time(epoch->Rmc) && time(epoch->Gll) == time(epoch->Rmc);
+        if (!isOne) mDrive.fail("an epoch of several times");
+        notified();
+    }
+
+    void notifyGpsConnectionStatus(GpsConnectionStatus status) override {
+        antenna = status;
+        notified();
+    }
+    void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
+        {
+            const std::lock_guard guard(mSync);
+            ++(acknowledged ? mAnswered[setting].acknowledged : mAnswered[setting].refused);
+        }
+        notified();
+    }
+    void notyfySwitchGpsProductionModeRequestResponse(bool) override {
+        ++modes;
+        notified();
+    }
+    void notifyReceiveGpsProductionData(const PRODUCTION_DATA*) override {
+        ++monitorFrames;
+        notified();
+    }
+    void notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA*) override {
+        ++monitorFrames;
+        notified();
+    }
+    void notifyGpsVersionInfo(const char*, unsigned int) override { notified(); }
+    void notifyLocationData(const LOCATION_DATA* location) override {
+        const double number = location->Gga.Lat;
+        if (location->Rmc.Lat != number || location->Pascd.Sample[49].ValueB != number) mDrive.fail("a torn location");
+        notified();
+    }
+
+    Drive& mDrive;
+    std::mutex mSync;
+    std::condition_variable mChanged;
+    std::map<GpsSetting, Answered> mAnswered;
+    std::size_t mNextParsed = 0;
 };
 
-/** What the simulator says it put on the wire at the right speed, from one sentence on. */
-struct Sent {
-    Lines sentences;  // without texts, with CR LF
-    Lines statuses;
-    std::size_t productionFrames = 0;
+/** How to register for each kind of notification. */
+struct Kind {
+    bool (*enter)(Gps&, const Listener*);
+    bool (*leave)(Gps&, const Listener*);
+};
+template <auto enter, auto leave>
+constexpr Kind kind() {
+    return {[](Gps& gps, const Listener* listener) {
+                if constexpr (requires { (gps.*enter)(listener, GEODETIC_SYSTEM_WGS84); }) {
+                    return (gps.*enter)(listener, GEODETIC_SYSTEM_WGS84);
+                } else {
+                    return (gps.*enter)(listener);
+                }
+            },
+            [](Gps& gps, const Listener* listener) { return (gps.*leave)(listener); }};
+}
+constexpr Kind kKinds[] = {
+    kind<&Gps::registerGpsNmeaListener, &Gps::unRegisterGpsNmeaListener>(),
+    kind<&Gps::registerGpsParseNmeaListener, &Gps::unRegisterGpsParseNmeaListener>(),
+    kind<&Gps::registerGpsConnectionListener, &Gps::unRegisterGpsConnectionListener>(),
+    kind<&Gps::registerGpsSettingListener, &Gps::unRegisterGpsSettingListener>(),
+    kind<&Gps::registerGpsProductionListener, &Gps::unRegisterGpsProductionListener>(),
+    kind<&Gps::registerGpsVersionListener, &Gps::unRegisterGpsVersionListener>(),
+    kind<&Gps::registerGpsLocationDataListener, &Gps::unRegisterGpsLocationDataListener>(),
+};
+constexpr std::size_t kMayLeaveItself = 4;  // the first kinds, whose notifications may unregister
+
+void publish(unsigned number) {
+    GPS_LOCATION_SYNC_DATA location = {};
+    location.Gga.Lat = location.Rmc.Lat = location.Pascd.ValueB[49] = number;
+    EXPECT_TRUE(Gps::GetInstance()->setLocationData(&location));
+}
+
+/** Requests a setting and checks its answer against the receiver. */
+void ask(Drive& drive, Listener& witness, GpsSetting setting) {
+    const Request& request = requestOf(setting);
+    const std::unique_lock alone(drive.groups[static_cast<std::size_t>(request.group)], std::try_to_lock);
+    if (!alone) return;
+    const Listener::Answered before = witness.answered(setting);
+    const std::string name = "setting " + std::to_string(setting);
+    if (!Gps::GetInstance()->requestGpsSetting(setting)) return drive.fail(name + " could not be requested");
+    if (!witness.awaitAnswer(setting, before.count() + 1)) return drive.fail(name + " was not answered");
+    const Listener::Answered after = witness.answered(setting);
+    if (after.count() != before.count() + 1) drive.fail(name + " was answered twice");
+    if (after.acknowledged != before.acknowledged && !request.isInForce(drive.receiver->state().configuration)) {
+        drive.fail(name + " was acknowledged and is not in force");
+    }
+    unsigned acknowledged = 0, refused = 0;
+    for (const Request& other : kRequests) {
+        if (other.id != request.id) continue;
+        acknowledged += witness.answered(other.setting).acknowledged;
+        refused += witness.answered(other.setting).refused;
+    }
+    auto answers = drive.receiver->state().answers;
+    if (acknowledged > answers[{request.id, true}] || refused > answers[{request.id, false}]) {
+        drive.fail(name + " was answered otherwise than by the receiver");
+    }
+    if (request.group == Speed) {
+        ++drive.speeds;
+        witness.awaitReception();
+    }
+}
+
+/** Does something that no request survives, while none is under way. */
+template <class Work>
+void alone(Drive& drive, Listener& witness, Work work) {
+    const std::lock_guard turn(drive.turn);
+    const std::unique_lock guard(drive.quiet);
+    work();
+    witness.awaitReception();
+}
+
+void reset(Drive& drive, Listener& witness, unsigned choice) {
+    Gps& gps = *Gps::GetInstance();
+    const unsigned restarts = drive.receiver->state().restarts;
+    if (choice % 3 == 0) {
+        const unsigned modes = witness.modes;
+        const unsigned frames = witness.monitorFrames;
+        EXPECT_TRUE(gps.requestSwitchGpsProductionMode());
+        witness.await("the production mode", [&] { return witness.modes > modes; });
+        EXPECT_TRUE(gps.requestStartGpsProductionCheck());
+        witness.await("the check's results", [&] { return witness.monitorFrames == frames + 2; });
+        ++drive.checks;
+    }
+    EXPECT_TRUE(choice % 3 == 1 ? gps.requestGpsColdStart() : gps.requestFinishGpsProductionCheck());
+    const auto end = Clock::now() + kPatience;
+    while (drive.receiver->state().restarts == restarts && Clock::now() < end)
+        std::this_thread::sleep_for(1ms);
+    ++drive.resets;
+}
+
+/** One thread's part, with one guest of each kind. */
+class Actor {
+public:
+    Actor(Drive& drive, Listener& witness, unsigned seed) : mDrive(drive), mWitness(witness), mRandom(seed) {
+        for (std::size_t kind = 0; kind < std::size(kKinds); ++kind)
+            mGuests.push_back(std::make_unique<Listener>(drive));
+    }
+
+    void run() {
+        while (!mDrive.isOver())
+            act();
+        for (std::size_t kind = 0; kind < std::size(kKinds); ++kind)
+            leave(kind);
+    }
+
+private:
+    unsigned pick(std::size_t bound) { return static_cast<unsigned>(mRandom() % bound); }
+
+    void act() {
+        const unsigned what = pick(100);
+        if (what < 50) return move(pick(std::size(kKinds)));
+        if (what < 52) return publish(pick(1000000));
+        if (what == 53) Gps::GetInstance()->requestGpsVersionInfo();
+        if (what == 54) return alone(mDrive, mWitness, [this] { reset(mDrive, mWitness, pick(3)); });
+        if (what < 75) return std::this_thread::sleep_for(std::chrono::microseconds(pick(3000)));
+        std::unique_lock turn(mDrive.turn);
+        const std::shared_lock guard(mDrive.quiet);
+        turn.unlock();
+        request();
+    }
+
+    void move(std::size_t kind) {
+        Listener& guest = *mGuests[kind];
+        const bool wasRegistered = guest.isRegistered;
+        leave(kind);  // one that has left by itself may still be inside its last notification
+        if (wasRegistered) return;
+        guest.startAnew();
+        guest.onNotification = nullptr;
+        if (kind < kMayLeaveItself && pick(3) == 0) {
+            guest.onNotification = [this, kind, calls = std::make_shared<std::atomic<int>>(pick(30))] {
+                if ((*calls)-- == 0) leave(kind);
+            };
+        }
+        guest.isRegistered = true;
+        if (!kKinds[kind].enter(*Gps::GetInstance(), &guest)) mDrive.fail("refused listener " + std::to_string(kind));
+        ++mDrive.registrations;
+    }
+    void leave(std::size_t kind) {
+        if (!kKinds[kind].leave(*Gps::GetInstance(), mGuests[kind].get())) mDrive.fail("a listener cannot leave");
+        mGuests[kind]->isRegistered = false;
+    }
+
+    void request() {
+        unsigned total = 0;
+        for (const Request& request : kRequests)
+            total += request.weight;
+        const Request* request = kRequests;
+        for (unsigned left = pick(total); left >= request->weight; ++request)
+            left -= request->weight;
+        ask(mDrive, mWitness, request->setting);
+        // A restarted receiver is looked for at the last speed.
+        if (request->group == Speed) ask(mDrive, mWitness, GPS_SETTING_SAVE_CONFIG);
+    }
+
+    Drive& mDrive;
+    Listener& mWitness;
+    std::mt19937 mRandom;
+    std::vector<std::unique_ptr<Listener>> mGuests;
 };
 
-Sent readReport(const std::string& report, const std::string& first) {
-    Sent sent;
-    for (const std::string& line : linesOf(report)) {
-        const auto event = nlohmann::json::parse(line);
-        if (event.value("garbled", false)) continue;
-        if (event["event"] == "frame" && event["class"] == 0x0A) ++sent.productionFrames;
-        if (event["event"] != "sentence") continue;
-        const std::string text = event["text"].get<std::string>() + "\r\n";
-        if (text == first) sent.sentences.clear(), sent.statuses.clear();
-        GpsConnectionStatus status = GPS_CONNECTION_STATUS_OK;
-        if (event["kind"] != "TXT") sent.sentences.push_back(text);
-        if (event["kind"] == "TXT" && GpsConnectionManager::recognizeStatus(text.c_str(), &status)) {
-            sent.statuses.push_back("antenna " + std::to_string(status));
-        }
+/** A process that has set the datum and is killed before the service of this process starts. */
+void setTokyo(Drive& drive) {
+    Listener listener(drive);
+    listener.isRegistered = true;
+    Gps::GetInstance()->registerGpsSettingListener(&listener);
+    for (const GpsSetting setting : {GPS_SETTING_DATUM_TOKYO, GPS_SETTING_SAVE_CONFIG}) {
+        EXPECT_TRUE(Gps::GetInstance()->requestGpsSetting(setting));
+        EXPECT_TRUE(listener.awaitAnswer(setting, 1));
     }
-    return sent;
 }
 
-/** What the WGS84 listeners are told when the receiver reports Tokyo from one sentence on. */
-Lines expectedLines(const Lines& sentences, std::size_t tokyoFrom, bool isRaw) {
-    GpsParseNmeaManager manager;
-    Lines lines;
-    LineListener listener("", [&](const std::string& line) { lines.push_back(line.substr(1)); });
-    const GPS_PARSE_NMEA_LISTENER_LIST registry[] = {{&listener, GEODETIC_SYSTEM_WGS84}};
-    for (std::size_t i = 0; i < sentences.size(); ++i) {
-        const auto length = static_cast<unsigned int>(sentences[i].size());
-        char converted[GpsParseNmeaManager::REGENERATED_SIZE];
-        unsigned int convertedLength = 0;
-        if (!isRaw) {
-            const GeodeticSystem base = i < tokyoFrom ? GEODETIC_SYSTEM_WGS84 : GEODETIC_SYSTEM_TOKYO;
-            manager.parseNmeaSentence(sentences[i].data(), length, registry, 1, base, false);
-        } else if (i < tokyoFrom) {
-            listener.tell("raw", sentences[i]);
-        } else if (manager.convertTokyoToWgs84ForNmea(sentences[i].data(), length, GEODETIC_SYSTEM_WGS84, converted,
-                                                      &convertedLength)) {
-            listener.tell("raw", {converted, convertedLength});
-        }
+/** Client processes without a receiver, which publish and listen until they are killed, one after another. */
+[[noreturn]] void runClients(Drive& drive) {
+    unsetenv("GPSHAL_DEVICE");
+    while (true) {
+        const pid_t client = startProcess([&] {
+            Listener listener(drive);
+            listener.isRegistered = true;
+            kKinds[6].enter(*Gps::GetInstance(), &listener);
+            for (unsigned number = 0;; ++number) {
+                publish(number);
+                std::this_thread::sleep_for(1ms);
+            }
+        });
+        drive.random.discard(1);
+        std::this_thread::sleep_for(std::chrono::milliseconds(drive.random() % 200));
+        killProcess(client);
     }
-    return lines;
 }
 
-double degreesOf(const std::string& degreesMinutes) {
-    const double value = std::stod(degreesMinutes);
-    return std::trunc(value / 100) + std::fmod(value, 100) / 60;
+struct Resources {
+    long residentKiB, descriptors, threads;
+};
+Resources resources() {
+    const auto entries = [](const char* directory) {
+        return std::distance(std::filesystem::directory_iterator(directory), {});
+    };
+    long total = 0, pages = 0;
+    std::ifstream("/proc/self/statm") >> total >> pages;
+    return {pages * sysconf(_SC_PAGESIZE) / 1024, entries("/proc/self/fd"), entries("/proc/self/task")};
 }
 
-/** The largest distance, in metres, of the positions in rebuilt RMC sentences from the true ones, by time. */
-double largestError(const Lines& lines, const std::string& truth) {
-    constexpr double kMetresPerDegree = 111195;
-    std::map<std::string, std::pair<double, double>> trueAt;  // by "hhmmss.sss"
-    std::istringstream file(truth);
-    std::string time;
-    for (std::pair<double, double> position; file >> time >> position.first >> position.second;) {
-        trueAt[time.substr(11, 2) + time.substr(14, 2) + time.substr(17, 6)] = position;
-    }
-    double largest = 0;
-    for (const std::string& line : lines) {
-        const std::size_t body = line.find("RMC,");
-        if (body == std::string::npos) continue;
-        std::istringstream sentence(line.substr(body + 4));
-        std::string status, latitude, north, longitude;
-        for (std::string* field : {&time, &status, &latitude, &north, &longitude})
-            std::getline(sentence, *field, ',');
-        // The receiver's two digits of a second stand as a three-digit number in the rebuilt sentence.
-        const auto& [trueLatitude, trueLongitude] = trueAt.at(time.substr(0, 7) + time.substr(8) + '0');
-        const double parallel = std::cos(trueLatitude * std::numbers::pi / 180);
-        largest = std::max(
-            largest, std::hypot(degreesOf(latitude) - trueLatitude, (degreesOf(longitude) - trueLongitude) * parallel));
-    }
-    return largest * kMetresPerDegree;
-}
-
-TEST(Drive, EveryNotificationIsOneThatTheReceiverOrAClientCaused) {
-    const ScratchDirectory files;
-    // The sixth configuration message is refused, the poll after the change of speed included.
-    Child receiver({RECEIVER_SIM, "--link", files.path("gps"), "--report", files.path("report"), "--truth",
-                    files.path("truth"), "--antenna", "ok,open,ok", "--antenna-every", "1", "--nak-once", "6"});
-    ASSERT_TRUE(receiver.waitFor("/dev/"));
-    Client a(files.path("gps"));
-    Client b("");
-    a.awaitEpoch();
-    a.set(GPS_SETTING_BAUD_38400, "yes");
-    a.awaitEpoch();
-    a.set(GPS_SETTING_RATE_5HZ, "yes");
-    a.set(GPS_SETTING_ZDA_ON, "yes");
-    a.set(GPS_SETTING_PUBX00_ON, "yes");
-    a.set(GPS_SETTING_NAV5_PDOP10, "no");
-    a.order("version 0");
-    b.order("version 0");
-    Lines locations;
-    for (int number : {1, 2}) {
-        a.skip(), b.skip();
-        (number == 1 ? a : b).send("publish " + std::to_string(number) + "\n");
-        a.await("second location ");
-        b.await("second location ");
-        LOCATION_DATA record = {};
-        record.Gga.SatView = number;
-        LineListener expected("", [&](const std::string& line) { locations.push_back(line.substr(1)); });
-        expected.notifyRmcData(&record.Rmc);
-        expected.notifyGgaData(&record.Gga);
-        expected.notifyPascdData(&record.Pascd);
-        expected.notifyLocationData(&record);
-    }
-    a.set(GPS_SETTING_DATUM_TOKYO, "yes");
-    a.awaitEpoch();
-    a.set(GPS_SETTING_SAVE_CONFIG, "yes");
-    a.await("tokyo raw");
-    b.order("setting 1", "no");  // this process has no receiver
-    a.order("switch 0");
-    a.await("second mode");
-    a.order("check 0");
-    a.await("second MonPt2");
-    a.order("finish 0");
-    a.await("second antenna");  // the restarted receiver's
-    a.awaitEpoch();
-    a.awaitEpoch();
-    EXPECT_EQ(a.end(), 0);
-    EXPECT_EQ(b.end(), 0);
-    EXPECT_EQ(receiver.end(SIGTERM), 0);
-
-    // From the first sentence of an epoch that all listeners were there for.
-    Lines lines = a.lines();
-    const auto begin = std::find_if(std::find(lines.begin(), lines.end(), "ready"), lines.end(), [](const auto& line) {
-        return line.starts_with("first raw $") && line.find("RMC,") != std::string::npos;
+TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
+    const unsigned seed = numberFrom("QVGPS_SEED", std::random_device()() % 1000000);
+    const std::chrono::seconds length(numberFrom("QVGPS_ENDURANCE_SECONDS", 5));
+    std::printf("seed %u\n", seed);
+    std::fflush(stdout);
+    const testing::ScopedTrace trace(__FILE__, __LINE__, "QVGPS_SEED=" + std::to_string(seed));
+    Drive drive(seed);
+    QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);
+    setenv("GPSHAL_DEVICE", drive.files.path("gps").c_str(), 1);
+    const bool isTokyoBefore = drive.random() % 4 == 0;
+    Signal isPlugged;
+    const pid_t predecessor = startProcess([&] {
+        isPlugged.wait();
+        if (isTokyoBefore) setTokyo(drive);
     });
-    lines.erase(lines.begin(), begin);
-    const Lines raw = told(lines, "first", "raw ");
-    ASSERT_FALSE(raw.empty());
-    const std::string first = raw.front().substr(4, raw.front().size() - 6) + "\r\n";
-    Sent sent = readReport(files.read("report"), first);
-    ASSERT_LE(raw.size(), sent.sentences.size());
-    EXPECT_LT(sent.sentences.size() - raw.size(), 60u) << "only what was sent after the client had left is missing";
-    sent.sentences.resize(raw.size());
-    // The process learnt of the other datum before the first sentence that reached a listener rewritten.
-    const Lines asSent = expectedLines(sent.sentences, sent.sentences.size(), true);
-    const auto rewritten = std::mismatch(raw.begin(), raw.end(), asSent.begin()).first;
-    const auto tokyoFrom = static_cast<std::size_t>(rewritten - raw.begin());
-    EXPECT_EQ(raw, expectedLines(sent.sentences, tokyoFrom, true));
+    const pid_t clients = startProcess([&] { runClients(drive); });
 
-    // Explained: a quantum of the conversion (0.12 m and 0.10 m), the two sets of shift constants (0.04 m), five
-    // decimals of a minute before and after. Beyond that 0.1 m.
-    ASSERT_NE(rewritten, raw.end());
-    const double error = largestError(Lines(rewritten + 1, raw.end()), files.read("truth"));
-    std::printf("largest distance of the WGS84 listener's positions from the truth: %.3f m\n", error);
-    EXPECT_LT(error, 0.16 + 0.04 + 0.04 + 0.1);
+    sim::Receiver::Setup setup;
+    setup.antennaEvery = 20s;
+    for (int i = 0; i < 1000; ++i)
+        setup.antenna.push_back(sim::Antenna(drive.random() % 3));
+    setup.refuses = [random = drive.random](sim::MessageId id, unsigned) mutable {
+        const bool mayBeRefused = id != kPort && id != kDatum && id != kSave && id != kReset && id.id < 0x45;
+        return random() % 8 == 0 && mayBeRefused;
+    };
+    drive.receiver = std::make_unique<PtyReceiver>(drive.files.path("gps"), setup);
+    isPlugged.give();
+    ASSERT_EQ(exitCodeOf(predecessor), 0);
 
-    Lines parsed, expectedParsed = expectedLines(sent.sentences, tokyoFrom, false);
-    for (const std::string& line : told(lines, "first", "")) {
-        if (std::isupper(line[0]) != 0 && !line.starts_with("MonPt")) parsed.push_back(line);
+    Gps& gps = *Gps::GetInstance();
+    Listener witness(drive);
+    witness.isRegistered = true;
+    for (const Kind& kind : kKinds)
+        ASSERT_TRUE(kind.enter(gps, &witness));
+    witness.awaitReception();
+    drive.end = Clock::now() + length;
+    std::vector<std::unique_ptr<Actor>> actors;
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < kActors; ++i) {
+        actors.push_back(std::make_unique<Actor>(drive, witness, seed * kActors + i));
+        threads.emplace_back(&Actor::run, actors.back().get());
     }
-    // The datum may have changed between the raw and the parsed delivery of one sentence.
-    if (parsed != expectedParsed && tokyoFrom != 0) {
-        expectedParsed = expectedLines(sent.sentences, tokyoFrom - 1, false);
+    const Clock::time_point datumAt = Clock::now() + length * (drive.random() % 100) / 100;
+    const Resources before = resources();
+    while (!drive.isOver()) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(drive.random() % 1500));
+        alone(drive, witness, [&] {
+            drive.receiver->unplug();
+            std::this_thread::sleep_for(std::chrono::milliseconds(drive.random() % 300));
+            drive.receiver->plugIn();
+        });
+        ++drive.unplugs;
+        if (Clock::now() < datumAt || drive.datumFrom.load() != Clock::time_point::max() || isTokyoBefore) continue;
+        std::unique_lock turn(drive.turn);
+        const std::shared_lock guard(drive.quiet);
+        turn.unlock();
+        drive.datumFrom = Clock::now();
+        ask(drive, witness, GPS_SETTING_DATUM_TOKYO);
+        drive.datumUntil = Clock::now() + 500ms;  // a sentence may be on its way to a listener
+        const std::lock_guard save(drive.groups[Save]);
+        const unsigned saved = witness.answered(GPS_SETTING_SAVE_CONFIG).count();
+        EXPECT_TRUE(gps.requestGpsSetting(GPS_SETTING_SAVE_CONFIG));
+        EXPECT_TRUE(witness.awaitAnswer(GPS_SETTING_SAVE_CONFIG, saved + 1));
     }
-    EXPECT_EQ(parsed, expectedParsed);
-
-    const Lines tokyo = told(lines, "tokyo", "raw ");
-    ASSERT_TRUE(!tokyo.empty() && tokyo.size() <= asSent.size());
-    EXPECT_EQ(tokyo, Lines(asSent.end() - std::ssize(tokyo), asSent.end()));
-
-    const Lines statuses = told(lines, "first", "antenna");
-    EXPECT_THAT(statuses, testing::Contains("antenna 1"));
-    ASSERT_LE(statuses.size(), sent.statuses.size());
-    sent.statuses.resize(statuses.size());  // the client leaves first
-    EXPECT_EQ(statuses, sent.statuses);
-
-    EXPECT_EQ(toldOnReceiveThread(lines, "second"), toldOnReceiveThread(lines, "first"));
-    EXPECT_EQ(told(a.lines(), "first", "setting"), a.answers());
-    EXPECT_EQ(told(a.lines(), "first", "mode"), Lines{"mode yes"});
-    EXPECT_EQ(told(a.lines(), "first", "check"), Lines{"check yes"});
-    EXPECT_EQ(told(a.lines(), "first", "MonPt").size(), sent.productionFrames);
-    EXPECT_EQ(told(a.lines(), "first", "cold start"), Lines());
-    for (const Client* client : {&a, &b}) {
-        EXPECT_EQ(told(client->lines(), "first", "location"), locations);
-        EXPECT_EQ(told(client->lines(), "second", "location"), locations);
-        EXPECT_EQ(told(client->lines(), "first", "version"), Lines{"version u-blox 7c" + std::string(119, '.')});
+    const Resources after = resources();
+    for (std::thread& thread : threads)
+        thread.join();
+    witness.awaitReception();
+    unsigned acknowledged = 0, refused = 0;
+    for (const Request& request : kRequests) {
+        acknowledged += witness.answered(request.setting).acknowledged;
+        refused += witness.answered(request.setting).refused;
     }
-    EXPECT_EQ(told(b.lines(), "first", "").size(), 1 + 1 + locations.size()) << "the antenna, the version and these";
+    EXPECT_EQ(witness.monitorFrames, drive.receiver->state().checkResults);
+    EXPECT_NE(drive.receiver->state().antennaText.find(std::array{"=OK", "=OPEN", "=SHORT"}[witness.antenna]),
+              std::string::npos);
+    for (const Kind& kind : kKinds)
+        EXPECT_TRUE(kind.leave(gps, &witness));
+    witness.isRegistered = false;
+    killProcess(clients);
+    std::printf(
+        "%zu sentences sent, %lu notifications, %u registrations, %u settings acknowledged and %u refused, "
+        "%u changes of speed, %u resets, %u checks, unplugged %u times; memory %ld -> %ld KiB, descriptors %ld -> %ld, "
+        "threads %ld -> %ld\n",
+        drive.receiver->state().sent, drive.delivered.load(), drive.registrations.load(), acknowledged, refused,
+        drive.speeds.load(), drive.resets.load(), drive.checks.load(), drive.unplugs.load(), before.residentKiB,
+        after.residentKiB, before.descriptors, after.descriptors, before.threads, after.threads);
 }
 
 }  // namespace

@@ -27,6 +27,8 @@ struct Typed {
     std::vector<std::string> antenna{"ok"};
     double antennaEvery = 5.0;
     std::string fixLoss = "0,0";
+    bool refusesAll = false;
+    unsigned refusesOnce = 0;
     std::string startTime;
     double seconds = 0.0;
     bool doesNotWait = false;
@@ -74,8 +76,8 @@ void addReceiverOptions(CLI::App& app, Options& options, Typed& typed) {
     app.add_option("--fix-loss", typed.fixLoss, "Lose the fix AT seconds after the start, for so many SECONDS")
         ->option_text("AT,SECONDS")
         ->check(fixLossProblem);
-    auto* all = app.add_flag("--nak", receiver.refusesAll, "Refuse every configuration message");
-    app.add_option("--nak-once", receiver.refusesOnce, "Refuse the Nth configuration message only")
+    auto* all = app.add_flag("--nak", typed.refusesAll, "Refuse every configuration message");
+    app.add_option("--nak-once", typed.refusesOnce, "Refuse the Nth configuration message only")
         ->option_text("N")
         ->check(CLI::Range(1u, 1000000u))
         ->excludes(all);
@@ -132,6 +134,9 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     const auto [lostAt, lostFor] = parseFixLoss(typed.fixLoss).value();
     options.receiver.fixLostAt = milliseconds(lostAt);
     options.receiver.fixLostFor = milliseconds(lostFor);
+    options.receiver.refuses = [typed](MessageId, unsigned number) {
+        return typed.refusesAll || number == typed.refusesOnce;
+    };
     options.startTime = parseIsoTime(typed.startTime);
     if (app.count("--seconds") > 0) options.seconds = typed.seconds;
     options.waitsForClient = !typed.doesNotWait;

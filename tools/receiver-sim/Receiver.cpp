@@ -205,7 +205,7 @@ void Receiver::obeyFrame(const std::string& frame) {
     Answer answer{true};
     const auto* command = std::find_if(std::begin(kCommands), std::end(kCommands),
                                        [&id](const Command& candidate) { return candidate.id == id; });
-    if (isRefused()) {
+    if (mSetup.refuses(id, ++mConfigurationMessages)) {
         answer = {false};
     } else if (command != std::end(kCommands)) {
         const std::string_view payload = std::string_view(frame).substr(kUbxHeaderSize, announcedLength(frame));
@@ -218,10 +218,6 @@ void Receiver::obeyFrame(const std::string& frame) {
             {{"event", "ack"}, {"accepted", answer.isAccepted}, {"class", id.messageClass}, {"id", id.id}})));
     if (answer.afterwards != nullptr) (this->*answer.afterwards)();
     switchSpeed();
-}
-
-bool Receiver::isRefused() {
-    return ++mConfigurationMessages == mSetup.refusesOnce || mSetup.refusesAll;
 }
 
 Receiver::Answer Receiver::obeyMessageRate(std::string_view payload) {

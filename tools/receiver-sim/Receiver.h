@@ -1,6 +1,7 @@
 #ifndef RECEIVER_SIM_RECEIVER_H
 #define RECEIVER_SIM_RECEIVER_H
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,8 +31,8 @@ public:
         Milliseconds antennaEvery{5000};            ///< how long each state lasts, above 0
         Milliseconds fixLostAt{0};                  ///< since the start
         Milliseconds fixLostFor{0};                 ///< how long there is no fix; 0: it is never lost
-        bool refusesAll = false;                    ///< every configuration message is refused
-        unsigned refusesOnce = 0;                   ///< number, from 1, of the one that is refused; 0: none
+        /** Which configuration messages are refused; `number` counts them from 1. */
+        std::function<bool(MessageId id, unsigned number)> refuses = [](MessageId, unsigned) { return false; };
     };
 
     Receiver(const Setup& setup, UtcTime start);
@@ -55,6 +56,8 @@ public:
     };
     Truth runEpoch(UtcTime now);
 
+    const Configuration& configuration() const { return mCurrent; }
+
     /** What has come up since the last call. */
     std::vector<PortAction> takeActions();
 
@@ -73,7 +76,6 @@ private:
     void obey(const std::vector<Piece>& pieces);
     void obeySentence(const std::string& sentence);
     void obeyFrame(const std::string& frame);
-    bool isRefused();
     Answer obeyMessageRate(std::string_view payload);
     Answer obeyDatum(std::string_view payload);
     Answer obeyRate(std::string_view payload);

@@ -31,7 +31,9 @@ private:
         if (line.starts_with("fresh")) {
             const int refused = std::stoi(rest);
             mSim = std::make_unique<SimulatedReceiver>(sim::Receiver::Setup{
-                .refusesAll = refused < 0, .refusesOnce = refused < 0 ? 0 : static_cast<unsigned>(refused)});
+                .refuses = [refused](sim::MessageId, unsigned number) {
+                    return refused < 0 || number == static_cast<unsigned>(refused);
+                }});
         }
         if (line[0] == '>') mSim->receiver.receive(rest[0] == '$' ? rest + "\r\n" : hex(rest));
         if (line == "pause") mSim->receiver.receivePause();
