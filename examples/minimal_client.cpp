@@ -5,7 +5,10 @@
 #include "Gps/Gps.h"
 
 class Listener : public GpsParseNmeaListener {
-    void notifyParseRmcSentence(const GPRMC* rmc) { std::printf("%10.5f %11.5f\n", rmc->Lat, rmc->Lon); }
+    void notifyParseRmcSentence(const GPRMC* rmc) {
+        if (rmc->Status != 1) return;  // no fix: the coordinates are not valid
+        std::printf("%10.6f %11.6f\n", gpsDecimalDegrees(rmc->Lat), gpsDecimalDegrees(rmc->Lon));
+    }
 };
 
 int main() {

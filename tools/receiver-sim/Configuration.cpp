@@ -13,7 +13,7 @@ constexpr std::uint64_t kNavigationSection = 1u << 3;
 }  // namespace
 
 Configuration defaultConfiguration(unsigned baud, Milliseconds interval) {
-    Configuration configuration{{baud}, {}, {interval, kWgs84}};
+    Configuration configuration{{baud}, {}, {interval, kWgs84, kFirmwareWeek}};
     std::transform(kSentenceKinds.begin(), kSentenceKinds.end(), configuration.messages.rates.begin(),
                    [](const SentenceKind& kind) { return kind.defaultRate; });
     return configuration;

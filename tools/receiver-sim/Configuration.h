@@ -21,11 +21,15 @@ struct Configuration {
     struct Navigation {
         Milliseconds interval;  ///< from one epoch to the next
         Datum datum;
+        unsigned referenceWeek;  ///< GPS week from which on, for 1024 weeks, dates are right
     };
     Port port;
     Messages messages;
     Navigation navigation;
 };
+
+/** GPS week of the receiver's firmware, of 27 June 2012. */
+constexpr unsigned kFirmwareWeek = 1694;
 
 /** As the receiver leaves the factory: WGS84, the default rates, the given speed and interval. */
 Configuration defaultConfiguration(unsigned baud, Milliseconds interval);

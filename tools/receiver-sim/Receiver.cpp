@@ -69,6 +69,19 @@ const CheckResult kCheckResults[] = {
       {80 + 25, 1, 25}}},
 };
 
+/**
+ * The time with the date that a receiver works out. Satellites send the week modulo 1024; the receiver takes it for the
+ * first such week from its reference week on.
+ */
+UtcTime withDateFrom(unsigned referenceWeek, UtcTime time) {
+    constexpr int kWeeksSent = 1024;
+    constexpr UtcTime kWeekZero{std::chrono::sys_days(std::chrono::year(1980) / 1 / 6)};
+    const auto week = std::chrono::floor<std::chrono::weeks>(time - kWeekZero).count();
+    const auto sinceReference = (week - static_cast<int>(referenceWeek)) % kWeeksSent;
+    const auto resolved = referenceWeek + (sinceReference + kWeeksSent) % kWeeksSent;
+    return time + std::chrono::weeks(resolved - week);
+}
+
 constexpr unsigned kFadePerSecond = 8;  // dB, once the fix is lost
 
 /** Weakens all signals; what falls below the receiver's sensitivity is no longer tracked. */
@@ -91,6 +104,7 @@ const Receiver::Command Receiver::kCommands[] = {
     {{0x06, 0x06}, &Receiver::obeyDatum},
     {{0x06, 0x08}, &Receiver::obeyRate},
     {{0x06, 0x09}, &Receiver::obeySave},
+    {{0x06, 0x23}, &Receiver::obeyNavigationExpert},
     {{0x06, 0x59}, &Receiver::obeyStartCheck},
 };
 
@@ -147,7 +161,9 @@ Fix Receiver::fixAt(UtcTime time, const Motion& motion) const {
     const Geodetic& truth = motion.position;
     const Geodetic reported = toGeodetic(toCartesian(truth, kWgs84), mCurrent.navigation.datum);
     const double aboveSea = truth.height - kGeoidHeight;
-    Fix fix{!mFixLost, time, reported, reported.height - aboveSea, motion, skyAt(time, truth)};
+    Fix fix{!mFixLost, withDateFrom(mCurrent.navigation.referenceWeek, time),
+            reported,  reported.height - aboveSea,
+            motion,    skyAt(time, truth)};
     if (mFixLost) {
         const auto secondsLost = std::chrono::ceil<std::chrono::seconds>(time - *mFixLost).count();
         fade(fix.sky, static_cast<unsigned>(secondsLost + 1) * kFadePerSecond);
@@ -261,6 +277,16 @@ Receiver::Answer Receiver::obeyRate(std::string_view payload) {
     const std::uint64_t perSolution = readUnsigned(payload, 2, 2);
     if (measurement < kShortest || perSolution == 0) return {false};
     mCurrent.navigation.interval = Milliseconds(measurement * perSolution);
+    return {true};
+}
+
+Receiver::Answer Receiver::obeyNavigationExpert(std::string_view payload) {
+    constexpr std::uint64_t kSetsReferenceWeek = 1 << 9;
+    if (payload.empty()) return {true};
+    if (payload.size() != 40) return {false};
+    if ((readUnsigned(payload, 2, 2) & kSetsReferenceWeek) == 0) return {true};
+    const auto week = static_cast<unsigned>(readUnsigned(payload, 18, 2));
+    mCurrent.navigation.referenceWeek = week != 0 ? week : kFirmwareWeek;
     return {true};
 }
 

@@ -79,6 +79,7 @@ private:
     Answer obeyMessageRate(std::string_view payload);
     Answer obeyDatum(std::string_view payload);
     Answer obeyRate(std::string_view payload);
+    Answer obeyNavigationExpert(std::string_view payload);
     Answer obeyPort(std::string_view payload);
     Answer obeyRestart(std::string_view payload);
     Answer obeySave(std::string_view payload);

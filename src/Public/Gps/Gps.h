@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "Gps/GpsDegrees.h"
 #include "Gps/GpsExport.h"
 #include "Gps/GpsListeners.h"
 #include "Gps/GpsLocationRecords.h"

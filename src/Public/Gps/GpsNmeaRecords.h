@@ -17,7 +17,13 @@
  * Times are UTC. `MilliSecond` is the fraction's digits (at most three) read as an integer: ".50" gives 50.
  */
 
-/** Datum of coordinates: of a listener, and of what the receiver reports (the base datum). */
+/**
+ * Datum of coordinates: of a listener, and of what the receiver reports (the base datum).
+ *
+ * WGS84 positions that are converted from a receiver in the Tokyo datum are less accurate than those of a receiver in
+ * WGS84: in Japan by 0.07 m on average and at most 0.2 m up to 1000 m above the sea, 0.2 m and 0.4 m at 3000 m. The
+ * conversion is for the receiver's coordinates alone: those of old Tokyo-datum maps differ from them by metres.
+ */
 enum GeodeticSystem : int {
     GEODETIC_SYSTEM_WGS84 = 0,
     GEODETIC_SYSTEM_TOKYO = 1,

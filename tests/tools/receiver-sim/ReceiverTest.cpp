@@ -4,37 +4,220 @@
 
 #include <cmath>
 #include <map>
+#include <sstream>
 
-#include "SimulatedReceiver.h"
-#include "tests/support/Messages.h"
+#include "Nmea.h"
 
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_literals;
+using sim::Antenna;
+using sim::ubxFrame;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::Pair;
 
-TEST(Epoch, ConsistsOfSentencesWithChecksumAndLineEnd) {
-    SimulatedReceiver sim;
-    sim.answerTo(kZdaOn + kPubxOn + kFiveHertz + kTokyo);
-    for (int epoch = 0; epoch < 3000; ++epoch) {
-        for (const std::string& text : sim.nextEpoch()) {
-            ASSERT_EQ(text, sentence(text.substr(1, text.find('*') - 1)));
-            ASSERT_LE(text.size(), 128u) << text;
+constexpr sim::UtcTime kStart{std::chrono::sys_days(std::chrono::year(2024) / 5 / 1) + 12h};
+
+/** A configuration message. */
+std::string message(unsigned char id, const std::string& payload) {
+    return ubxFrame({0x06, id}, payload);
+}
+std::string answer(unsigned char id, bool isAccepted) {
+    return ubxFrame({0x05, isAccepted}, "\x06" + std::string(1, static_cast<char>(id)));
+}
+/** "F0 08" as bytes. */
+std::string hex(const std::string& text) {
+    std::istringstream digits(text);
+    std::string bytes;
+    for (unsigned byte; digits >> std::hex >> byte;)
+        bytes += static_cast<char>(byte);
+    return bytes;
+}
+
+const std::string kZdaOn = message(0x01, hex("F0 08 01 01 01 01 01 00"));
+const std::string kPubxOn = message(0x01, hex("F1 00 01 01 01 01 01 00"));
+const std::string kFiveHertz = message(0x08, hex("C8 00 01 00 01 00"));
+const std::string kReset = message(0x04, hex("FF 87 04 00"));
+const std::string kTokyo =
+    message(0x06, hex("1F 85 EB 49 ED 53 58 41 90 A6 D5 EB 71 B2 72 40 FC 69 12 C3 23 AB FD 43 73 20 2A 44") +
+                      std::string(16, '\0'));
+const std::string kSave = message(0x09, hex("00 00 00 00 FF FF 00 00 00 00 00 00 07"));
+const std::string kSwitchToProduction(sim::kSwitchToProduction);
+const std::string kStartCheck = message(0x59, hex("00 01 FF 1E E8 03 00 00 64 00 00 00 00 01 00 00"));
+const std::string kPollPort = message(0x00, hex("01"));
+
+/** A receiver that was switched on at noon on 1 May 2024, and what it does, step by step. */
+struct Simulation {
+    explicit Simulation(const sim::Receiver::Setup& setup = {}, sim::UtcTime start = kStart) : receiver(setup, start) {}
+
+    std::string bytesSent() {
+        std::string bytes;
+        for (const sim::PortAction& action : receiver.takeActions()) {
+            bytes += action.bytes;
+            if (action.baud != 0) bytes += "<" + std::to_string(action.baud) + ">";
         }
+        return bytes;
+    }
+    std::string answerTo(const std::string& bytes) {
+        receiver.receive(bytes);
+        return bytesSent();
+    }
+    std::vector<std::string> nextEpoch() {
+        bytesSent();
+        truth = receiver.runEpoch(receiver.nextEpoch());
+        std::istringstream lines(bytesSent());
+        std::vector<std::string> sentences;
+        for (std::string line; std::getline(lines, line);)
+            sentences.push_back(line + "\n");
+        return sentences;
+    }
+    /** The kinds of the next epoch's sentences, each once, and the time to the epoch after it. */
+    std::string nextKinds() {
+        std::string kinds, last;
+        for (const std::string& sentence : nextEpoch()) {
+            if (sim::nmeaKind(sentence) != last) kinds += sim::nmeaKind(sentence) + ' ';
+            last = sim::nmeaKind(sentence);
+        }
+        return kinds + std::to_string((receiver.nextEpoch() - truth.time).count());
+    }
+    /** The fields of the next epoch's sentences by kind. */
+    std::map<std::string, std::vector<std::string>> nextFields() {
+        std::map<std::string, std::vector<std::string>> fields;
+        for (const std::string& sentence : nextEpoch())
+            fields[sim::nmeaKind(sentence)] = sim::nmeaFields(sentence);
+        return fields;
+    }
+
+    sim::Receiver receiver;
+    sim::Receiver::Truth truth{};
+};
+
+TEST(Commands, AreAcknowledgedWhenTheyCanBeObeyed) {
+    const struct {
+        const char* what;
+        std::string command, answer;
+    } cases[] = {
+        {"all ports", kZdaOn, answer(0x01, true)},
+        {"this port", message(0x01, hex("F0 08 01")), answer(0x01, true)},
+        {"unknown sentence", message(0x01, hex("0A 09 01")), answer(0x01, true)},
+        {"without an effect here", message(0x24, hex("FF FF 04 02")), answer(0x24, true)},
+        {"announces more than it brings", kSwitchToProduction, answer(0x45, true)},
+        {"wrong length", message(0x01, hex("F0 08 01 01")), answer(0x01, false)},
+        {"no ellipsoid", message(0x06, std::string(44, '\0')), answer(0x06, false)},
+        {"no interval", message(0x08, hex("00 00 01 00 01 00")), answer(0x08, false)},
+        {"no such speed", message(0x00, hex("01 00 00 00 D0 08 00 00 39 30 00 00 07 00 03 00 00 00 00 00")),
+         answer(0x00, false)},
+        {"no such port", message(0x00, hex("09")), answer(0x00, false)},
+        {"no expert settings", message(0x23, hex("00 00 FF FF")), answer(0x23, false)},
+        {"wrong checksum", kZdaOn.substr(0, kZdaOn.size() - 1) + 'x', ""},
+        {"another class", ubxFrame({0x0A, 0x04}, ""), ""},
+        {"a sentence", sim::nmeaSentence("GPGGA,120000.00,,,,,0,,,,,,,,"), ""},
+        {"after noise", "noise\xFF" + kZdaOn, answer(0x01, true)},
+        {"after the start of a frame", hex("B5 62 06") + kZdaOn, answer(0x01, true)},
+        {"after a long frame", hex("B5 62 06 01 FF FF") + kZdaOn, answer(0x01, true)},
+        {"after the start of a sentence", "$PUBX,41,1,00" + kZdaOn, answer(0x01, true)},
+    };
+    for (const auto& [what, command, expected] : cases) {
+        Simulation sim;
+        sim.receiver.receive(command);
+        sim.receiver.receivePause();
+        EXPECT_EQ(sim.bytesSent(), expected) << what;
+    }
+    Simulation sim;
+    std::string answers;
+    for (const char byte : kZdaOn)
+        answers += sim.answerTo(std::string(1, byte));
+    EXPECT_EQ(answers, answer(0x01, true)) << "byte by byte";
+}
+
+TEST(Commands, HaveTheirEffectUnlessTheyAreRefused) {
+    const auto rate = [](const char* sentence) { return message(0x01, hex(sentence)); };
+    const auto refusal = [](unsigned refused) {
+        return sim::Receiver::Setup{.refuses = [=](auto, unsigned number) { return number == refused; }};
+    };
+    const struct {
+        const char* what;
+        unsigned refused;
+        std::string commands, kinds;
+    } cases[] = {
+        {"none", 0, "", "RMC VTG GGA GSA GSV GLL 1000"},
+        {"on", 0, kZdaOn + kPubxOn, "RMC VTG GGA GSA GSV GLL ZDA PUBX 1000"},
+        {"off", 0, rate("F0 05 00 00 00 00 00 00") + rate("F0 01 00") + rate("F0 04 01 00 01 01 01 00"),
+         "GGA GSA GSV 1000"},
+        {"refused", 2, kZdaOn + kPubxOn + kFiveHertz, "RMC VTG GGA GSA GSV GLL ZDA 200"},
+        {"restarted", 0, kZdaOn + kFiveHertz + kReset, "RMC VTG GGA GSA GSV GLL 1000"},
+        {"saved", 0, kZdaOn + kFiveHertz + kSave + kPubxOn + kReset, "RMC VTG GGA GSA GSV GLL ZDA 200"},
+        {"cleared", 0, kZdaOn + kSave + message(0x09, hex("FF FF 00 00 00 00 00 00 00 00 00 00")) + kReset,
+         "RMC VTG GGA GSA GSV GLL 1000"},
+        {"saved in part", 0, kZdaOn + kFiveHertz + message(0x09, hex("00 00 00 00 08 00 00 00 00 00 00 00")) + kReset,
+         "RMC VTG GGA GSA GSV GLL 200"},
+        {"loaded", 0, kZdaOn + kSave + kPubxOn + message(0x09, hex("00 00 00 00 00 00 00 00 02 00 00 00")),
+         "RMC VTG GGA GSA GSV GLL ZDA 1000"},
+        {"navigation restarted", 0, kZdaOn + message(0x04, hex("FF FF 02 00")), "RMC VTG GGA GSA GSV GLL ZDA 1000"},
+    };
+    for (const auto& [what, refused, commands, kinds] : cases) {
+        Simulation sim(refusal(refused));
+        sim.answerTo(commands);
+        EXPECT_EQ(sim.nextKinds(), kinds) << what;
+    }
+    Simulation sim;
+    sim.answerTo(rate("F0 08 02"));
+    EXPECT_EQ(sim.nextKinds(), "RMC VTG GGA GSA GSV GLL 1000") << "every second epoch";
+    EXPECT_EQ(sim.nextKinds(), "RMC VTG GGA GSA GSV GLL ZDA 1000");
+}
+
+TEST(Commands, ChangeThePortsSpeedAfterTheAnswer) {
+    Simulation sim;
+    const std::string settings = hex("01 00 00 00 D0 08 00 00 00 96 00 00 07 00 03 00 00 00 00 00");
+    EXPECT_EQ(sim.answerTo(message(0x00, settings)), answer(0x00, true) + "<38400>");
+    EXPECT_EQ(sim.answerTo(kPollPort), message(0x00, settings) + answer(0x00, true));
+    for (const auto& [sentence, action] : {std::pair("PUBX,41,1,0007,0003,115200,0", "<115200>"),
+                                           {"PUBX,41,1,0007,0003,12345,0", ""},
+                                           {"PUBX,41,3,0007,0003,38400,0", ""},
+                                           {"PUBX,41,1,0007,0003,38400x,0", ""},
+                                           {"PUBX,41,1,0007", ""}})
+        EXPECT_EQ(sim.answerTo(sim::nmeaSentence(sentence)), action);
+}
+
+TEST(Commands, StartTheFactoryCheck) {
+    const std::string sent = Simulation().answerTo(kStartCheck);
+    EXPECT_THAT(sent, testing::StartsWith(answer(0x59, true) + ubxFrame({0x0A, 0x20}, "").substr(0, 4)));
+    EXPECT_THAT(sent, testing::HasSubstr(hex("B5 62 0A 2B 74 00 00 00 02 01")));
+    EXPECT_EQ(sent.size(), 10u + 60 + 124);
+}
+
+TEST(Epoch, ConsistsOfSentences) {
+    Simulation sim;
+    sim.answerTo(kZdaOn + kPubxOn);
+    // The drive begins 1500 m north of 35.65 N 139.73 E, heading east at 50 km/h; a degree is 110953 m there.
+    EXPECT_THAT(
+        sim.nextEpoch(),
+        ElementsAre("$GPRMC,120000.00,A,3539.81115,N,13943.80000,E,26.998,90.00,010524,,,A*6E\r\n",
+                    "$GPVTG,90.00,T,,M,26.998,N,50.000,K,A*0D\r\n",
+                    "$GPGGA,120000.00,3539.81115,N,13943.80000,E,1,10,1.01,23.3,M,36.7,M,,*6A\r\n",
+                    "$GPGSA,A,3,01,05,09,10,14,15,21,25,26,30,,,1.74,1.01,1.42*09\r\n",
+                    "$GPGSV,3,1,10,01,46,050,42,05,32,279,37,09,17,214,32,10,70,065,43*7D\r\n",
+                    "$GPGSV,3,2,10,14,23,129,36,15,09,045,30,21,45,226,41,25,11,320,33*7A\r\n",
+                    "$GPGSV,3,3,10,26,20,124,36,30,68,328,44*78\r\n",
+                    "$GPGLL,3539.81115,N,13943.80000,E,120000.00,A,A*6E\r\n",
+                    "$GPZDA,120000.00,01,05,2024,00,00*65\r\n",
+                    "$PUBX,00,120000.00,3539.81115,N,13943.80000,E,60.000,G3,2.0,2.8,50.000,90.00,-0.185,,1.01,1.42,"
+                    "0.81,10,0,0*4B\r\n"));
+    for (int epoch = 0; epoch < 3000; ++epoch) {
+        for (const std::string& text : sim.nextEpoch())
+            ASSERT_FALSE(sim::nmeaFields(text).empty() || text.size() > 128);
     }
 }
 
 TEST(Epoch, KeepsToTheGridAndLeavesOutWhatWasMissed) {
-    SimulatedReceiver sim({.interval = 200ms});
-    const auto start = SimulatedReceiver::kStart;
-    EXPECT_EQ(sim.receiver.nextEpoch(), start);
-    EXPECT_EQ(sim.receiver.runEpoch(start).time, start);
-    EXPECT_EQ(sim.receiver.runEpoch(start + 1399ms).time, start + 1200ms);
-    EXPECT_EQ(sim.receiver.nextEpoch(), start + 1400ms);
-    sim.answerTo(hex("B5 62 06 08 06 00 E8 03 01 00 01 00 01 39"));  // back to one second
-    EXPECT_EQ(sim.receiver.nextEpoch(), start + 2000ms);
+    Simulation sim({.interval = 200ms});
+    EXPECT_EQ(sim.receiver.runEpoch(kStart).time, kStart);
+    EXPECT_EQ(sim.receiver.runEpoch(kStart + 1399ms).time, kStart + 1200ms);
+    EXPECT_EQ(sim.receiver.nextEpoch(), kStart + 1400ms);
+    sim.answerTo(message(0x08, hex("E8 03 01 00 01 00")));  // back to one second
+    EXPECT_EQ(sim.receiver.nextEpoch(), kStart + 2000ms);
 }
 
 /** "3539.81115" as degrees. */
@@ -48,24 +231,20 @@ TEST(Datum, TokyoIsTheSamePlaceInOtherCoordinates) {
     // difference changes by less than 0.4 m.
     constexpr double kLatitudeShift = 35.6532411 - 35.65;
     constexpr double kLongitudeShift = 139.7301031 - (139 + 44 / 60.0);
-    SimulatedReceiver sim;
+    Simulation sim;
     sim.answerTo(kTokyo + kPubxOn);
     for (int epoch = 0; epoch < 700; ++epoch) {
-        std::map<std::string, std::vector<std::string>> fields;
-        for (const std::string& sentence : sim.nextEpoch())
-            fields[sim::nmeaKind(sentence)] = sim::nmeaFields(sentence);
+        auto fields = sim.nextFields();
         for (const auto& [kind, at] : {std::pair("RMC", 3u), {"GGA", 2u}, {"GLL", 1u}, {"PUBX", 3u}}) {
             EXPECT_NEAR(sim.truth.position.latitude - angle(fields[kind][at]), kLatitudeShift, 4e-6);
             EXPECT_NEAR(sim.truth.position.longitude - angle(fields[kind][at + 2]), kLongitudeShift, 4e-6);
         }
-        const double aboveSea = sim.truth.position.height - 36.7;
-        EXPECT_NEAR(std::stod(fields["GGA"][9]), aboveSea, 0.06) << "the sea level has no datum";
+        EXPECT_NEAR(std::stod(fields["GGA"][9]), sim.truth.position.height - 36.7, 0.06) << "the sea has no datum";
     }
 }
 
-TEST(Antenna, IsTextedAtTheStartAndWithEveryChange) {
-    using sim::Antenna;
-    SimulatedReceiver sim({.antenna = {Antenna::Ok, Antenna::Open, Antenna::Open, Antenna::Short}, .antennaEvery = 2s});
+TEST(Antenna, IsReportedAtTheStartAndWithEveryChange) {
+    Simulation sim({.antenna = {Antenna::Ok, Antenna::Short, Antenna::Short, Antenna::Ok}, .antennaEvery = 2s});
     sim.receiver.announce();
     EXPECT_THAT(sim.bytesSent(), EndsWith("\r\n$GPTXT,01,01,02,ANTSTATUS=OK*3B\r\n"));
     std::map<int, std::string> texts;
@@ -73,8 +252,53 @@ TEST(Antenna, IsTextedAtTheStartAndWithEveryChange) {
         const std::string first = sim.nextEpoch().front();
         if (sim::nmeaKind(first) == "TXT") texts[second] = first;
     }
-    EXPECT_THAT(texts, ElementsAre(Pair(2, "$GPTXT,01,01,02,ANTSTATUS=OPEN*2B\r\n"),
-                                   Pair(6, "$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n")));
+    EXPECT_THAT(texts, ElementsAre(Pair(2, "$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n"),
+                                   Pair(6, "$GPTXT,01,01,02,ANTSTATUS=OK*3B\r\n")));
+}
+
+TEST(Fix, IsLostForATimeAndWithAnOpenAntenna) {
+    for (const sim::Receiver::Setup& setup :
+         {sim::Receiver::Setup{.antenna = {Antenna::Ok, Antenna::Open, Antenna::Ok}, .antennaEvery = 10s},
+          sim::Receiver::Setup{.fixLostAt = 10s, .fixLostFor = 10s}}) {
+        Simulation sim(setup);
+        sim.answerTo(kPubxOn);
+        unsigned signal = 99;
+        for (int second = 0; second < 25; ++second) {
+            auto fields = sim.nextFields();
+            const bool isLost = second >= 10 && second < 20;
+            EXPECT_EQ(fields["RMC"][2] + fields["GGA"][6] + fields["GSA"][2] + fields["GLL"][6] + fields["PUBX"][8],
+                      isLost ? "V01VNF" : "A13AG3");
+            EXPECT_EQ(fields["RMC"][3].empty() && fields["VTG"][5].empty() && fields["GGA"][2].empty(), isLost);
+            EXPECT_EQ(fields["RMC"][9], "010524") << "the clock goes on";
+            if (!isLost) continue;
+            const unsigned now = static_cast<unsigned>(std::atoi(fields["GSV"].back().c_str()));
+            EXPECT_TRUE(now < signal || now == 0) << "satellites fade";
+            signal = now;
+        }
+        EXPECT_EQ(signal, 0u);
+    }
+}
+
+TEST(Date, IsRightFor1024WeeksFromTheReferenceWeek) {
+    const auto expertSettings = [](const char* mask, const char* week) {
+        return message(0x23, hex("00 00 "s + mask) + std::string(14, '\0') + hex(week) + std::string(20, '\0'));
+    };
+    using std::chrono::sys_days, std::chrono::year;
+    const struct {
+        std::string command;
+        sys_days last;
+        const char *dates, *datesAfter;
+    } cases[] = {
+        {expertSettings("FF FF", "43 06"), year(2030) / 5 / 11, "110530", "260910"},
+        {expertSettings("4C 66", "DC 06"), year(2033) / 4 / 16, "160433", "010913"},
+        {expertSettings("FF FD", "DC 06"), year(2032) / 2 / 7, "070232", "240612"},  // leaves the firmware's own
+    };
+    for (const auto& [command, last, before, after] : cases) {
+        Simulation sim({}, last + 24h - 1s);
+        EXPECT_EQ(sim.answerTo(command), answer(0x23, true));
+        EXPECT_EQ(sim.nextFields()["RMC"][9], before);
+        EXPECT_EQ(sim.nextFields()["RMC"][9], after);
+    }
 }
 
 }  // namespace

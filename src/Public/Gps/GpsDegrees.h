@@ -1,0 +1,13 @@
+#ifndef GPS_GPS_DEGREES_H
+#define GPS_GPS_DEGREES_H
+
+/**
+ * Decimal degrees of a coordinate as the records hold it.
+ * @param degreesMinutes ddmm.mmmm or dddmm.mmmm, negative for south and west, such as GPRMC::Lat; 0 without a fix
+ */
+inline double gpsDecimalDegrees(double degreesMinutes) {
+    const int degrees = static_cast<int>(degreesMinutes / 100.0);  // towards zero
+    return degrees + (degreesMinutes - 100.0 * degrees) / 60.0;
+}
+
+#endif
