@@ -351,10 +351,6 @@ void ask(Drive& drive, Listener& witness, GpsSetting setting) {
     if (acknowledged > answers[{request.id, true}] || refused > answers[{request.id, false}]) {
         drive.fail(name + " was answered otherwise than by the receiver");
     }
-    if (request.group == Speed) {
-        ++drive.speeds;
-        witness.awaitReception();
-    }
 }
 
 /** Does something that no request survives, while none is under way. */
@@ -410,10 +406,12 @@ private:
         if (what == 53) Gps::GetInstance()->requestGpsVersionInfo();
         if (what == 54) return alone(mDrive, mWitness, [this] { reset(mDrive, mWitness, pick(3)); });
         if (what < 75) return std::this_thread::sleep_for(std::chrono::microseconds(pick(3000)));
+        const Request& request = choose();
+        if (request.group == Speed) return alone(mDrive, mWitness, [&] { changeSpeed(request.setting); });
         std::unique_lock turn(mDrive.turn);
         const std::shared_lock guard(mDrive.quiet);
         turn.unlock();
-        request();
+        ask(mDrive, mWitness, request.setting);
     }
 
     void move(std::size_t kind) {
@@ -437,16 +435,21 @@ private:
         mGuests[kind]->isRegistered = false;
     }
 
-    void request() {
+    const Request& choose() {
         unsigned total = 0;
         for (const Request& request : kRequests)
             total += request.weight;
         const Request* request = kRequests;
         for (unsigned left = pick(total); left >= request->weight; ++request)
             left -= request->weight;
-        ask(mDrive, mWitness, request->setting);
-        // A restarted receiver is looked for at the last speed.
-        if (request->group == Speed) ask(mDrive, mWitness, GPS_SETTING_SAVE_CONFIG);
+        return *request;
+    }
+
+    void changeSpeed(GpsSetting setting) {
+        ask(mDrive, mWitness, setting);
+        mWitness.awaitReception();
+        ask(mDrive, mWitness, GPS_SETTING_SAVE_CONFIG);  // a restarted receiver is looked for at the last speed
+        ++mDrive.speeds;
     }
 
     Drive& mDrive;
@@ -533,6 +536,7 @@ TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
         ASSERT_TRUE(kind.enter(gps, &witness));
     witness.awaitReception();
     drive.end = Clock::now() + length;
+    const Resources before = resources();
     std::vector<std::unique_ptr<Actor>> actors;
     std::vector<std::thread> threads;
     for (unsigned i = 0; i < kActors; ++i) {
@@ -540,7 +544,6 @@ TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
         threads.emplace_back(&Actor::run, actors.back().get());
     }
     const Clock::time_point datumAt = Clock::now() + length * (drive.random() % 100) / 100;
-    const Resources before = resources();
     while (!drive.isOver()) {
         std::this_thread::sleep_for(std::chrono::milliseconds(drive.random() % 1500));
         alone(drive, witness, [&] {
@@ -561,10 +564,12 @@ TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
         EXPECT_TRUE(gps.requestGpsSetting(GPS_SETTING_SAVE_CONFIG));
         EXPECT_TRUE(witness.awaitAnswer(GPS_SETTING_SAVE_CONFIG, saved + 1));
     }
-    const Resources after = resources();
     for (std::thread& thread : threads)
         thread.join();
     witness.awaitReception();
+    const Resources after = resources();
+    EXPECT_EQ(after.descriptors, before.descriptors);
+    EXPECT_EQ(after.threads, before.threads);
     unsigned acknowledged = 0, refused = 0;
     for (const Request& request : kRequests) {
         acknowledged += witness.answered(request.setting).acknowledged;

@@ -181,12 +181,14 @@ private:
             mSent.pop_front();
     }
 
-    /** Writes the rest of a step; noise while the client's end has another speed. False when there is no room. */
+    /** Writes the rest of a step; noise, which begins no sentence, while the client's end has another speed. False when
+     * there is no room. */
     bool write(const Step& step) {
         while (mWritten < step.action.bytes.size()) {
             std::string rest = step.action.bytes.substr(mWritten);
             const bool isClear = mPort->clientHasSpeed(mBaud);
-            if (!isClear) std::generate(rest.begin(), rest.end(), [this] { return static_cast<char>(mNoise()); });
+            if (!isClear)
+                std::generate(rest.begin(), rest.end(), [this] { return static_cast<char>(mNoise() | 0x80); });
             const std::size_t written = mPort->write(rest);
             if (written == 0) return false;
             if (!isClear && step.isSentence) mSent[mSent.size() - 1 - (mState.sent - step.number)].mayBeLost = true;

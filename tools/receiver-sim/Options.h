@@ -23,7 +23,7 @@ struct Options {
     std::string truthFile;
 };
 
-/** The options, or the exit status of a program that has said all there is to say (help, version). */
+/** The options, or the exit status of a program that has printed its help or version. */
 std::variant<Options, int> parseOptions(int argc, char** argv);
 
 }  // namespace sim

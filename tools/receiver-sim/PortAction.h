@@ -10,19 +10,19 @@
 namespace sim {
 
 /**
- * One line of the report, an object whose first member says what it tells:
+ * One line of the report, an object whose first member names the event:
  *
  *     {"event":"sentence","kind":"RMC","text":"$GPRMC,...*5A"}   a sentence was sent
  *     {"event":"frame","class":10,"id":32,"hex":"b5620a20..."}   a binary message other than an answer was sent
  *     {"event":"bytes","hex":"0d0a"}                             other bytes of a log were sent
  *     {"event":"ack","accepted":true,"class":6,"id":1}           a configuration message was answered
- *     {"event":"antenna","status":"OPEN"}                        the sentence before it told the state of the antenna
+ *     {"event":"antenna","status":"OPEN"}                        the sentence before it reported the antenna
  *     {"event":"restart"}  {"event":"speed","baud":38400}        the receiver restarted; its port changed speed
  *     {"event":"dropped","bytes":580}                            a client that read nothing missed bytes
  *     {"event":"end"}                                            the log is at its end
  *
- * What was sent while the client's end had another speed also has "garbled":true. What nobody was there to hear is not
- * reported.
+ * What was sent while the client's end had another speed also has "garbled":true. What was sent
+ * without a client is not reported.
  */
 using Report = nlohmann::ordered_json;
 

@@ -49,7 +49,7 @@ private:
     unsigned takeEvents();
 
     Descriptor mMaster;
-    // The simulator's own hold on the client's end, by which it undoes what a client leaves behind.
+    // The client's end, held open to undo what a client leaves in it: modes, an exclusive lock, unread bytes.
     Descriptor mSlave;
     Descriptor mWatch;
     std::string mDevicePath;

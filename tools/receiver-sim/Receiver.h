@@ -18,9 +18,9 @@ namespace sim {
 enum class Antenna { Ok, Open, Short };
 
 /**
- * The receiver behind the port: it composes the sentences of each epoch and obeys the commands that reach it.
+ * The receiver without its port: it composes the sentences of each epoch and obeys commands.
  *
- * It does nothing of itself. Whoever owns it passes in bytes and time, and carries out the actions that come of it.
+ * It has no thread and no clock. Its owner passes in bytes and time, and carries out the resulting actions.
  */
 class Receiver {
 public:

@@ -17,7 +17,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kPowerUp = 300ms;  // before a receiver says its first word; clients register meanwhile
+constexpr auto kPowerUp = 300ms;  // before a log begins; clients register meanwhile
 constexpr auto kLookInterval = 1s;
 constexpr auto kInputPause = 200ms;  // longer than a client ever pauses inside a command
 constexpr auto kStallLimit = 10s;    // how long bytes wait for a client that reads nothing

@@ -24,7 +24,7 @@ public:
     /** The pieces that are complete with these bytes. */
     std::vector<Piece> push(std::string_view bytes);
 
-    /** Gives up waiting for the rest of what has begun, and looks afresh at the bytes behind its start. */
+    /** Gives up waiting for the rest of what has begun, and examines the bytes after its start anew. */
     std::vector<Piece> giveUp();
 
     bool isUnfinished() const { return !mBuffer.empty(); }
