@@ -25,7 +25,7 @@ struct TestObserver : QvObserver_ {
     std::function<void()> action;
 };
 
-TEST(Subject, AnObserverThatLeavesOrSendsAwayAnotherCostsTheRestNothing) {
+TEST(Subject, RemovingObserversInsideANotificationSkipsNoOther) {
     TestSubject subject;
     TestObserver observers[5];
     for (TestObserver& observer : observers) {

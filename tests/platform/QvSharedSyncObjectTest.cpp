@@ -68,7 +68,7 @@ TEST(SharedSyncObject, IsOneLockForProcessesOfTwoUsersThatStartTogether) {
     munmap(memory, sizeof(Shared));
 }
 
-TEST(SharedSyncObject, IsHeldUntilItIsGivenBackAsOftenAsItWasTaken) {
+TEST(SharedSyncObject, IsHeldUntilItIsUnlockedAsOftenAsItWasLocked) {
     const Name name;
     const QvSharedSyncObject lock(name);
     Signal taken;

@@ -33,7 +33,7 @@ public:
     /** Everything that has been read. */
     const std::string& all() const { return mAll; }
 
-    /** Whether a text comes behind what was taken. */
+    /** Whether a text follows what was taken. */
     bool waitFor(const std::string& text) {
         while (mAll.find(text, mTaken) == std::string::npos) {
             if (!readSome()) return false;

@@ -15,7 +15,7 @@ inline std::string sentence(std::string_view body) {
     return "$" + std::string(body) + ending;
 }
 
-/** The two bytes behind a UBX frame's payload; `bytes` begins with the class. */
+/** The two bytes after a UBX frame's payload; `bytes` begins with the class. */
 inline std::string ubxChecksum(std::string_view bytes) {
     unsigned a = 0;
     unsigned b = 0;

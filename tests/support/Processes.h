@@ -54,7 +54,7 @@ void expectInProcess(Work work) {
     EXPECT_EQ(exitCodeOf(startProcess(work)), 0);
 }
 
-/** Lets one process wait until another one says something. */
+/** Lets one process wait until another one signals it. */
 class Signal {
 public:
     Signal() : mIsOpen(pipe(mEnds) == 0) {}

@@ -4,7 +4,7 @@
 #include "GpsHal/GpsHalLink.h"
 #include "QvFramework/Foundation/QvEvent.h"
 
-/** A receiver that takes whatever it is sent, and says nothing. */
+/** A receiver that accepts everything it is sent and never answers. */
 class SilentLink : public GpsHalLink {
 public:
     bool open() override { return true; }

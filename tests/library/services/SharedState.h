@@ -26,7 +26,7 @@ inline void createObject(const std::string& name, const std::string& contents) {
     std::ofstream(objectPath(name), std::ios::binary) << contents;
 }
 
-/** Begins and ends as the system does after a start, but for the locks, which a process keeps. */
+/** Removes the segments before and after a test, as a restart of the system does; a process keeps its locks. */
 struct FreshSegments {
     FreshSegments() { remove(); }
     ~FreshSegments() { remove(); }
@@ -53,7 +53,7 @@ inline Texts textsOf(const LogCapture& log) {
     return log.texts();
 }
 
-/** Keeps what it is told, as "antenna 1". */
+/** Records every notification, as "antenna 1". */
 class Listener final : public AnyListener {
 public:
     void tell(const std::string& what, const std::string& text) override { told.push_back(what + " " + text); }
