@@ -1,144 +1,98 @@
 #include "GpsHal/GpsHalMemoryLink.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 
-namespace {
+template <class Change>
+bool GpsHalMemoryPeer::change(Change apply) {
+    const std::lock_guard guard(mMutex);
+    apply();
+    mChanged.notify_all();
+    return mIsOpen;
+}
 
-/** What the two ends share. */
-class Wire : public GpsHalMemoryPeer {
-public:
-    void send(const void* data, std::size_t length) override {
-        change([&] { mUnread.append(static_cast<const char*>(data), length); });
-    }
-    bool waitUntilRead(unsigned ms) override {
-        return waitUntil(ms, [this] { return mIsReaderWaiting && mUnread.empty(); });
-    }
-    std::string written() const override {
-        const std::lock_guard guard(mMutex);
-        return mWritten;
-    }
-    bool waitForOpen(bool isOpen, unsigned ms) const override {
-        return waitUntil(ms, [&] { return mIsOpen == isOpen; });
-    }
-    void setWriteFails(bool fails) override {
-        change([&] { mWriteFails = fails; });
-    }
-    void setWriteHook(WriteHook hook) override {
-        change([&] { mWriteHook = std::move(hook); });
-    }
-    void setSpeedFails(bool fails) override {
-        change([&] { mSpeedFails = fails; });
-    }
-    unsigned speed() const override {
-        const std::lock_guard guard(mMutex);
-        return mSpeed;
-    }
-    void lose() override {
-        change([&] { mIsLost = true; });
-    }
-    void restore() override {
-        change([&] { mIsLost = false; });
-    }
+template <class Condition>
+bool GpsHalMemoryPeer::waitUntil(unsigned ms, Condition holds) {
+    std::unique_lock guard(mMutex);
+    return mChanged.wait_for(guard, std::chrono::milliseconds(ms), holds);
+}
 
-    bool open() {
-        const std::lock_guard guard(mMutex);
-        if (mIsLost) {
-            errno = ENODEV;
-            return false;
-        }
-        mIsOpen = true;
-        mChanged.notify_all();
-        return true;
-    }
-    void close() {
-        change([&] { mIsOpen = false; });
-    }
+void GpsHalMemoryPeer::send(std::string_view bytes) {
+    change([&] { mUnread += bytes; });
+}
 
-    int read(void* buffer, unsigned size, unsigned timeoutMs) {
-        std::unique_lock guard(mMutex);
-        mIsReaderWaiting = true;
-        mChanged.notify_all();
-        mChanged.wait_for(guard, std::chrono::milliseconds(timeoutMs), [this] { return !isUp() || !mUnread.empty(); });
-        if (!isUp()) return -1;
-        if (mUnread.empty()) return 0;
-        mIsReaderWaiting = false;
-        const std::size_t length = mUnread.copy(static_cast<char*>(buffer), size);
-        mUnread.erase(0, length);
-        return static_cast<int>(length);
-    }
+bool GpsHalMemoryPeer::waitUntilRead(unsigned ms) {
+    return waitUntil(ms, [this] { return mIsReaderWaiting && mUnread.empty(); });
+}
 
-    bool write(std::string_view bytes) {
-        WriteHook hook;
-        {
-            const std::lock_guard guard(mMutex);
-            if (!isUp() || mWriteFails) return false;
-            mWritten += bytes;
-            hook = mWriteHook;
-            mChanged.notify_all();
-        }
-        if (hook) hook(bytes);
-        return true;
-    }
+std::string GpsHalMemoryPeer::written() {
+    const std::lock_guard guard(mMutex);
+    return mWritten;
+}
 
-    bool setSpeed(unsigned value) {
-        const std::lock_guard guard(mMutex);
-        if (!isUp() || mSpeedFails) return false;
-        mSpeed = value;
-        return true;
-    }
+void GpsHalMemoryPeer::setWriteHook(WriteHook hook) {
+    change([&] { mWriteHook = std::move(hook); });
+}
 
-private:
-    bool isUp() const { return mIsOpen && !mIsLost; }
+unsigned GpsHalMemoryPeer::speed() {
+    const std::lock_guard guard(mMutex);
+    return mSpeed;
+}
 
-    template <class Change>
-    void change(Change apply) {
-        const std::lock_guard guard(mMutex);
-        apply();
-        mChanged.notify_all();
-    }
-    template <class Condition>
-    bool waitUntil(unsigned ms, Condition holds) const {
-        std::unique_lock guard(mMutex);
-        return mChanged.wait_for(guard, std::chrono::milliseconds(ms), holds);
-    }
+bool GpsHalMemoryPeer::waitForOpen(bool isOpen, unsigned ms) {
+    return waitUntil(ms, [&] { return mIsOpen == isOpen; });
+}
 
-    mutable std::mutex mMutex;  // guards everything below
-    mutable std::condition_variable mChanged;
-    std::string mUnread;
-    std::string mWritten;
-    WriteHook mWriteHook;
-    unsigned mSpeed = 0;
-    bool mIsOpen = false;
-    bool mIsLost = false;
-    bool mIsReaderWaiting = false;
-    bool mWriteFails = false;
-    bool mSpeedFails = false;
-};
+void GpsHalMemoryPeer::lose() {
+    change([this] { mIsLost = true, mIsOpen = false; });
+}
 
-class LibraryEnd : public GpsHalLink {
-public:
-    explicit LibraryEnd(std::shared_ptr<Wire> wire) : mWire(std::move(wire)) {}
-
-    const char* name() const override { return "memory"; }
-    bool open() override { return mWire->open(); }
-    void close() override { mWire->close(); }
-    int read(void* buffer, unsigned size, unsigned timeoutMs) override { return mWire->read(buffer, size, timeoutMs); }
-    bool write(const void* data, unsigned length) override {
-        return mWire->write({static_cast<const char*>(data), length});
-    }
-    bool setSpeed(unsigned value) override { return mWire->setSpeed(value); }
-
-private:
-    const std::shared_ptr<Wire> mWire;
-};
-
-}  // namespace
+void GpsHalMemoryPeer::restore() {
+    change([this] { mIsLost = false; });
+}
 
 std::pair<std::unique_ptr<GpsHalLink>, std::shared_ptr<GpsHalMemoryPeer>> GpsHalMemoryLink::makePair() {
-    const auto wire = std::make_shared<Wire>();
-    return {std::make_unique<LibraryEnd>(wire), wire};
+    auto link = std::make_unique<GpsHalMemoryLink>();
+    auto peer = link->mPeer;
+    return {std::move(link), std::move(peer)};
+}
+
+bool GpsHalMemoryLink::open() {
+    const bool isOpen = mPeer->change([this] { mPeer->mIsOpen = !mPeer->mIsLost; });
+    if (!isOpen) errno = ENODEV;
+    return isOpen;
+}
+
+void GpsHalMemoryLink::close() {
+    mPeer->change([this] { mPeer->mIsOpen = false; });
+}
+
+int GpsHalMemoryLink::read(void* buffer, unsigned size, unsigned timeoutMs) {
+    GpsHalMemoryPeer& peer = *mPeer;
+    std::unique_lock guard(peer.mMutex);
+    peer.mIsReaderWaiting = true;
+    peer.mChanged.notify_all();
+    peer.mChanged.wait_for(guard, std::chrono::milliseconds(timeoutMs),
+                           [&] { return !peer.mIsOpen || !peer.mUnread.empty(); });
+    if (!peer.mIsOpen) return -1;
+    if (peer.mUnread.empty()) return 0;
+    peer.mIsReaderWaiting = false;
+    const std::size_t length = peer.mUnread.copy(static_cast<char*>(buffer), size);
+    peer.mUnread.erase(0, length);
+    return static_cast<int>(length);
+}
+
+bool GpsHalMemoryLink::write(const void* data, unsigned length) {
+    const std::string_view bytes(static_cast<const char*>(data), length);
+    GpsHalMemoryPeer::WriteHook hook;
+    if (!mPeer->change([&] { hook = mPeer->mWriteHook; })) return false;
+    if (hook && !hook(bytes)) return false;
+    mPeer->change([&] { mPeer->mWritten += bytes; });
+    return true;
+}
+
+bool GpsHalMemoryLink::setSpeed(unsigned value) {
+    return mPeer->change([&] {
+        if (mPeer->mIsOpen) mPeer->mSpeed = value;
+    });
 }

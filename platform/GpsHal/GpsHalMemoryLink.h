@@ -1,57 +1,75 @@
 #ifndef GPSHAL_GPS_HAL_MEMORY_LINK_H
 #define GPSHAL_GPS_HAL_MEMORY_LINK_H
 
-#include <cstddef>
+#include <condition_variable>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "GpsHal/GpsHalLink.h"
 
-/** The receiver's end of a link in memory. Any thread; it may outlive the link and the other way round. */
+/** The receiver's end of a link in memory. Any thread; either end may outlive the other. */
 class GpsHalMemoryPeer {
 public:
-    using WriteHook = std::function<void(std::string_view)>;
+    using WriteHook = std::function<bool(std::string_view)>;
 
-    virtual ~GpsHalMemoryPeer() = default;
-
-    /** Sends bytes to the library. They wait without limit until they are read; those sent while the link is lost or
-     *  closed wait for it to come back. Returns at once. */
-    virtual void send(const void* data, std::size_t length) = 0;
-    void send(std::string_view bytes) { send(bytes.data(), bytes.size()); }
-
+    /** Sends bytes to the library and returns at once. They wait, without limit, until the link is open and reads. */
+    void send(std::string_view bytes);
     /** Waits until every byte sent so far was read and the reader has come back for more, that is until all observers
-     *  have seen the last chunk. False after `ms` milliseconds without that. */
-    virtual bool waitUntilRead(unsigned ms) = 0;
+     *  have been notified of the last chunk. False after `ms` milliseconds without that. */
+    bool waitUntilRead(unsigned ms);
 
     /** Every byte that the library has written, in order. */
-    virtual std::string written() const = 0;
+    std::string written();
+    /** Called with the bytes of every write, on the writer's thread; it may send. When it returns false, the write
+     *  fails. An empty hook accepts everything. */
+    void setWriteHook(WriteHook hook);
+    /** The value that the library set last; 0 before. */
+    unsigned speed();
+
     /** Waits until the library has the link open (or closed). False after `ms` milliseconds without that. */
-    virtual bool waitForOpen(bool isOpen, unsigned ms) const = 0;
+    bool waitForOpen(bool isOpen, unsigned ms);
+    /** Until restore(), the link is lost and cannot be opened. */
+    void lose();
+    void restore();
 
-    /** Later writes are refused, and leave nothing in written(). */
-    virtual void setWriteFails(bool fails) = 0;
-    /** Called with the bytes of every successful write, on the writer's thread, when they are in written() and before
-     *  write returns; it may send. An empty hook ends that. */
-    virtual void setWriteHook(WriteHook hook) = 0;
+private:
+    friend class GpsHalMemoryLink;
 
-    /** Later changes of the link's speed are refused. */
-    virtual void setSpeedFails(bool fails) = 0;
-    /** The value that the library set last; 0, for 9600 baud, before. */
-    virtual unsigned speed() const = 0;
+    template <class Change>
+    bool change(Change apply);
+    template <class Condition>
+    bool waitUntil(unsigned ms, Condition holds);
 
-    /** The wire breaks: reading ends with -1, writing and opening with false, until restore(). */
-    virtual void lose() = 0;
-    virtual void restore() = 0;
+    std::mutex mMutex;  // guards everything below
+    std::condition_variable mChanged;
+    std::string mUnread;
+    std::string mWritten;
+    WriteHook mWriteHook;
+    unsigned mSpeed = 0;
+    bool mIsOpen = false;  // and not lost
+    bool mIsLost = false;
+    bool mIsReaderWaiting = false;
 };
 
-/** A link in memory, for tests and for programs that feed recorded bytes. */
-class GpsHalMemoryLink {
+/** A link in memory, for tests and for programs that feed recorded bytes. Not part of the installed library. */
+class GpsHalMemoryLink : public GpsHalLink {
 public:
     /** The two ends. The link goes to GpsHal::setLink. */
     static std::pair<std::unique_ptr<GpsHalLink>, std::shared_ptr<GpsHalMemoryPeer>> makePair();
+
+    const char* name() const override { return "memory"; }
+    bool open() override;
+    void close() override;
+    int read(void* buffer, unsigned size, unsigned timeoutMs) override;
+    bool write(const void* data, unsigned length) override;
+    bool setSpeed(unsigned value) override;
+
+private:
+    const std::shared_ptr<GpsHalMemoryPeer> mPeer = std::make_shared<GpsHalMemoryPeer>();
 };
 
 #endif

@@ -49,7 +49,7 @@ TEST_F(Facade, forwardsEveryOperationWithItsArgumentAndItsResult) {
         ASSERT_FALSE(lines.empty()) << operation;
         EXPECT_EQ(lines.back().function, operation);
     };
-    mPeer->setWriteFails(true);
+    mPeer->setWriteHook([](std::string_view) { return false; });
     for (const auto& kind : kKinds<Gps>) {
         const std::string operation = std::string("egisterGps") + kind.name + "Listener";
         EXPECT_FALSE(kind.add(gps, nullptr));
@@ -65,7 +65,7 @@ TEST_F(Facade, forwardsEveryOperationWithItsArgumentAndItsResult) {
     }
     EXPECT_FALSE(gps.setLocationData(nullptr));
 
-    mPeer->setWriteFails(false);
+    mPeer->setWriteHook({});
     for (const auto& kind : kKinds<Gps>) {
         EXPECT_TRUE(kind.add(gps, &mListener)) << kind.name;
     }

@@ -198,7 +198,7 @@ private:
                 mScene.subjects->push_back(name);
             return;
         }
-        if (step == "writes") return mPeer->setWriteFails(name == "fail");
+        if (step == "writes") return mPeer->setWriteHook([name](std::string_view) { return name != "fail"; });
         if (step == "publish") return publish(std::stoi(name));
         int value = 0;
         words >> value;

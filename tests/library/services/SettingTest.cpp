@@ -4,7 +4,9 @@
 #include <map>
 #include <thread>
 
+#include "Gps/private/Production/GpsProductionManager.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
+#include "GpsHal/GpsHalFramer.h"
 #include "tests/library/services/MemoryReceiver.h"
 #include "tests/library/services/SharedState.h"
 #include "tests/support/Processes.h"
@@ -46,13 +48,21 @@ protected:
     const FreshSegments segments;
     GpsSettingManager manager;
     Listener listener;
-    MemoryReceiver receiver{
-        [this](const char* data, unsigned length) { manager.analizeGpsSettingResponse(data, length, &listener); }};
+    std::function<void()> onFrame;  // called once, on the receive thread
+    MemoryReceiver receiver{[this](const char* data, unsigned length) {
+        manager.analizeGpsSettingResponse(data, length, &listener);
+        if (const auto action = std::exchange(onFrame, {})) action();
+    }};
 };
 
-TEST_F(Setting, CommandIsWrittenOnlyWhereItFits) {
+TEST_F(Setting, CommandIsOneChunkAndWrittenOnlyWhereItFits) {
     for (int setting = 0; setting < 36; ++setting) {
-        const auto length = static_cast<unsigned>(commandOf(setting).size());
+        const std::string command = commandOf(setting);
+        const auto length = static_cast<unsigned>(command.size());
+        std::string chunk;
+        GpsHalFramer().feed(command.data(), length,
+                            [&](unsigned char* data, unsigned size) { chunk.assign(data, data + size); });
+        EXPECT_EQ(chunk, command);
         for (unsigned size = 0; size <= length + 1; ++size) {
             const LogCapture log;
             std::string buffer(size + 1, 'x');
@@ -99,13 +109,12 @@ TEST_F(Setting, FailedSendLeavesNothingBehindAlsoWhileAnotherRequestIsSent) {
     for (const GpsSetting setting : {GPS_SETTING_DATUM_TOKYO, GPS_SETTING_SAVE_CONFIG, GPS_SETTING_BAUD_38400}) {
         std::thread failing;
         receiver.peer().setWriteHook([&](std::string_view) {
-            receiver.peer().setWriteFails(true);
-            failing = std::thread([&] { EXPECT_FALSE(manager.requestGpsSetting(setting)); });
+            const bool isFirst = !failing.joinable();
+            if (isFirst) failing = std::thread([&] { EXPECT_FALSE(manager.requestGpsSetting(setting)); });
+            return isFirst;
         });
         request({GPS_SETTING_ZDA_ON});
         failing.join();
-        EXPECT_FALSE(manager.requestGpsSetting(setting));
-        receiver.peer().setWriteFails(false);
         EXPECT_TRUE(offer(answer(true)));
         EXPECT_EQ(std::exchange(listener.told, {}), answers({GPS_SETTING_ZDA_ON}));
         EXPECT_FALSE(offer(answer(true)));
@@ -116,7 +125,7 @@ TEST_F(Setting, FailedSendLeavesNothingBehindAlsoWhileAnotherRequestIsSent) {
 }
 
 TEST_F(Setting, AnswerFindsItsRequestEvenBeforeSendingHasReturned) {
-    receiver.peer().setWriteHook([&](std::string_view) { receiver.send(answer(false)); });
+    receiver.peer().setWriteHook([&](std::string_view) { return receiver.send(answer(false)); });
     for (int setting = 0; setting < 24; ++setting) {
         request({setting});
         EXPECT_EQ(std::exchange(listener.told, {}), answers({setting}, "no"));
@@ -133,6 +142,7 @@ TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent)
     receiver.peer().setWriteHook([&](std::string_view command) {
         const std::lock_guard guard(mutex);
         sent.push_back(answers({settingOfCommand.at(std::string(command))})[0]);
+        return true;
     });
     for (int round = 0; round < 20; ++round) {
         {
@@ -154,54 +164,62 @@ TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent)
 
 const std::string kPortPoll = "\xB5\x62\6\0\1\0\0\x07\x21"s;
 
-TEST_F(Setting, SpeedChangeGoesFromTheReceiverToTheLayerToAPollAtTheNewSpeed) {
+TEST_F(Setting, SpeedChangeExcludesAllOtherCommandsButNoAnswers) {
     const LogCapture log;
+    GpsProductionManager production;
+    GpsHalMemoryPeer& peer = receiver.peer();
     unsigned speed = 0;
     for (const auto& [setting, newSpeed] : {std::pair(33, 2u), std::pair(34, 4u), std::pair(32, 0u)}) {
         std::vector<std::pair<std::string, unsigned>> writes;
-        std::vector<std::chrono::steady_clock::time_point> times;
-        receiver.peer().setWriteHook([&](std::string_view bytes) {
-            writes.emplace_back(bytes, receiver.peer().speed());
-            times.push_back(std::chrono::steady_clock::now());
+        std::chrono::steady_clock::time_point changed;
+        std::vector<std::jthread> others;
+        peer.setWriteHook([&, changing = setting](std::string_view bytes) {
+            writes.emplace_back(bytes, peer.speed());
+            if (bytes == kPortPoll) {
+                EXPECT_GE(std::chrono::steady_clock::now() - changed, std::chrono::milliseconds(200));
+            }
+            if (bytes != commandOf(changing)) return true;
+            changed = std::chrono::steady_clock::now();
+            EXPECT_TRUE(receiver.send(answer(true)));
+            EXPECT_EQ(listener.told, answers({changing})) << "before the change is complete";
+            others.emplace_back([&] { request({GPS_SETTING_ZDA_ON}); });
+            others.emplace_back([&] { EXPECT_TRUE(production.requestStartGpsProductionCheck()); });
+            onFrame = [this] { request({GPS_SETTING_ZDA_OFF}); };
+            peer.send(answer(true));
+            return true;
         });
         request({setting});
-        ASSERT_THAT(writes, ElementsAre(std::pair(commandOf(setting), speed), std::pair(kPortPoll, newSpeed)));
-        EXPECT_GE(times[1] - times[0], std::chrono::milliseconds(200));
+        others.clear();
+        ASSERT_TRUE(peer.waitUntilRead(kPatienceMs));
+        ASSERT_EQ(writes.size(), 5u);
+        EXPECT_EQ(writes[0], std::pair(commandOf(setting), speed));
+        EXPECT_EQ(writes[1], std::pair(kPortPoll, newSpeed));
+        for (std::size_t i = 2; i < writes.size(); ++i) {
+            EXPECT_EQ(writes[i].second, newSpeed);
+        }
+        receiver.send(answer(true) + answer(true));
+        EXPECT_EQ(std::exchange(listener.told, {}).size(), 3u);
         speed = newSpeed;
     }
-    receiver.send(answer(true) + answer(true) + answer(true));
-    EXPECT_EQ(listener.told, answers({33, 34, 32}));
     EXPECT_THAT(textsOf(log), IsEmpty());
 }
 
-TEST_F(Setting, SpeedChangeThatFailsHalfwaySaysNothingAndKeepsItsEntry) {
+TEST_F(Setting, SpeedChangeThatFailsHalfwayKeepsItsEntry) {
     const LogCapture log;
-    receiver.peer().setSpeedFails(true);
+    GpsHalMemoryPeer& peer = receiver.peer();
+    peer.setWriteHook([&](std::string_view bytes) {
+        if (bytes == commandOf(GPS_SETTING_BAUD_38400)) peer.lose();
+        return bytes != kPortPoll;
+    });
     EXPECT_FALSE(manager.requestGpsSetting(GPS_SETTING_BAUD_38400));
-    EXPECT_EQ(receiver.peer().written(), commandOf(33)) << "no poll at the old speed";
-    receiver.peer().setSpeedFails(false);
-    receiver.peer().setWriteHook([&](std::string_view) { receiver.peer().setWriteFails(true); });
+    EXPECT_EQ(peer.written(), commandOf(33)) << "no poll at the old speed";
+    peer.restore();
+    ASSERT_TRUE(peer.waitForOpen(true, kPatienceMs));
     EXPECT_FALSE(manager.requestGpsSetting(GPS_SETTING_BAUD_115200));
-    EXPECT_EQ(receiver.peer().speed(), 4u);
-    EXPECT_EQ(receiver.peer().written(), commandOf(33) + commandOf(34));
-
+    EXPECT_EQ(peer.speed(), 4u);
     receiver.send(answer(true) + answer(false));
     EXPECT_THAT(listener.told, ElementsAre("setting 33 yes", "setting 34 no"));
-    EXPECT_THAT(textsOf(log), IsEmpty());
-}
-
-TEST_F(Setting, AnswersAndOtherRequestsDoNotWaitForASpeedChange) {
-    std::thread other;
-    receiver.peer().setWriteHook([&](std::string_view bytes) {
-        if (bytes == commandOf(GPS_SETTING_BAUD_38400)) {
-            other = std::thread([&] { request({GPS_SETTING_ZDA_ON}); });
-        } else if (bytes == kPortPoll) {
-            other.join();
-            EXPECT_TRUE(receiver.send(answer(true) + answer(true))) << "while the changing request has not returned";
-        }
-    });
-    request({GPS_SETTING_BAUD_38400});
-    EXPECT_EQ(listener.told, answers({33, 1}));
+    EXPECT_EQ(log.texts().size(), 2u) << "of the link alone";
 }
 
 TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {

@@ -2,6 +2,7 @@
 #define GPS_PRIVATE_PRODUCTION_GPS_PRODUCTION_MANAGER_H
 
 #include <atomic>
+#include <cstddef>
 
 #include "Gps/GpsListeners.h"
 
@@ -31,9 +32,10 @@ public:
 
     // Received frames, on the receive thread.
 
-    /** Reports an acknowledgement to one listener, by the request type alone. */
+    /** Reports an acknowledgement to one listener, by the request type alone. The type stays until the next request. */
     bool switchGpsProductionResponse(const char* data, unsigned int length, const GpsProductionListener* listener);
-    /** True when the chunk was handled or is no test result; false for a result that is cut short. */
+    /** True when the chunk was handled or is no test result; false for a result that lacks bytes of what it announces,
+     * or announces too few. */
     bool parseGpsProductionData(const char* data, const GpsProductionListener* listener, unsigned int length);
     bool parseGpsProductionDataMonPt(const char* data, const GpsProductionListener* listener, unsigned int length);
     bool parseGpsProductionDataMonPt2(const char* data, const GpsProductionListener* listener, unsigned int length);
@@ -42,6 +44,9 @@ public:
     void setRequestType(RequestType type) { mRequestType = type; }
 
 private:
+    template <std::size_t size>
+    bool send(RequestType type, const unsigned char (&message)[size]);
+
     std::atomic<RequestType> mRequestType;
     GpsHal* mpGpsHal;
 };

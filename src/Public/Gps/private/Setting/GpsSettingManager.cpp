@@ -1,10 +1,10 @@
 #include "Gps/private/Setting/GpsSettingManager.h"
 
-#include <cstring>
 #include <ctime>
 
 #include "Gps/private/Listeners/GpsListenerList.h"
 #include "Gps/private/Support/GpsLog.h"
+#include "Gps/private/Support/UbxFrame.h"
 #include "GpsHal/GpsHal.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
@@ -13,19 +13,22 @@ namespace {
 constexpr GpsLog log("src/Public/Gps/private/Setting/GpsSettingManager");
 
 constexpr unsigned int kCommandSize = 128;
-constexpr unsigned int kPortSpeedCommand = 0;          // of the layer
-constexpr long kSpeedChangeNanoseconds = 100'000'000;  // the receiver, and the layer, need this long
+constexpr unsigned int kPortSpeedCommand = 0;          // sets the speed of the HAL's end of the link
+constexpr long kSpeedChangeNanoseconds = 100'000'000;  // the receiver, and then the HAL, need this long
 constexpr unsigned char kPortPoll[] = {0xB5, 0x62, 0x06, 0x00, 0x01, 0x00, 0x00, 0x07, 0x21};
 
-/** The layer's value for the speed that a setting asks for; none for a setting of something else. */
-std::optional<unsigned int> speedOf(GpsSetting setting) {
+/** Values of kPortSpeedCommand. */
+enum PortSpeed : unsigned int { PORT_SPEED_9600 = 0, PORT_SPEED_38400 = 2, PORT_SPEED_115200 = 4 };
+
+/** The speed that a setting asks for; none for a setting of something else. */
+std::optional<PortSpeed> speedOf(GpsSetting setting) {
     switch (setting) {
         case GPS_SETTING_BAUD_9600:
-            return 0;
+            return PORT_SPEED_9600;
         case GPS_SETTING_BAUD_38400:
-            return 2;
+            return PORT_SPEED_38400;
         case GPS_SETTING_BAUD_115200:
-            return 4;
+            return PORT_SPEED_115200;
         default:
             return std::nullopt;
     }
@@ -35,18 +38,6 @@ void waitForSpeedChange() {
     timespec left{0, kSpeedChangeNanoseconds};
     while (nanosleep(&left, &left) != 0) {
     }
-}
-
-enum class Response { Acknowledged, Refused, PortSettings, Unknown };
-
-Response responseOf(const char* data, unsigned int length) {
-    if (length < 4 || std::memcmp(data, "\xB5\x62", 2) != 0) return Response::Unknown;
-    const char messageClass = data[2];
-    const char id = data[3];
-    if (messageClass == 0x05 && id == 0x01) return Response::Acknowledged;
-    if (messageClass == 0x05 && id == 0x00) return Response::Refused;
-    if (messageClass == 0x06 && id == 0x00) return Response::PortSettings;
-    return Response::Unknown;
 }
 
 }  // namespace
@@ -78,26 +69,30 @@ bool GpsSettingManager::requestGpsSetting(GpsSetting setting) {
     if (length == 0) {
         return log.failure(kFunction, "GpsSettingManager::requestGpsSetting() : setCommandForGpsSetting() = false\n");
     }
-    if (!sendInOrder(setting, command, length)) return false;
-
-    GPS_SETTING_LOCAL_MEMORY shared = {};
-    if (!readLocalMemory(&shared)) {
-        return log.failure(kFunction, "GpsSettingManager::requestGpsSetting() readLocalMemory Error!\n");
-    }
-    mBaseGeodeticSystem = shared.baseGeodeticSystem;
-    mSettingFinishFlg = shared.settingFinishFlg != 0;
-    const std::optional<unsigned int> speed = speedOf(setting);
-    if (speed.has_value() && !changeSpeed(*speed)) return false;
+    if (!apply(setting, command, length)) return false;
     return storeSetting(setting) ||
            log.failure(kFunction, "GpsSettingManager::requestGpsSetting() writeLocalMemory Error!\n");
 }
 
+/** Sends a setting's command and, for another speed, takes the HAL to it before any other command is sent. */
+bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned int length) {
+    const QvSyncGuard guard(gCommandSync);
+    if (!sendInOrder(setting, command, length)) return false;
+    GPS_SETTING_LOCAL_MEMORY shared = {};
+    if (!readLocalMemory(&shared)) {
+        return log.failure("requestGpsSetting", "GpsSettingManager::requestGpsSetting() readLocalMemory Error!\n");
+    }
+    mBaseGeodeticSystem = shared.baseGeodeticSystem;
+    mSettingFinishFlg = shared.settingFinishFlg != 0;
+    const std::optional<PortSpeed> speed = speedOf(setting);
+    return !speed.has_value() || changeSpeed(*speed);
+}
+
 /**
  * Queues a setting and sends its command. The entry stands before the first byte is sent, so that the fastest answer
- * finds it; it is taken back when the command could not be sent.
+ * finds it; it is removed when the command could not be sent.
  */
 bool GpsSettingManager::sendInOrder(GpsSetting setting, const char* command, unsigned int length) {
-    QvSyncGuard order(mSendSync);
     unsigned int index = 0;
     GpsSetting overwritten = setting;
     {
@@ -118,7 +113,7 @@ bool GpsSettingManager::sendInOrder(GpsSetting setting, const char* command, uns
     return false;
 }
 
-/** Lets the layer follow the receiver to another speed; the receiver answers the poll at the new one. */
+/** The HAL follows the receiver to another speed; the receiver answers the poll at the new one. */
 bool GpsSettingManager::changeSpeed(unsigned int value) {
     waitForSpeedChange();
     if (!mpGpsHal->sendCommand(kPortSpeedCommand, value)) return false;
@@ -126,7 +121,7 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
     return mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll));
 }
 
-/** Brings what the setting changes for all processes into the shared record. */
+/** Writes what the setting changes for all processes to the shared record. */
 bool GpsSettingManager::storeSetting(GpsSetting setting) {
     QvSyncGuard<QvSharedSyncObject> guard(*this);  // throughout, so that no other process's change is lost
     GPS_SETTING_LOCAL_MEMORY shared = {};
@@ -155,17 +150,17 @@ bool GpsSettingManager::analizeGpsSettingResponse(const char* data, unsigned int
 }
 
 bool GpsSettingManager::takeResponse(const char* data, unsigned int length, std::optional<SettledRequest>& settled) {
-    const Response response = responseOf(data, length);
+    const UbxMessage message = UbxFrame(data, length).message();
     QvSyncGuard guard(mPendingSync);
     if (mPendingCount == 0) return false;
-    if (response == Response::PortSettings) return true;
+    if (message == UbxMessage::CfgPrt) return true;
     const GpsSetting oldest = takeOldest();
-    if (response == Response::Unknown) {
+    if (message != UbxMessage::AckAck && message != UbxMessage::AckNak) {
         return log.failure("analizeGpsSettingResponse",
                            "GpsSettingManager::analizeGpsSettingResponse() unknown response\n");
     }
     --mPendingCount;
-    settled = {response == Response::Acknowledged, oldest};
+    settled = {message == UbxMessage::AckAck, oldest};
     return true;
 }
 

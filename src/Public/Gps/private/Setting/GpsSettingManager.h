@@ -6,12 +6,13 @@
 #include <optional>
 
 #include "Gps/GpsListeners.h"
+#include "Gps/private/Support/CommandSync.h"
 #include "QvFramework/Foundation/QvSync.h"
 #include "QvFramework/SharedMemory/QvSharedMemory.h"
 
 class GpsHal;
 
-/** The receiver's configuration as all processes know it; lives in shared memory. */
+/** The receiver's configuration; in shared memory. */
 struct GPS_SETTING_LOCAL_MEMORY {
     GeodeticSystem baseGeodeticSystem;  ///< datum in which the receiver reports
     unsigned char settingFinishFlg;     ///< 1 once the configuration has been saved, else 0
@@ -35,7 +36,10 @@ public:
     GpsSettingManager();
     ~GpsSettingManager() override;
 
-    /** Any client's thread. A change of speed blocks for 200 ms. */
+    /**
+     * Any thread, the receive thread included. Blocks for 200 ms to change the speed, for which the commands of other
+     * threads wait; the answer to the poll at the new speed is not awaited.
+     */
     bool requestGpsSetting(GpsSetting setting);
 
     /**
@@ -63,15 +67,15 @@ public:
 private:
     static constexpr unsigned int PENDING_MAX = 24;
 
-    bool sendInOrder(GpsSetting setting, const char* command, unsigned int length);
-    bool changeSpeed(unsigned int value);
+    bool apply(GpsSetting setting, const char* command, unsigned int length);
+    bool sendInOrder(GpsSetting setting, const char* command, unsigned int length) QV_REQUIRES(gCommandSync);
+    bool changeSpeed(unsigned int value) QV_REQUIRES(gCommandSync);
     bool storeSetting(GpsSetting setting);
     GpsSetting takeOldest() QV_REQUIRES(mPendingSync);
 
     GpsHal* mpGpsHal;
 
-    QvSync mSendSync;     // requests are queued in the order in which they are sent; never taken while receiving
-    QvSync mPendingSync;  // guards the ring; a leaf, held for single steps only
+    QvSync mPendingSync;  // guards the ring; held for single steps only
     GpsSetting mPendingSetting[PENDING_MAX] QV_GUARDED_BY(mPendingSync);
     unsigned int mPendingWriteIndex QV_GUARDED_BY(mPendingSync);  // where the next request is queued
     unsigned int mPendingReadIndex QV_GUARDED_BY(mPendingSync);   // the oldest request that awaits an answer

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "Gps/GpsNmeaRecords.h"
+#include "Gps/private/Support/UbxFrame.h"
 
 /** Passes a received chunk, by its first bytes, to the operations of `handler` that take chunks of its kind. */
 template <class Handler>
@@ -14,7 +15,7 @@ void route(const char* data, unsigned int length, Handler& handler) {
     } else if (chunk.starts_with('$')) {
         handler.nmeaSentenceProc(data, length);
         handler.parseNmeaSentenceProc(data, length);
-    } else if (chunk.starts_with("\xB5\x62\x05")) {
+    } else if (UbxFrame(data, length).isAcknowledgement()) {
         handler.responseGpsSettingProc(data, length);
         handler.responseGpsProductionProc(data, length);
     } else {

@@ -1,0 +1,57 @@
+#ifndef GPS_PRIVATE_UBX_FRAME_H
+#define GPS_PRIVATE_UBX_FRAME_H
+
+#include <cstdint>
+#include <string_view>
+
+/** Class and id of the UBX messages that the library receives. */
+enum class UbxMessage : int {
+    None = -1,  ///< no UBX frame, or cut short before the id
+    AckNak = 0x0500,
+    AckAck = 0x0501,
+    CfgPrt = 0x0600,
+    MonPt = 0x0A20,
+    MonPt2 = 0x0A2B,
+};
+
+/**
+ * View of a chunk as a UBX frame: B5 62, class, id, length of the payload (low byte first), payload, checksum. The
+ * chunk may be anything, and cut short anywhere; its checksum is not examined.
+ */
+class UbxFrame {
+public:
+    /** @param data `length` bytes, which must outlive the view */
+    UbxFrame(const char* data, unsigned int length) : mBytes(data, length) {}
+
+    bool hasSync() const { return mBytes.starts_with("\xB5\x62"); }
+    bool isAcknowledgement() const { return mBytes.starts_with("\xB5\x62\x05"); }
+    UbxMessage message() const {
+        return hasSync() && mBytes.size() >= 4 ? static_cast<UbxMessage>(at(2) << 8 | at(3)) : UbxMessage::None;
+    }
+
+    /** Bytes of the payload: as many as are announced; 0 when not all of them are present. */
+    unsigned int payloadSize() const {
+        if (mBytes.size() < HEADER) return 0;
+        const unsigned int announced = at(4) | static_cast<unsigned int>(at(5)) << 8;
+        return announced <= mBytes.size() - HEADER ? announced : 0;
+    }
+
+    // Values in the payload, at an offset at which all of their bytes lie inside it.
+
+    std::uint8_t byteAt(unsigned int offset) const { return at(HEADER + offset); }
+    std::uint16_t shortAt(unsigned int offset) const {
+        return static_cast<std::uint16_t>(byteAt(offset) | byteAt(offset + 1) << 8);
+    }
+    std::uint32_t wordAt(unsigned int offset) const {
+        return shortAt(offset) | static_cast<std::uint32_t>(shortAt(offset + 2)) << 16;
+    }
+
+private:
+    static constexpr unsigned int HEADER = 6;
+
+    std::uint8_t at(unsigned int index) const { return static_cast<std::uint8_t>(mBytes[index]); }
+
+    std::string_view mBytes;
+};
+
+#endif
