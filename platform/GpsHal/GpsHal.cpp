@@ -7,11 +7,11 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <string_view>
 #include <utility>
 
 #include "GpsHal/GpsHalFramer.h"
 #include "GpsHal/GpsHalSerialLink.h"
+#include "GpsHal/GpsHalSpeed.h"
 #include "QvFramework/Foundation/QvDbgOutput.h"
 #include "QvFramework/Foundation/QvEvent.h"
 #include "QvFramework/Foundation/QvHelpers.h"
@@ -27,13 +27,7 @@ constexpr unsigned kCommandSpeed = 0;
 constexpr unsigned kReadTimeoutMs = 250;  // also lets a stop through to a link whose read no close ends
 constexpr unsigned kReopenMs = 500;
 
-struct Speed {
-    unsigned value;
-    std::string_view baud;
-};
-constexpr Speed kSpeeds[] = {{0, "9600"}, {2, "38400"}, {4, "115200"}};
-
-/** What outlives every instance. Never destroyed: threads may use it after the static destructors. */
+/** State that outlives every instance. Never destroyed: threads may use it after the static destructors. */
 struct Process {
     QvSync sync;
     unsigned shares QV_GUARDED_BY(sync) = 0;
@@ -46,23 +40,31 @@ struct Process {
     }
 };
 
-std::shared_ptr<GpsHalLink> linkFromEnvironment() {
+/** The link and, in `speed`, the speed that it is opened at; null when there is none. */
+std::shared_ptr<GpsHalLink> linkFromEnvironment(unsigned& speed) {
     const char* const device = std::getenv("GPSHAL_DEVICE");
-    const char* const baud = std::getenv("GPSHAL_BAUD");
+    const char* const set = std::getenv("GPSHAL_BAUD");
+    const char* const baud = set != nullptr ? set : "9600";
     if (device == nullptr || *device == '\0') return nullptr;
-    if (baud == nullptr) return std::make_shared<GpsHalSerialLink>(device);
-    const auto* const speed =
-        std::find_if(std::begin(kSpeeds), std::end(kSpeeds), [baud](const Speed& row) { return row.baud == baud; });
-    if (speed != std::end(kSpeeds)) return std::make_shared<GpsHalSerialLink>(device, speed->value);
+    const auto* const row = std::ranges::find(kGpsHalSpeeds, baud, &GpsHalSpeed::baud);
+    if (row != std::end(kGpsHalSpeeds)) {
+        speed = row->value;
+        return std::make_shared<GpsHalSerialLink>(device, speed);
+    }
     QvDbgOutput::DbgPrint(kSource, "start", __LINE__, kLogLevel, "GPSHAL_BAUD is %s, not 9600, 38400 or 115200\n",
                           baud);
     return nullptr;
 }
 
-std::shared_ptr<GpsHalLink> linkToUse() {
+std::shared_ptr<GpsHalLink> linkToUse(unsigned& speed) {
     Process& process = Process::instance();
     QvSyncGuard guard(process.sync);
-    return process.link != nullptr ? process.link : linkFromEnvironment();
+    return process.link != nullptr ? process.link : linkFromEnvironment(speed);
+}
+
+/** Whether an attempt to open a link failed because its device is absent. */
+bool isAbsence(int error) {
+    return error == ENOENT || error == ENODEV || error == ENXIO;
 }
 
 }  // namespace
@@ -80,7 +82,12 @@ public:
 private:
     static void* runThread(void* reception);
     void run();
-    void reopen();
+    void receive(const unsigned char* bytes, unsigned length);
+    void tryNextSpeed();
+    void awaitLink();
+    void deliver(unsigned char* chunk, unsigned length) {
+        if (!mIsEnding) mHal->notifyObservers(kReceivedData, chunk, length);
+    }
     void report(int line, const char* what) const {
         QvDbgOutput::DbgPrint(kSource, "run", line, kLogLevel, "%s %s\n", mLink->name(), what);
     }
@@ -91,12 +98,17 @@ private:
     pthread_t mThread{};
     std::atomic<bool> mIsEnding{false};
     QvEvent mEnding;
+
+    // Of the receive thread.
     GpsHalFramer mFramer;
+    GpsHalSpeedWatch mSpeedWatch;
+    unsigned mSpeedRequests = 0;  // of clients, as last seen
+    bool mIsTryingSpeeds = false;
 };
 
 bool GpsHal::Reception::begin(const std::shared_ptr<Reception>& reception) {
     reception->mSelf = reception;
-    sigset_t all;  // the new thread takes its mask over, and leaves every signal to the client's threads
+    sigset_t all;  // blocked in the new thread: signals are for the client's threads
     sigset_t callers;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &callers);
@@ -128,27 +140,54 @@ void* GpsHal::Reception::runThread(void* reception) {
 
 void GpsHal::Reception::run() {
     pthread_setname_np(pthread_self(), kThreadName);
-    const auto deliver = [this](unsigned char* chunk, unsigned length) {
-        if (!mIsEnding) mHal->notifyObservers(kReceivedData, chunk, length);
-    };
+    const auto sink = [this](unsigned char* chunk, unsigned length) { deliver(chunk, length); };
     unsigned char buffer[4096];
     while (!mIsEnding) {
         const int length = mLink->read(buffer, sizeof(buffer), kReadTimeoutMs);
-        if (length > 0) mFramer.feed(buffer, static_cast<unsigned>(length), deliver);
+        if (length > 0) receive(buffer, static_cast<unsigned>(length));
+        if (length == 0) mFramer.pause(sink);
         if (length >= 0 || mIsEnding) continue;
         mLink->close();
-        mFramer.finish(deliver);
-        reopen();
+        mFramer.finish(sink);
+        awaitLink();
     }
 }
 
-/** Returns when the lost link is open again, or reception ends. */
-void GpsHal::Reception::reopen() {
-    report(__LINE__, "is lost");
+void GpsHal::Reception::receive(const unsigned char* bytes, unsigned length) {
+    const auto sink = [this](unsigned char* chunk, unsigned size) { deliver(chunk, size); };
+    const unsigned long chunks = mFramer.chunks();
+    mFramer.feed(bytes, length, sink);
+    if (mSpeedRequests != mHal->mSpeedRequests) {
+        mSpeedRequests = mHal->mSpeedRequests;
+        mSpeedWatch.reset();
+    }
+    if (mSpeedWatch.receive(mFramer.chunks() != chunks, GpsHalSpeedWatch::Clock::now())) {
+        mFramer.finish(sink);  // a damaged length may have claimed good sentences
+        if (mFramer.chunks() == chunks) return tryNextSpeed();
+    }
+    if (mFramer.chunks() != chunks) mIsTryingSpeeds = false;
+}
+
+/** Sets the next speed, unless a client has just asked for one. */
+void GpsHal::Reception::tryNextSpeed() {
+    if (!mIsTryingSpeeds) report(__LINE__, "sends nothing intelligible: trying other speeds");
+    mIsTryingSpeeds = true;
+    mSpeedWatch.reset();
+    QvSyncGuard guard(mHal->mSendSync);
+    if (mSpeedRequests != mHal->mSpeedRequests) return;
+    const auto* next = std::ranges::find(kGpsHalSpeeds, mHal->mSpeed, &GpsHalSpeed::value) + 1;
+    if (next == std::end(kGpsHalSpeeds)) next = std::begin(kGpsHalSpeeds);
+    mHal->mSpeed = next->value;
+    mLink->setSpeed(next->value);
+}
+
+/** Returns when the absent device is open, or reception ends. */
+void GpsHal::Reception::awaitLink() {
+    report(__LINE__, "is absent");
     while (mEnding.WaitEvent(kReopenMs) == QvEvent::TIMED_OUT) {
         if (!mLink->open()) continue;
-        report(__LINE__, "is back");
-        return;
+        mSpeedWatch.reset();
+        return report(__LINE__, "is available");
     }
 }
 
@@ -185,14 +224,16 @@ GpsHal::~GpsHal() = default;
 bool GpsHal::start() {
     QvSyncGuard guard(mSync);
     if (mReception != nullptr) return true;
-    const std::shared_ptr<GpsHalLink> link = linkToUse();
+    unsigned speed = GPSHAL_SPEED_9600;
+    const std::shared_ptr<GpsHalLink> link = linkToUse(speed);
     if (link == nullptr) return false;
     const auto reception = std::make_shared<Reception>(shared_from_this(), link);
     {
         QvSyncGuard sendGuard(mSendSync);
         mSendLink = link;
+        mSpeed = speed;
     }
-    if (link->open() && Reception::begin(reception)) {
+    if ((link->open() || isAbsence(errno)) && Reception::begin(reception)) {
         mReception = reception;
         return true;
     }
@@ -220,9 +261,11 @@ bool GpsHal::sendData(const void* data, unsigned length) {
 }
 
 bool GpsHal::sendCommand(unsigned code, unsigned& value) {
-    const bool isSpeed =
-        std::any_of(std::begin(kSpeeds), std::end(kSpeeds), [value](const Speed& row) { return row.value == value; });
-    if (code != kCommandSpeed || !isSpeed) return false;
+    const auto* const row = std::ranges::find(kGpsHalSpeeds, value, &GpsHalSpeed::value);
+    if (code != kCommandSpeed || row == std::end(kGpsHalSpeeds)) return false;
     QvSyncGuard guard(mSendSync);
-    return mSendLink != nullptr && mSendLink->setSpeed(value);
+    if (mSendLink == nullptr || !mSendLink->setSpeed(value)) return false;
+    mSpeed = value;
+    ++mSpeedRequests;
+    return true;
 }

@@ -1,6 +1,7 @@
 #ifndef GPSHAL_GPS_HAL_H
 #define GPSHAL_GPS_HAL_H
 
+#include <atomic>
 #include <memory>
 
 #include "GpsHal/GpsHalLink.h"
@@ -8,16 +9,19 @@
 #include "QvFramework/Foundation/QvSync.h"
 
 /**
- * The way to the receiver: one instance a process, counted, with one receive thread while reception runs.
+ * The link to the receiver: one counted instance per process, with one receive thread while reception runs.
  *
  * Observers get every chunk (one NMEA sentence or one UBX frame, see GpsHalFramer) with event code 0 on the receive
- * thread. A link that is lost is opened again when it comes back, with an attempt every 500 ms.
+ * thread. A device that is absent, at the start or later, is awaited with an attempt to open it every 500 ms. When
+ * bytes arrive for two seconds and none of them is part of a chunk, the receiver has another speed than the link, as
+ * after a reset: the other speeds are tried in turn, each for two seconds, until chunks arrive or a client sets a
+ * speed.
  */
 class GpsHal : public QvSubject, public std::enable_shared_from_this<GpsHal> {
 public:
-    /** Takes a share of the instance, which is created with the first share. */
+    /** Adds a reference to the instance, which the first one creates. */
     static GpsHal* GetInstance();
-    /** Gives a share back. The last one stops reception and deletes the instance; on the receive thread the instance
+    /** Drops a reference. The last one stops reception and deletes the instance; on the receive thread the instance
      *  stays until the observers called there have returned. */
     static void DelInstance();
 
@@ -31,10 +35,10 @@ public:
 
     /**
      * Opens the link and starts the receive thread. Without a link that was set, GPSHAL_DEVICE names a serial device
-     * and GPSHAL_BAUD its speed: 9600 (also when it is not set), 38400 or 115200. Without either, or when the link
-     * cannot be opened (the debug output says why), the result is false and nothing is received. Sending works from
-     * within the first notification on.
-     * Call start and stop as a client would that shares the layer: holding sync(), and minding isStarted().
+     * and GPSHAL_BAUD its speed: 9600 (the default), 38400 or 115200. True also while the device is absent. False, and
+     * nothing is received, without a link and when the link cannot be used, for example because another process has
+     * it (the debug output has the reason). Sending works from within the first notification on.
+     * Call start and stop holding sync(), and only when isStarted() requires it: users of the HAL share it.
      */
     virtual bool start();
     /**
@@ -53,7 +57,7 @@ public:
     bool sendData(const void* data, unsigned length);
 
     /**
-     * Commands to the layer itself. Code 0 sets the speed of its own end of the link: value 0, 2 or 4 for 9600, 38400
+     * Commands to the HAL itself. Code 0 sets the speed of its own end of the link: value 0, 2 or 4 for 9600, 38400
      * or 115200 baud. False for any other code or value, and without an open link.
      */
     bool sendCommand(unsigned code, unsigned& value);
@@ -67,9 +71,11 @@ private:
     bool mIsStarted;
     std::shared_ptr<Reception> mReception QV_GUARDED_BY(mSync);  // while reception runs
 
-    // Held while sending, by a listener on the receive thread too: never to be waited for before the link is closed.
+    // Held while sending, also on the receive thread: stop() must close the link before it waits for this lock.
     QvSync mSendSync;
     std::shared_ptr<GpsHalLink> mSendLink QV_GUARDED_BY(mSendSync);
+    unsigned mSpeed QV_GUARDED_BY(mSendSync) = 0;  // set last, by a client or by the receive thread
+    std::atomic<unsigned> mSpeedRequests{0};       // of clients; changed under mSendSync
 };
 
 #endif

@@ -54,11 +54,12 @@ void GpsHalFramer::compact() {
 }
 
 /** The next whole chunk, which counts as taken; none when the undecided bytes could still become one. */
-GpsHalFramer::Chunk GpsHalFramer::next(bool isEnd) {
+GpsHalFramer::Chunk GpsHalFramer::next(GiveUp giveUp) {
     while (mBegin < mEnd) {
         Verdict verdict = judge();
         if (verdict.kind == Verdict::kUnfinished) {
-            if (!isEnd) break;
+            const bool isSentence = mBuffer[mBegin] == kSentenceStart;
+            if (giveUp == GiveUp::kNothing || (giveUp == GiveUp::kFrames && isSentence)) break;
             verdict = {Verdict::kNoise, 1};
         }
         unsigned char* const data = mBuffer + mBegin;

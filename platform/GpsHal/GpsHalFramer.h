@@ -10,8 +10,8 @@
  * payload as two bytes with the low one first, payload, checksum) whose Fletcher checksum holds. A sentence is at most
  * 1024 bytes of printable ASCII and carriage returns; another `$` starts it over. A payload is at most 8192 bytes.
  *
- * Nothing intact is lost behind damage: what cannot be the start of a chunk gives up its first byte only, and the rest
- * is looked at again. How the stream is split into calls makes no difference to chunks and counts. Nothing is
+ * Nothing intact is lost after damage: what cannot be the start of a chunk gives up its first byte only, and the rest
+ * is scanned again. How the stream is split into calls makes no difference to chunks and counts. Nothing is
  * allocated, and the time is proportional to the number of bytes, whatever they are. One thread at a time.
  */
 class GpsHalFramer : private QvUncopyable {
@@ -25,9 +25,13 @@ public:
     void feed(const void* data, unsigned length, Sink&& sink);
 
     /**
-     * The stream has ended: gives up the unfinished chunk, calls `sink` for what is intact inside it (sentences that a
-     * broken frame's length had claimed), and is ready for another stream.
+     * The line has been silent for 250 ms: gives up an unfinished frame and calls `sink` for what is intact inside it
+     * (sentences that a damaged length had claimed). An unfinished sentence stays.
      */
+    template <class Sink>
+    void pause(Sink&& sink);
+
+    /** The stream has ended: as pause(), and gives up an unfinished sentence too. Ready for another stream. */
     template <class Sink>
     void finish(Sink&& sink);
 
@@ -55,9 +59,13 @@ private:
         unsigned length;
     };
 
+    enum class GiveUp { kNothing, kFrames, kEverything };
+
+    template <class Sink>
+    void deliver(GiveUp giveUp, Sink&& sink);
     unsigned append(const unsigned char* data, unsigned length);
     void compact();
-    Chunk next(bool isEnd);
+    Chunk next(GiveUp giveUp);
     Verdict judge();
     Verdict judgeNoise() const;
     Verdict judgeSentence();
@@ -86,15 +94,23 @@ void GpsHalFramer::feed(const void* data, unsigned length, Sink&& sink) {
         const unsigned taken = append(bytes, length);
         bytes += taken;
         length -= taken;
-        for (Chunk chunk = next(false); chunk.length != 0; chunk = next(false)) {
-            sink(chunk.data, chunk.length);
-        }
+        deliver(GiveUp::kNothing, sink);
     }
 }
 
 template <class Sink>
+void GpsHalFramer::pause(Sink&& sink) {
+    deliver(GiveUp::kFrames, sink);
+}
+
+template <class Sink>
 void GpsHalFramer::finish(Sink&& sink) {
-    for (Chunk chunk = next(true); chunk.length != 0; chunk = next(true)) {
+    deliver(GiveUp::kEverything, sink);
+}
+
+template <class Sink>
+void GpsHalFramer::deliver(GiveUp giveUp, Sink&& sink) {
+    for (Chunk chunk = next(giveUp); chunk.length != 0; chunk = next(giveUp)) {
         sink(chunk.data, chunk.length);
     }
 }

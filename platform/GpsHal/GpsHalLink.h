@@ -11,13 +11,13 @@ class GpsHalLink {
 public:
     virtual ~GpsHalLink() = default;
 
-    /** What messages call it: the device or the file. */
+    /** The device or the file, for log messages. */
     virtual const char* name() const { return "the GPS link"; }
 
     /** False, with the reason in errno, when the receiver cannot be reached (missing, or in use by another process). */
     virtual bool open() = 0;
 
-    /** Ends a read or write that is waiting, and returns when neither uses the link any more. Harmless when closed. */
+    /** Ends a read or write that is waiting, and returns when no call uses the link any more. No effect when closed. */
     virtual void close() = 0;
 
     /**
@@ -32,7 +32,7 @@ public:
 
     /**
      * Sets the speed of this end of the wire, after what was written has left. It stays across closing and opening.
-     * @param value 0, 2 or 4 for 9600, 38400 or 115200 baud
+     * @param value one of kGpsHalSpeeds
      * @return false, and the speed stays, when the link is closed or lost or does not take the speed
      */
     virtual bool setSpeed(unsigned value) = 0;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <linux/major.h>
+#include <linux/serial.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/file.h>
@@ -17,35 +18,45 @@
 #include <mutex>
 #include <utility>
 
+#include "QvFramework/Foundation/QvHelpers.h"
+
 namespace {
 
 constexpr int kNoDevice = -1;
 constexpr std::chrono::seconds kWriteTimeout{2};
+constexpr int kDrainPollMs = 2;
 
-struct LineSpeed {
-    unsigned value;
-    speed_t speed;
-};
-constexpr LineSpeed kLineSpeeds[] = {{0, B9600}, {2, B38400}, {4, B115200}};
+bool isDrained(int device) {
+    int waiting = 0;
+    unsigned transmitter = TIOCSER_TEMT;
+    if (ioctl(device, TIOCOUTQ, &waiting) != 0) return true;  // hung up
+    return waiting == 0 && (ioctl(device, TIOCSERGETLSR, &transmitter) != 0 || (transmitter & TIOCSER_TEMT) != 0);
+}
 
-/** Lets the system take its time over what was written, then sets raw mode and the speed. */
+/** Waits until what was written has left; false when it has not after the time-out. The system's own waits have none.
+ */
+bool drain(int device) {
+    const auto deadline = std::chrono::steady_clock::now() + kWriteTimeout;
+    while (!isDrained(device)) {
+        if (std::chrono::steady_clock::now() > deadline) return false;
+        poll(nullptr, 0, kDrainPollMs);
+    }
+    return true;
+}
+
+/** Sets raw mode and the speed at once. */
 bool configure(int device, unsigned value) {
-    const auto* const row = std::find_if(std::begin(kLineSpeeds), std::end(kLineSpeeds),
-                                         [value](const LineSpeed& speed) { return speed.value == value; });
+    const auto* const row = std::ranges::find(kGpsHalSpeeds, value, &GpsHalSpeed::value);
     termios settings{};
-    if (row == std::end(kLineSpeeds) || tcgetattr(device, &settings) != 0) return false;
+    if (row == std::end(kGpsHalSpeeds) || tcgetattr(device, &settings) != 0) return false;
     cfmakeraw(&settings);
     settings.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
     settings.c_cflag |= CREAD | CLOCAL;
     settings.c_cc[VMIN] = 1;  // a read of nothing means the end of the line
     settings.c_cc[VTIME] = 0;
-    cfsetispeed(&settings, row->speed);
-    cfsetospeed(&settings, row->speed);
-    int result = -1;
-    do {
-        result = tcsetattr(device, TCSADRAIN, &settings);
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
+    cfsetispeed(&settings, row->terminal);
+    cfsetospeed(&settings, row->terminal);
+    return tcsetattr(device, TCSANOW, &settings) == 0;
 }
 
 bool isPseudoTerminal(int device) {
@@ -54,31 +65,41 @@ bool isPseudoTerminal(int device) {
     return major(status.st_rdev) < UNIX98_PTY_SLAVE_MAJOR + UNIX98_PTY_MAJOR_COUNT;
 }
 
-/**
- * Claims the device for this process. The lock keeps out processes that claim it too, whatever their rights; the
- * exclusive mode keeps out others. A pseudo-terminal would stay in that mode when its holder is killed.
- */
-bool claim(int device) {
-    if (flock(device, LOCK_EX | LOCK_NB) == 0) return isPseudoTerminal(device) || ioctl(device, TIOCEXCL) == 0;
-    if (errno == EWOULDBLOCK) errno = EBUSY;
-    return false;
-}
-
-/** Opens the device, claims it and sets it up: a descriptor, or -1 with the reason in errno. */
-int openDevice(const char* path, unsigned speed) {
-    const int device = ::open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (device == kNoDevice) return kNoDevice;
-    if (claim(device) && configure(device, speed)) return device;
+/** Gives the claim up, also when a forked child still has the descriptor, and closes it. Leaves errno as it is. */
+void release(int device) {
     const int reason = errno;
+    ioctl(device, TIOCNXCL);
+    flock(device, LOCK_UN);
     ::close(device);
     errno = reason;
+}
+
+/**
+ * Opens the device, claims it and sets it up: a descriptor, or -1 with the reason in errno. The lock excludes processes
+ * that claim the device too, whatever their rights; the exclusive mode excludes others. A pseudo-terminal would stay in
+ * that mode when its holder is killed.
+ */
+int openDevice(const char* path, unsigned speed) {
+    const int device = qv_above_standard(::open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    if (device == kNoDevice) return kNoDevice;
+    if (flock(device, LOCK_EX | LOCK_NB) != 0) {
+        const int reason = errno == EWOULDBLOCK ? EBUSY : errno;
+        ::close(device);
+        errno = reason;
+        return kNoDevice;
+    }
+    if ((isPseudoTerminal(device) || ioctl(device, TIOCEXCL) == 0) && configure(device, speed)) return device;
+    release(device);
     return kNoDevice;
 }
 
 }  // namespace
 
 GpsHalSerialLink::GpsHalSerialLink(std::string device, unsigned speed)
-    : mPath(std::move(device)), mWakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), mDevice(kNoDevice), mSpeed(speed) {}
+    : mPath(std::move(device)),
+      mWakeUp(qv_above_standard(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))),
+      mDevice(kNoDevice),
+      mSpeed(speed) {}
 
 GpsHalSerialLink::~GpsHalSerialLink() {
     GpsHalSerialLink::close();
@@ -104,7 +125,9 @@ void GpsHalSerialLink::close() {
     while (::write(mWakeUp, &wakeUp, sizeof(wakeUp)) < 0 && errno == EINTR) {
     }
     const std::unique_lock alone(mInUse);
-    if (mDevice != kNoDevice) ::close(mDevice);
+    if (mDevice == kNoDevice) return;
+    if (!drain(mDevice)) tcflush(mDevice, TCOFLUSH);  // or the system would go on waiting
+    release(mDevice);
     mDevice = kNoDevice;
 }
 
@@ -153,7 +176,7 @@ bool GpsHalSerialLink::write(const void* data, unsigned length) {
 
 bool GpsHalSerialLink::setSpeed(unsigned value) {
     const std::shared_lock use(mInUse);
-    if (mDevice == kNoDevice || !configure(mDevice, value)) return false;
+    if (mDevice == kNoDevice || !drain(mDevice) || !configure(mDevice, value)) return false;
     mSpeed = value;
     return true;
 }

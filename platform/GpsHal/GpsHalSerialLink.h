@@ -7,18 +7,20 @@
 #include <string>
 
 #include "GpsHal/GpsHalLink.h"
+#include "GpsHal/GpsHalSpeed.h"
 
 /**
  * A serial device, or a pseudo-terminal: raw, 8 data bits, no parity, 1 stop bit, no flow control.
  *
  * The device is held exclusively: while one process has it open, opening it in another is false, whatever the rights
  * of that process. The path may be a symbolic link, which is followed anew at every opening. A device that hangs up is
- * lost. Writing gives up after 2 s in which the device does not take all bytes.
+ * lost. Nothing waits for the device without limit: writing fails when it does not take all bytes in 2 s, changing the
+ * speed when they have not left in 2 s, and closing discards what has not left in 2 s.
  */
 class GpsHalSerialLink : public GpsHalLink {
 public:
-    /** @param speed as for setSpeed */
-    explicit GpsHalSerialLink(std::string device, unsigned speed = 0);
+    /** @param speed one of kGpsHalSpeeds, for the first opening */
+    explicit GpsHalSerialLink(std::string device, unsigned speed = GPSHAL_SPEED_9600);
     ~GpsHalSerialLink() override;
 
     const char* name() const override { return mPath.c_str(); }

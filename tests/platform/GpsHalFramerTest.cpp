@@ -40,7 +40,7 @@ struct Outcome {
     bool operator==(const Outcome&) const = default;
 };
 
-enum class End { none, finish, reset };
+enum class End { none, pause, finish, reset };
 
 /** What becomes of a stream that comes in pieces, the first of them of its own length. */
 Outcome outcomeOf(const std::string& bytes, std::size_t first, std::size_t others, End end = End::none) {
@@ -55,6 +55,7 @@ Outcome outcomeOf(const std::string& bytes, std::size_t first, std::size_t other
         const std::vector<char> piece(&bytes[at], &bytes[at] + length);
         framer->feed(piece.data(), static_cast<unsigned>(length), take);
     }
+    if (end == End::pause) framer->pause(take);
     if (end == End::finish) framer->finish(take);
     if (end == End::reset) framer->reset();
     EXPECT_EQ(framer->chunks(), outcome.chunks.size());
@@ -118,10 +119,14 @@ TEST(Framer, FindsTheSameChunksWhereverTheStreamIsSplit) {
     }
 }
 
-TEST(Framer, AtTheEndOfTheStreamSetsFreeWhatABrokenLengthHadClaimed) {
-    const std::string stream = kGga + header(5000) + kRmc + header(3) + kAck + kGga.substr(0, 20);
-    EXPECT_EQ(outcomeOf(stream, 7, 7, End::finish), (Outcome{{kGga, kRmc, kAck}, 6 + 6 + 20}));
-    EXPECT_EQ(outcomeOf(kGga + "$GPRMC,0927", 7, 7, End::reset), (Outcome{{kGga}, 11})) << "or drops it";
+TEST(Framer, GivesUpFramesInAPauseAndSentencesTooAtTheEndOfTheStream) {
+    const std::string claimed = kGga + header(5000) + kRmc + header(3) + kAck;
+    const Outcome freed{{kGga, kRmc, kAck}, 6 + 6};
+    const std::string half = kGga.substr(0, 20);
+    EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::pause), freed);
+    EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::finish), (Outcome{freed.chunks, freed.dropped + 20}));
+    EXPECT_EQ(outcomeOf(claimed + "\xB5", 7, 7, End::pause), (Outcome{freed.chunks, freed.dropped + 1}));
+    EXPECT_EQ(outcomeOf(kGga + "$GPRMC,0927", 7, 7, End::reset), (Outcome{{kGga}, 11}));
 }
 
 /** Chunks, and noise that is none and completes none, in any mix: a line feed could make a sentence of it. */

@@ -94,7 +94,11 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     EXPECT_EQ(readAll(mLink, 1), "x") << "the refused ones do no harm";
     const std::string device = std::filesystem::canonical(mDevice);
     EXPECT_EQ(runShell("readlink /proc/self/fd/*").out.find(device), std::string::npos) << "started programs lack it";
+    const pid_t child = startProcess([] { pause(); });
     mLink.close();
+    EXPECT_TRUE(second.open()) << "also while a forked child has a copy of the descriptor";
+    second.close();
+    killProcess(child);
 
     Signal opened;
     const pid_t holder = startProcess([&] {

@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "GpsHal/GpsHalMemoryLink.h"
+#include "GpsHal/GpsHalSpeed.h"
 #include "QvFramework/Foundation/QvEvent.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/support/LogCapture.h"
@@ -120,20 +121,68 @@ TEST_F(GpsHalTest, ReceivesAndSendsBetweenStartAndStopOnly) {
     EXPECT_EQ(mPeer->written(), kSentences[0] + kSentences[1] + kSentences[2] + kSentences[3]);
 }
 
-TEST_F(GpsHalTest, DeliversWhatALostLinkLeavesWholeAndMayBeStoppedMeanwhile) {
+TEST_F(GpsHalTest, AwaitsAnAbsentLinkAndDeliversWhatWasCompleteWhenItWasLost) {
     ChunkObserver observer(mHal);
+    mPeer->lose();
     ASSERT_TRUE(mHal->start());
+    EXPECT_FALSE(mPeer->waitForOpen(true, 600) || send("x"));
+    mPeer->restore();
+    ASSERT_TRUE(mPeer->waitForOpen(true, kLong));
     receive(kSentences[0] + "\xB5\x62\x06\x01\xFF\x1F" + kSentences[1] + "$half");
     mPeer->lose();
-    // What was whole behind a broken frame is delivered now, what was not is forgotten.
     ASSERT_TRUE(observer.waitForChunks(2));
-    ASSERT_TRUE(mPeer->waitForOpen(false, kLong));
     EXPECT_FALSE(mPeer->waitForOpen(true, 600)) << "the first attempt to open it again is after 500 ms";
     EXPECT_THAT(observer.chunks(), ElementsAre(kSentences[0], kSentences[1]));
-    EXPECT_THAT(mLog.texts(), ElementsAre("memory is lost\n"));
+    EXPECT_THAT(mLog.texts(), ElementsAre("memory is absent\n", "memory is available\n", "memory is absent\n"));
     EXPECT_TRUE(mHal->stop());
     mPeer->restore();
     EXPECT_TRUE(mPeer->waitForOpen(false, 0));
+}
+
+TEST_F(GpsHalTest, GivesUpAnUnfinishedFrameWhenTheLineIsSilent) {
+    ChunkObserver observer(mHal);
+    ASSERT_TRUE(mHal->start());
+    mPeer->send("\xB5\x62\x06\x01\xFF\x1F" + kSentences[0] + kSentences[1].substr(0, 5));
+    ASSERT_TRUE(observer.waitForChunks(1));
+    receive(kSentences[1].substr(5));
+    EXPECT_THAT(observer.chunks(), ElementsAre(kSentences[0], kSentences[1]));
+}
+
+TEST(SpeedWatch, FiresAfterTwoSecondsOfBytesWithoutAChunk) {
+    GpsHalSpeedWatch watch;
+    const auto bytes = [&](int ms, bool hasChunk = false) {
+        return watch.receive(hasChunk, GpsHalSpeedWatch::Time(std::chrono::hours(1) + std::chrono::milliseconds(ms)));
+    };
+    EXPECT_FALSE(bytes(0) || bytes(1000) || bytes(1999));
+    EXPECT_TRUE(bytes(2000));
+    EXPECT_FALSE(bytes(2500, true) || bytes(4499)) << "after a chunk";
+    EXPECT_TRUE(bytes(4500));
+    watch.reset();
+    EXPECT_FALSE(bytes(4600) || bytes(6599)) << "at another speed";
+    EXPECT_FALSE(bytes(8599) || bytes(10598)) << "after two seconds of silence";
+    EXPECT_TRUE(bytes(10599));
+}
+
+TEST_F(GpsHalTest, TriesOtherSpeedsWhileBytesAreNoChunksAndLeavesThatOfAClient) {
+    ChunkObserver observer(mHal);
+    ASSERT_TRUE(mHal->start());
+    receive(kSentences[0]);
+    const auto noiseUntil = [&](auto isDone) {
+        while (!isDone()) {
+            receive("\xB5\x62\x06\x01\xFF\x1F");
+            mPeer->waitForOpen(false, 50);
+        }
+    };
+    noiseUntil([&] { return mPeer->speed() == GPSHAL_SPEED_38400; });
+    unsigned speed = GPSHAL_SPEED_9600;
+    EXPECT_TRUE(mHal->sendCommand(0, speed));
+    const auto start = GpsHalSpeedWatch::Clock::now();
+    noiseUntil([&] { return mPeer->speed() != speed; });
+    EXPECT_GE(GpsHalSpeedWatch::Clock::now() - start, std::chrono::seconds(2));
+    receive("\n" + kSentences[1]);
+    EXPECT_TRUE(observer.waitForChunks(2));
+    EXPECT_THAT(observer.chunks(), ElementsAre(kSentences[0], kSentences[1]));
+    EXPECT_THAT(mLog.texts(), ElementsAre("memory sends nothing intelligible: trying other speeds\n"));
 }
 
 /** Gives one sentence and then nothing more; its close does not end a waiting read. Tells of its end. */

@@ -1,0 +1,45 @@
+#ifndef GPSHAL_GPS_HAL_SPEED_H
+#define GPSHAL_GPS_HAL_SPEED_H
+
+#include <termios.h>
+
+#include <chrono>
+#include <string_view>
+
+/** A speed of the link. */
+struct GpsHalSpeed {
+    unsigned value;  ///< in GpsHal::sendCommand and GpsHalLink::setSpeed
+    std::string_view baud;
+    speed_t terminal;
+};
+
+constexpr unsigned GPSHAL_SPEED_9600 = 0;
+constexpr unsigned GPSHAL_SPEED_38400 = 2;
+constexpr unsigned GPSHAL_SPEED_115200 = 4;
+constexpr GpsHalSpeed kGpsHalSpeeds[] = {{GPSHAL_SPEED_9600, "9600", B9600},
+                                         {GPSHAL_SPEED_38400, "38400", B38400},
+                                         {GPSHAL_SPEED_115200, "115200", B115200}};
+
+/** Detects that the receiver sends at another speed: bytes arrive, but no chunk. One thread; the caller passes time. */
+class GpsHalSpeedWatch {
+public:
+    using Clock = std::chrono::steady_clock;
+    using Time = Clock::time_point;
+
+    /** The link has been opened, or has changed its speed. */
+    void reset() { mLast = Time(); }
+
+    /** Bytes have arrived. True when bytes have been arriving for two seconds, and no chunk. */
+    bool receive(bool hasChunk, Time now) {
+        constexpr std::chrono::seconds kLimit{2};
+        if (hasChunk || now - mLast >= kLimit) mBegin = now;  // bytes that come rarely are a disturbance
+        mLast = now;
+        return now - mBegin >= kLimit;
+    }
+
+private:
+    Time mBegin;  // of the bytes without a chunk
+    Time mLast;   // when bytes arrived
+};
+
+#endif
