@@ -20,7 +20,7 @@ struct Fix {
     std::optional<double> course;    ///< degrees from true north
     std::optional<double> hdop;
     std::optional<int> satellites;  ///< used
-    int dimensions = 0;             ///< 2 or 3; 0 where no GSA says so
+    int dimensions = 0;             ///< 2 or 3; 0 where no GSA has it
     bool isDifferential = false;
     bool beginsSegment = false;  ///< the first of a track segment
     unsigned starts = 0;         ///< of the receiver, before

@@ -1,10 +1,19 @@
 #ifndef GPS_DECODE_MARKUP_H
 #define GPS_DECODE_MARKUP_H
 
+#include <fmt/format.h>
+
+#include <iterator>
 #include <string>
 #include <string_view>
 
 namespace decode {
+
+/** Appends. */
+template <class... Values>
+void put(std::string& text, fmt::format_string<Values...> format, Values&&... values) {
+    fmt::format_to(std::back_inserter(text), format, std::forward<Values>(values)...);
+}
 
 /** A text as XML and HTML want it; bytes that no XML may contain become "?". */
 inline std::string escaped(std::string_view text) {

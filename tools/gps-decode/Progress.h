@@ -7,7 +7,7 @@
 namespace decode {
 
 /**
- * A line on standard error that says how far a long input has been read; it is gone when this object is. There is none
+ * A line on standard error that shows how far a long input has been read; it is gone when this object is. There is none
  * unless standard error is a terminal, standard output is not, and the input is known to be long.
  */
 class Progress {

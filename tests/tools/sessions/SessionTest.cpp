@@ -5,7 +5,7 @@
 #include "tests/support/Child.h"
 #include "tests/support/ScratchDirectory.h"
 
-// Sessions at the shell: "$ " begins a command, behind which stand its output and, in brackets, its exit status unless
+// Sessions at the shell: "$ " begins a command, after which come its output and, in brackets, its exit status unless
 // that is 0. A session is right when its commands, given again in an empty directory, give the same text.
 
 namespace {

@@ -17,11 +17,6 @@ using namespace std::chrono;
 
 namespace {
 
-template <class... Values>
-void put(std::string& text, fmt::format_string<Values...> format, Values&&... values) {
-    fmt::format_to(std::back_inserter(text), format, std::forward<Values>(values)...);
-}
-
 std::string timeText(const std::optional<UtcTime>& time) {
     if (!time) return "-";
     std::string text = isoText(*time);
@@ -60,7 +55,7 @@ void writeHead(const LogSummary& log, std::string& text) {
         name, kStyle);
     put(text, "<header><h1>{}</h1><p class=\"dim\">{} to {} UTC</p></header>\n<dl>", name,
         timeText(sections.empty() ? std::nullopt : std::optional(sections.front().time)), timeText(log.time.last()));
-    const std::pair<const char*, std::string> kTiles[] = {
+    const std::pair<const char*, std::string> tiles[] = {
         {"Duration", lengthText(log.time.position())},
         {"Distance", distanceText(log.distance)},
         {"Times with a fix",
@@ -69,7 +64,7 @@ void writeHead(const LogSummary& log, std::string& text) {
         {"Altitude, m", rangeText(log.curves[kAltitude])},
         {"Satellites used", rangeText(log.curves[kSatellitesUsed])},
         {"Sentences and frames", std::to_string(log.chunks)}};
-    for (const auto& [what, value] : kTiles)
+    for (const auto& [what, value] : tiles)
         put(text, "<div><dt>{}</dt><dd>{}</dd></div>", what, value);
     text += "</dl>\n";
 }
@@ -160,29 +155,39 @@ void writeTrack(const LogSummary& log, std::string& text) {
         distanceText(square), map.middle().y, map.middle().x);
 }
 
-/** Places for labels that do not touch each other. */
+/** Places for labels that touch neither each other nor a dot. */
 class Labels {
 public:
-    /** A free place next to a point; none when there is no room. */
-    std::optional<SparsePath::Point> place(SparsePath::Point point) {
-        constexpr double kWidth = 16;
-        constexpr double kHeight = 8;
-        for (const SparsePath::Point shift :
-             {SparsePath::Point{0, -6}, {0, 6}, {10, 0}, {-10, 0}, {9, -6}, {-9, -6}, {9, 6}, {-9, 6}}) {
-            const SparsePath::Point at = {point.x + shift.x, point.y + shift.y};
-            const bool isFree = std::none_of(mTaken.begin(), mTaken.end(), [&](auto other) {
-                return std::fabs(other.x - at.x) < kWidth && std::fabs(other.y - at.y) < kHeight;
-            });
-            if (!isFree) continue;
-            mTaken.push_back(at);
+    void takeDot(SparsePath::Point at) { mTaken.push_back({at, 9, 5}); }
+    void takeLabel(SparsePath::Point at) { mTaken.push_back({at, 16, 8}); }
+
+    /** A free place next to a dot; none when there is no room. */
+    std::optional<SparsePath::Point> place(SparsePath::Point dot) {
+        constexpr SparsePath::Point kShifts[] = {{0, -6},  {0, 6},    {11, 0}, {-11, 0},
+                                                 {10, -6}, {-10, -6}, {10, 6}, {-10, 6}};
+        for (const SparsePath::Point shift : kShifts) {
+            const SparsePath::Point at = {dot.x + shift.x, dot.y + shift.y};
+            if (!isFree(at)) continue;
+            takeLabel(at);
             return at;
         }
         return std::nullopt;
     }
-    void take(SparsePath::Point at) { mTaken.push_back(at); }
 
 private:
-    std::vector<SparsePath::Point> mTaken;
+    struct Taken {
+        SparsePath::Point at;
+        double width;  // between its middle and that of another label
+        double height;
+    };
+
+    bool isFree(SparsePath::Point at) const {
+        return std::none_of(mTaken.begin(), mTaken.end(), [at](const Taken& other) {
+            return std::fabs(other.at.x - at.x) < other.width && std::fabs(other.at.y - at.y) < other.height;
+        });
+    }
+
+    std::vector<Taken> mTaken;
 };
 
 void writeSky(const LogSummary& log, std::string& text) {
@@ -197,10 +202,10 @@ void writeSky(const LogSummary& log, std::string& text) {
     Labels labels;
     for (const auto& [letter, at] : kCompass) {
         put(text, "<text x=\"{}\" y=\"{}\">{}</text>", at.x, at.y, letter);
-        labels.take(at);
+        labels.takeLabel(at);
     }
     for (const auto& [key, satellite] : log.satellites)
-        if (satellite.isInSky) labels.take({satellite.place.x, -satellite.place.y});
+        if (satellite.isInSky) labels.takeDot({satellite.place.x, -satellite.place.y});
     const auto down = [](SparsePath::Point point) { return SparsePath::Point{point.x, -point.y}; };
     std::string names;
     for (const auto& [key, satellite] : log.satellites) {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numbers>
 #include <span>
+#include <utility>
 
 namespace decode {
 
@@ -131,26 +132,29 @@ void Report::closeOutage(const std::optional<UtcTime>& to) {
     mLog.outages.resize(kMostOutages);
 }
 
-/** An epoch is what comes with one time. The first and the last one of a log may be cut: they do not count. */
+/** An epoch is what comes with one time. */
 void Report::addToEpoch(const Event& event) {
     const unsigned bit = kindBit(event.content);
     if (bit == 0) return;
     if (event.hasOwnTime && event.time != mEpoch) {
-        mEpochsBegun = std::min(mEpochsBegun + 1, 3U);
-        if (mEpochsBegun == 3) {
-            ++mLog.wholeEpochs;
-            unsigned missing = 0;
-            for (std::size_t kind = 0; kind < std::size(kEpochKinds); ++kind) {
-                if ((mEpochKinds >> kind & 1U) != 0) continue;
-                ++mLog.lackingCount[kind];
-                missing |= 2U << kind;
-            }
-            mLog.lacking.at(mLog.time.position()).merge({missing | 1U});
-        }
+        finishEpoch();
         mEpoch = event.time;
         mEpochKinds = 0;
     }
     mEpochKinds |= bit;
+}
+
+/** The last epoch of a log is never finished, and the first one does not count: they may be cut. */
+void Report::finishEpoch() {
+    if (!mEpoch || !std::exchange(mIsAfterFirstEpoch, true)) return;
+    ++mLog.wholeEpochs;
+    unsigned missing = 0;
+    for (std::size_t kind = 0; kind < std::size(kEpochKinds); ++kind) {
+        if ((mEpochKinds >> kind & 1U) != 0) continue;
+        ++mLog.lackingCount[kind];
+        missing |= 2U << kind;
+    }
+    mLog.lacking.at(mLog.time.position()).merge({missing | 1U});
 }
 
 void Report::addSatellites(const GPGSV& gsv, std::string_view talker) {

@@ -20,6 +20,7 @@ private:
     void addOutage(const Fix& fix);
     void closeOutage(const std::optional<UtcTime>& to);
     void addToEpoch(const Event& event);
+    void finishEpoch();
     void addSatellites(const GPGSV& gsv, std::string_view talker);
     void addAntenna(GpsConnectionStatus status);
     void addNote(const std::string& text, bool isRepeated);
@@ -28,8 +29,8 @@ private:
     std::optional<SparsePath::Point> mLastPlace;
     std::optional<Outage> mOutage;  // that has not ended
     std::optional<UtcTime> mEpoch;
-    unsigned mEpochKinds = 0;   // bits of the sentences that the epoch has
-    unsigned mEpochsBegun = 0;  // counted up to 2
+    bool mIsAfterFirstEpoch = false;
+    unsigned mEpochKinds = 0;  // bits of the sentences that the epoch has
     unsigned mStarts = 0;
     std::optional<GpsConnectionStatus> mAntenna;
 };

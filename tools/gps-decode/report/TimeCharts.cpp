@@ -20,11 +20,6 @@ namespace {
 constexpr double kWidth = 1000;
 constexpr double kHeight = 100;
 
-template <class... Values>
-void put(std::string& text, fmt::format_string<Values...> format, Values&&... values) {
-    fmt::format_to(std::back_inserter(text), format, std::forward<Values>(values)...);
-}
-
 milliseconds lengthOf(const LogSummary& log) {
     return std::max<milliseconds>(log.time.position(), 1s);
 }
@@ -61,7 +56,7 @@ void writeTimeAxis(const LogSummary& log, std::string& text) {
     text += "</div></div>\n";
 }
 
-/** What lies behind every curve: times without a fix, and where the receiver or a section of the log starts. */
+/** The background of every curve: times without a fix, and where the receiver or a section of the log starts. */
 void writeBackground(const LogSummary& log, std::string& text) {
     constexpr std::size_t kMostMarks = 100;
     for (const Outage& outage : log.outages) {
