@@ -7,7 +7,9 @@ template class QvSingleton<Gps>;
 
 Gps::Gps() : mpGpsController(new GpsController) {}
 
-Gps::~Gps() = default;
+Gps::~Gps() {
+    delete mpGpsController;
+}
 
 bool Gps::registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem) {
     return mpGpsController->registerGpsNmeaListener(npListener, geodeticSystem);

@@ -1,8 +1,6 @@
 #ifndef GPS_GPS_H
 #define GPS_GPS_H
 
-#include <memory>
-
 #include "Gps/GpsDegrees.h"
 #include "Gps/GpsExport.h"
 #include "Gps/GpsListeners.h"
@@ -110,7 +108,7 @@ private:
     friend class QvSingleton<Gps>;
     Gps();
 
-    std::unique_ptr<GpsController> mpGpsController;
+    GpsController* mpGpsController;
 };
 
 extern template class QvSingleton<Gps>;
