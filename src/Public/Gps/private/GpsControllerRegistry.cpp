@@ -70,7 +70,7 @@ bool GpsController::removeListener(ListenerRegistry<Entry>& registry,
     return !isEmpty || controllerLog.failure(texts.unRegisterFunction, texts.empty);
 }
 
-/** A forked child has none of the threads that an unregistration waits for, and perhaps locks that stay taken. */
+/** A forked child lacks the threads that an unregistration waits for, and locks may have been held at the fork. */
 bool GpsController::isForkedChild() const {
     return getpid() != mProcess;
 }
@@ -100,7 +100,7 @@ bool GpsController::registerGpsLocationDataListener(const GpsLocationDataListene
 
 bool GpsController::unRegisterGpsLocationDataListener(const GpsLocationDataListener* npListener) {
     const bool isRemoved = removeListener(mGpsLocationDataListeners, npListener, kLocationData);
-    if (isRemoved) reconcileWorker();
+    if (isRemoved && mGpsLocationDataListeners.count() == 0) reconcileWorker();
     return isRemoved;
 }
 
