@@ -64,8 +64,9 @@ void Decoder::connectionStatusProc(const char* chunk, unsigned length) {
 }
 
 void Decoder::nmeaSentenceProc(const char* chunk, unsigned length) {
-    deliverSentence(mParser, {&mListeners, mSetup.wanted}, mSetup.base, {chunk, length},
-                    [this] { return mSetup.settingFinished; });
+    SentenceDelivery(mParser, mSetup.base, {chunk, length}).deliver({&mListeners, mSetup.wanted}, [this] {
+        return mSetup.settingFinished;
+    });
 }
 
 void Decoder::parseNmeaSentenceProc(const char* chunk, unsigned length) {

@@ -55,9 +55,9 @@ void GpsController::connectionStatusProc(const char* data, unsigned int length) 
 void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
     if (!hasBytes(data, length, "nmeaSentenceProc", "GpsController::nmeaSentenceProc() Argument Error\n")) return;
     const GeodeticSystem base = mGpsSettingManager->getBaseGeodeticSystem();
+    SentenceDelivery delivery(*mGpsParseNmeaManager, base, {data, length});
     mGpsNmeaListeners.callEach([&](const GPS_NMEA_LISTENER_LIST& entry) {
-        deliverSentence(*mGpsParseNmeaManager, entry, base, {data, length},
-                        [this] { return mGpsSettingManager->getSettingFinishFlg(); });
+        delivery.deliver(entry, [this] { return mGpsSettingManager->getSettingFinishFlg(); });
         return true;
     });
 }

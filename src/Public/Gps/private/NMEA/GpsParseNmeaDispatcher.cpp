@@ -7,23 +7,7 @@
 
 using sentence_text::Kind;
 
-GpsParseNmeaManager::GpsParseNmeaManager()
-    : ggaData{},
-      gllData{},
-      gsaData{},
-      gsvData{},
-      rmcData{},
-      vtgData{},
-      zdaData{},
-      pubxData{},
-      parseNmeaData{},
-      parsedFlags{},
-      usedSatCount(0),
-      gsvSatCount(0),
-      gsaSentenceCount(0),
-      touchedSatellites(0),
-      isClear(true) {}
-
+GpsParseNmeaManager::GpsParseNmeaManager() = default;
 GpsParseNmeaManager::~GpsParseNmeaManager() = default;
 
 // The operations that take an array of listeners.
@@ -34,12 +18,13 @@ bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int lengt
     return parseNmeaSentence(data, length, Recipients(listeners, count, base, settingFinished));
 }
 
-#define PARSE_FOR_ARRAY(operation, Record)                                                                 \
-    bool GpsParseNmeaManager::operation(const char* text, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,   \
-                                        unsigned int count, Record* record, GeodeticSystem base,           \
-                                        bool settingFinished) {                                            \
-        sentence_text::Sentence sentence;                                                                  \
-        return parse(sentence.assign(text), Recipients(listeners, count, base, settingFinished), *record); \
+#define PARSE_FOR_ARRAY(operation, Record)                                                                       \
+    bool GpsParseNmeaManager::operation(const char* text, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,         \
+                                        unsigned int count, Record* record, GeodeticSystem base,                 \
+                                        bool settingFinished) {                                                  \
+        const sentence_text::Sentence sentence(text);                                                            \
+        return parse(text != nullptr ? &sentence : nullptr, Recipients(listeners, count, base, settingFinished), \
+                     *record);                                                                                   \
     }
 PARSE_FOR_ARRAY(parseGgaSentence, GPGGA)
 PARSE_FOR_ARRAY(parseGllSentence, GPGLL)
@@ -57,6 +42,7 @@ bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int lengt
     if (!sentence_text::takeSentence(data, length, sentence)) return false;
 
     parseKind(sentence, recipients);
+    isClear = false;
     const bool isEpochComplete =
         parsedFlags.gga && parsedFlags.gll && parsedFlags.gsa && parsedFlags.rmc && parsedFlags.vtg;
     return !isEpochComplete || deliverEpoch(recipients);
@@ -64,37 +50,31 @@ bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int lengt
 
 /** Passes a sentence to the parser of its kind and keeps the outcome for the epoch. */
 void GpsParseNmeaManager::parseKind(const sentence_text::Sentence& sentence, const Recipients& recipients) {
+    const auto keep = [&](bool& flag, auto& record) { flag = parse(&sentence, recipients, record); };
+    bool isParsed = false;
     switch (sentence_text::kindOf(sentence)) {
         case Kind::GGA:
-            parsedFlags.gga = parse(&sentence, recipients, ggaData);
-            break;
+            return keep(parsedFlags.gga, ggaData);
         case Kind::GLL:
-            parsedFlags.gll = parse(&sentence, recipients, gllData);
-            break;
+            return keep(parsedFlags.gll, gllData);
         case Kind::GSA:
-            parsedFlags.gsa = parse(&sentence, recipients, gsaData);
-            break;
+            return keep(parsedFlags.gsa, gsaData);
         case Kind::GSV:
-            parsedFlags.gsv = parse(&sentence, recipients, gsvData);
-            break;
+            return keep(parsedFlags.gsv, gsvData);
         case Kind::RMC:
             clearData();  // an RMC opens a new epoch
-            parsedFlags.rmc = parse(&sentence, recipients, rmcData);
-            break;
+            return keep(parsedFlags.rmc, rmcData);
         case Kind::VTG:
-            parsedFlags.vtg = parse(&sentence, recipients, vtgData);
-            break;
+            return keep(parsedFlags.vtg, vtgData);
         case Kind::ZDA:
-            parse(&sentence, recipients, zdaData);
-            break;
+            return keep(isParsed, zdaData);
         case Kind::PUBX:
-            parse(&sentence, recipients, pubxData);
+            keep(isParsed, pubxData);
             pubxData = {};
-            break;
+            return;
         case Kind::Other:
-            break;
+            return;
     }
-    isClear = false;
 }
 
 /** Builds and delivers the aggregate. When the delivery stops, the epoch stays complete and the next sentence tries
@@ -127,9 +107,4 @@ void GpsParseNmeaManager::clearData() {
     }
     touchedSatellites = 0;
     isClear = true;
-}
-
-/** The bytes of a record of satellites in view that may not be zero. */
-std::size_t GpsParseNmeaManager::touchedSize() const {
-    return offsetof(GPGSV, Sat) + touchedSatellites * sizeof(GPGSV_SATELLITE);
 }

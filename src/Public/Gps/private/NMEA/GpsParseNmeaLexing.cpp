@@ -7,6 +7,7 @@
 #include "Gps/private/NMEA/SentenceText.h"
 
 using sentence_text::nmeaLog;
+using sentence_text::Sentence;
 
 namespace sentence_text {
 
@@ -17,25 +18,10 @@ using number_text::wordAt;
 
 namespace {
 
-/** Three letters as a number. */
-constexpr unsigned int tag(const char* letters) {
-    return static_cast<unsigned int>(letters[0] << 16 | letters[1] << 8 | letters[2]);
-}
-
-constexpr struct {
-    unsigned int tag;
-    Kind kind;
-} kKinds[] = {{tag("GSV"), Kind::GSV}, {tag("GGA"), Kind::GGA}, {tag("GLL"), Kind::GLL}, {tag("GSA"), Kind::GSA},
-              {tag("RMC"), Kind::RMC}, {tag("VTG"), Kind::VTG}, {tag("ZDA"), Kind::ZDA}};
-
-/** The end of a line from its last "$" on; empty without one. Most lines have one, which begins them. */
-std::string_view fromLastDollar(std::string_view line) {
-    std::string_view found;
-    for (std::size_t at = line.find('$'); at != std::string_view::npos; at = line.find('$', 1)) {
-        line.remove_prefix(at);
-        found = line;
-    }
-    return found;
+/** The place of a field's first character among some letters. */
+unsigned int letterCode(std::string_view field, std::string_view letters, unsigned int otherwise) {
+    const std::size_t place = letters.find(field.empty() ? '\0' : field.front());
+    return place != std::string_view::npos ? static_cast<unsigned int>(place) : otherwise;
 }
 
 /**
@@ -83,12 +69,6 @@ bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence
 
 }  // namespace
 
-const Sentence* Sentence::assign(const char* terminated) {
-    if (terminated == nullptr) return nullptr;
-    assign({terminated, strnlen(terminated, LONGEST)});
-    return this;
-}
-
 void Sentence::assign(std::string_view from) {
     length = from.copy(text, LONGEST);
     text[length] = '\0';
@@ -97,7 +77,7 @@ void Sentence::assign(std::string_view from) {
     }
 }
 
-unsigned char exclusiveOr(std::string_view text) {
+unsigned char checkSumOf(std::string_view text) {
     unsigned char sum = 0;
     for (const char c : text) {
         sum ^= static_cast<unsigned char>(c);
@@ -108,15 +88,16 @@ unsigned char exclusiveOr(std::string_view text) {
 bool isCheckSumRight(std::string_view sentence) {
     const std::size_t star = std::min(sentence.find('*', 1), sentence.size());
     if (star + 4 > sentence.size()) return false;
-    return number_text::toUnsignedHexSlowly(sentence.substr(star + 1, 2)) == exclusiveOr(sentence.substr(1, star - 1));
+    return number_text::toUnsignedHexSlowly(sentence.substr(star + 1, 2)) == checkSumOf(sentence.substr(1, star - 1));
 }
 
 bool takeSentence(const char* data, unsigned int length, Sentence& sentence) {
     if (takePlainSentence(data, length, sentence)) return true;
-    const std::string_view head(data, std::min(length, GpsParseNmeaManager::SENTENCE_SIZE));
-    const std::size_t stop = std::min(head.find('\n'), head.find('\0'));
+    std::string_view line(data, std::min(length, GpsParseNmeaManager::SENTENCE_SIZE));
+    const std::size_t stop = line.find_first_of(std::string_view("\n\0", 2));
     if (stop == std::string_view::npos) return false;
-    const std::string_view text = fromLastDollar(head.substr(0, stop));
+    line = line.substr(0, stop);
+    const std::string_view text = line.substr(std::min(line.rfind('$'), stop));
     if (text.size() < 2 || !isCheckSumRight(text)) return false;
     sentence.assign(text);
     return true;
@@ -124,34 +105,17 @@ bool takeSentence(const char* data, unsigned int length, Sentence& sentence) {
 
 Kind kindOf(const Sentence& sentence) {
     const std::string_view text(sentence.text, sentence.length);
-    for (const auto& known : kKinds) {
-        if (text.size() >= 6 && tag(sentence.text + 3) == known.tag) return known.kind;
-    }
-    return text.starts_with("$PUBX") ? Kind::PUBX : Kind::Other;
+    if (text.starts_with("$PUBX")) return Kind::PUBX;
+    return text.size() >= 6 ? static_cast<Kind>(tag(sentence.text + 3)) : Kind::Other;
 }
 
 SatelliteType satelliteType(const char* text) {
-    constexpr char kFunction[] = "getSatelliteType";
-    if (text[0] != '$') {
-        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_1\n");
+    if (text[0] != '$' || text[1] != 'G') {
+        nmeaLog("getSatelliteType", text[0] != '$' ? "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_1\n"
+                                                   : "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_2\n");
         return SATELLITE_TYPE_UNKNOWN;
     }
-    if (text[1] != 'G') {
-        nmeaLog(kFunction, "GpsParseNmeaManager::getSatelliteType() Unknown Sat Type_2\n");
-        return SATELLITE_TYPE_UNKNOWN;
-    }
-    switch (text[2]) {
-        case 'P':
-            return SATELLITE_TYPE_GPS;
-        case 'L':
-            return SATELLITE_TYPE_GLONASS;
-        case 'A':
-            return SATELLITE_TYPE_GALILEO;
-        case 'N':
-            return SATELLITE_TYPE_GNSS;
-        default:
-            return SATELLITE_TYPE_UNKNOWN;
-    }
+    return static_cast<SatelliteType>(letterCode({text + 2, 1}, "?PLAN", SATELLITE_TYPE_UNKNOWN));
 }
 
 bool noField(const char* cursor) {
@@ -188,9 +152,6 @@ bool splitCoordinate(const Token& field, std::size_t degreeDigits, double& value
     return true;
 }
 
-namespace {
-
-/** Splits the first six characters in three. */
 void splitPairs(const Token& field, unsigned short& first, unsigned short& second, unsigned short& third) {
     const auto digits = number_text::digitsAt<std::uint64_t>(field.data());
     if (field.size() >= 6 && (number_text::nonDigits(digits) & 0xFFFFFFFFFFFF) == 0) {
@@ -203,26 +164,6 @@ void splitPairs(const Token& field, unsigned short& first, unsigned short& secon
     first = static_cast<unsigned short>(field.part(0, 2).toInteger());
     second = static_cast<unsigned short>(field.part(2, 2).toInteger());
     third = static_cast<unsigned short>(field.part(4, 2).toInteger());
-}
-
-/** The place of a field's first character among some letters. */
-unsigned int letterCode(std::string_view field, std::string_view letters, unsigned int otherwise) {
-    const std::size_t place = letters.find(field.empty() ? '\0' : field.front());
-    return place != std::string_view::npos ? static_cast<unsigned int>(place) : otherwise;
-}
-
-}  // namespace
-
-bool splitDate(const Token& field, unsigned short& year, unsigned short& month, unsigned short& day) {
-    splitPairs(field, day, month, year);
-    return true;
-}
-
-bool splitTime(const Token& field, unsigned short& hour, unsigned short& minute, unsigned short& second,
-               unsigned short& milliSecond) {
-    splitPairs(field, hour, minute, second);
-    milliSecond = static_cast<unsigned short>(field.part(7, 3).toInteger());
-    return true;
 }
 
 unsigned int statusCode(std::string_view field) {
@@ -244,23 +185,6 @@ unsigned int navigationStatusCode(std::string_view field) {
 }
 
 }  // namespace sentence_text
-
-namespace {
-
-/** A copy of a field that may be read ahead of. */
-class PaddedField {
-public:
-    explicit PaddedField(const char* text)
-        : mSize(std::string_view(text, strnlen(text, LONGEST)).copy(mText, LONGEST)) {}
-    number_text::Token token() const { return {mText, mSize}; }
-
-private:
-    static constexpr std::size_t LONGEST = 127;
-    char mText[LONGEST + number_text::Token::READ_AHEAD];
-    std::size_t mSize;
-};
-
-}  // namespace
 
 bool GpsParseNmeaManager::confirmCheckSum(const char* sentence, unsigned int length) {
     if (sentence == nullptr || length == 0) {
@@ -297,23 +221,24 @@ bool GpsParseNmeaManager::parseCoordinate(const char* field, Identifier identifi
         return nmeaLog.failure(kFunction, "GpsParseNmeaManager::parseCoordinate() nIdentifier Error");
     }
     const unsigned int degreeDigits = identifier == IDENTIFIER_LATITUDE ? 2 : 3;
-    return sentence_text::splitCoordinate(PaddedField(field).token(), degreeDigits, *value, *degrees, *minutes);
+    return sentence_text::splitCoordinate(Sentence(field).whole(), degreeDigits, *value, *degrees, *minutes);
 }
 
 bool GpsParseNmeaManager::divideDate(const char* field, unsigned short* year, unsigned short* month,
                                      unsigned short* day) {
     if (field == nullptr) return nmeaLog.failure("divideDate", "GpsParseNmeaManager::divideDate() Argument Error");
-    return sentence_text::splitDate(PaddedField(field).token(), *year, *month, *day);
+    sentence_text::splitPairs(Sentence(field).whole(), *day, *month, *year);
+    return true;
 }
 
 bool GpsParseNmeaManager::divideTime(const char* field, unsigned short* hour, unsigned short* minute,
                                      unsigned short* second, unsigned short* milliSecond) {
     if (field == nullptr) return nmeaLog.failure("divideTime", "GpsParseNmeaManager::divideTime() Argument Error");
-    const PaddedField copy(field);
+    const Sentence copy(field);
     std::size_t position = 0;
     const auto take = [&](unsigned short* output, std::size_t width, std::size_t step) {
         if (output == nullptr) return;
-        *output = static_cast<unsigned short>(copy.token().part(position, width).toInteger());
+        *output = static_cast<unsigned short>(copy.whole().part(position, width).toInteger());
         position += step;
     };
     take(hour, 2, 2);
@@ -323,26 +248,13 @@ bool GpsParseNmeaManager::divideTime(const char* field, unsigned short* hour, un
     return true;
 }
 
-unsigned int GpsParseNmeaManager::convertStatus(const char* field) {
-    if (field != nullptr) return sentence_text::statusCode(field);
-    nmeaLog("convertStatus", "GpsParseNmeaManager::convertStatus() Argument Error");
-    return 0;
-}
-
-unsigned int GpsParseNmeaManager::convertMode(const char* field) {
-    if (field != nullptr) return sentence_text::modeCode(field);
-    nmeaLog("convertMode", "GpsParseNmeaManager::convertMode() Argument Error");
-    return 0;
-}
-
-unsigned int GpsParseNmeaManager::convertOperationMode(const char* field) {
-    if (field != nullptr) return sentence_text::operationModeCode(field);
-    nmeaLog("convertOperationMode", "GpsParseNmeaManager::convertOperationMode() Argument Error");
-    return 0;
-}
-
-unsigned int GpsParseNmeaManager::convertStatusPubx(const char* field) {
-    if (field != nullptr) return sentence_text::navigationStatusCode(field);
-    nmeaLog("convertStatusPubx", "GpsParseNmeaManager::convertStatusPubx() Argument Error");
-    return 0;
-}
+#define CONVERT(name, codeOf)                                              \
+    unsigned int GpsParseNmeaManager::name(const char* field) {            \
+        if (field != nullptr) return sentence_text::codeOf(field);         \
+        nmeaLog(#name, "GpsParseNmeaManager::" #name "() Argument Error"); \
+        return 0;                                                          \
+    }
+CONVERT(convertStatus, statusCode)
+CONVERT(convertMode, modeCode)
+CONVERT(convertOperationMode, operationModeCode)
+CONVERT(convertStatusPubx, navigationStatusCode)

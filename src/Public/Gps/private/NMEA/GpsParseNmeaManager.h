@@ -1,6 +1,8 @@
 #ifndef GPS_PRIVATE_NMEA_GPS_PARSE_NMEA_MANAGER_H
 #define GPS_PRIVATE_NMEA_GPS_PARSE_NMEA_MANAGER_H
 
+#include <cstddef>
+
 #include "Gps/private/Listeners/GpsListenerList.h"
 
 class Recipients;
@@ -144,7 +146,8 @@ public:
 private:
     void parseKind(const sentence_text::Sentence& sentence, const Recipients& recipients);
     bool deliverEpoch(const Recipients& recipients);
-    std::size_t touchedSize() const;
+    /** The bytes of a record of satellites in view that may not be zero. */
+    std::size_t touchedSize() const { return offsetof(GPGSV, Sat) + touchedSatellites * sizeof(GPGSV_SATELLITE); }
     bool readSatellites(sentence_text::Fields fields, GPGSV& record);
 
     struct ParsedFlags {
@@ -156,21 +159,21 @@ private:
         bool vtg;
     };
 
-    GPGGA ggaData;
-    GPGLL gllData;
-    GPGSA gsaData;
-    GPGSV gsvData;
-    GPRMC rmcData;
-    GPVTG vtgData;
-    GPZDA zdaData;
-    PUBX pubxData;
-    PARSE_NMEA parseNmeaData;
-    ParsedFlags parsedFlags;
-    unsigned int usedSatCount;
-    unsigned int gsvSatCount;
-    unsigned int gsaSentenceCount;
-    unsigned int touchedSatellites;  // entries of the table in view that may not be zero
-    bool isClear;
+    GPGGA ggaData{};
+    GPGLL gllData{};
+    GPGSA gsaData{};
+    GPGSV gsvData{};
+    GPRMC rmcData{};
+    GPVTG vtgData{};
+    GPZDA zdaData{};
+    PUBX pubxData{};
+    PARSE_NMEA parseNmeaData{};
+    ParsedFlags parsedFlags{};
+    unsigned int usedSatCount = 0;
+    unsigned int gsvSatCount = 0;
+    unsigned int gsaSentenceCount = 0;
+    unsigned int touchedSatellites = 0;  // entries of the table in view that may not be zero
+    bool isClear = true;                 // whether clearData() has nothing to do
 };
 
 #endif

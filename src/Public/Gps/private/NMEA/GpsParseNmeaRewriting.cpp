@@ -21,18 +21,16 @@ struct Rewriting {
     const char* regenerateFailed;
 };
 
-constexpr Rewriting<GPGGA> kGga = {&GpsParseNmeaManager::regeneratedGga, MINIMUM ": parseGgaSentence() = false",
-                                   MINIMUM ": convertTokyoToWgs84() = false [GGA]",
-                                   MINIMUM ": regeneratedGga() = false"};
-constexpr Rewriting<GPGLL> kGll = {&GpsParseNmeaManager::regeneratedGll, MINIMUM ": parseGllSentence() = false",
-                                   MINIMUM ": convertTokyoToWgs84() = false [GLL]",
-                                   MINIMUM ": regeneratedGll() = false"};
-constexpr Rewriting<GPRMC> kRmc = {&GpsParseNmeaManager::regeneratedRmc, MINIMUM ": parseRmcSentence() = false",
-                                   MINIMUM ": convertTokyoToWgs84() = false [RMC]",
-                                   MINIMUM ": regeneratedRmc() = false"};
-constexpr Rewriting<PUBX> kPubx = {
-    &GpsParseNmeaManager::regeneratedPubx, MINIMUM ": receiveParsePubxSentence() = false",
-    MINIMUM ": convertTokyoToWgs84() = false [PUBX]", MINIMUM ": regeneratedPubx() = false"};
+#define REWRITING(parse, regenerated, kind)                                                               \
+    {                                                                                                     \
+        &GpsParseNmeaManager::regenerated, MINIMUM ": " #parse "() = false",                              \
+            MINIMUM ": convertTokyoToWgs84() = false [" #kind "]", MINIMUM ": " #regenerated "() = false" \
+    }
+constexpr Rewriting<GPGGA> kGga = REWRITING(parseGgaSentence, regeneratedGga, GGA);
+constexpr Rewriting<GPGLL> kGll = REWRITING(parseGllSentence, regeneratedGll, GLL);
+constexpr Rewriting<GPRMC> kRmc = REWRITING(parseRmcSentence, regeneratedRmc, RMC);
+constexpr Rewriting<PUBX> kPubx = REWRITING(receiveParsePubxSentence, regeneratedPubx, PUBX);
+#undef REWRITING
 
 template <class Record>
 bool rewrite(GpsParseNmeaManager& manager, const Rewriting<Record>& how, const Sentence& sentence, char* out,
@@ -61,26 +59,19 @@ bool GpsParseNmeaManager::parseNmeaSentenceMinimum(const char* sentence, unsigne
     Sentence taken;
     if (!sentence_text::takeSentence(sentence, length, taken)) return false;
 
-    bool isRewritten = false;
     switch (sentence_text::kindOf(taken)) {
         case Kind::GGA:
-            isRewritten = rewrite(*this, kGga, taken, out, outSize);
-            break;
+            return rewrite(*this, kGga, taken, out, outSize) && (*converted = true);
         case Kind::GLL:
-            isRewritten = rewrite(*this, kGll, taken, out, outSize);
-            break;
+            return rewrite(*this, kGll, taken, out, outSize) && (*converted = true);
         case Kind::RMC:
-            isRewritten = rewrite(*this, kRmc, taken, out, outSize);
-            break;
+            return rewrite(*this, kRmc, taken, out, outSize) && (*converted = true);
         case Kind::PUBX:
-            isRewritten = rewrite(*this, kPubx, taken, out, outSize);
-            break;
+            return rewrite(*this, kPubx, taken, out, outSize) && (*converted = true);
         default:
             *converted = false;
             return true;
     }
-    if (isRewritten) *converted = true;
-    return isRewritten;
 }
 #undef MINIMUM
 

@@ -7,34 +7,47 @@
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
 #include "Gps/private/Support/GpsReceiveRules.h"
 
-/** Converts a raw sentence from Tokyo to WGS84 and delivers it; delivers nothing when that fails. */
-inline void deliverConverted(GpsParseNmeaManager& manager, GpsNmeaListener& to, std::string_view sentence) {
-    char converted[GpsParseNmeaManager::REGENERATED_SIZE] = {};
-    unsigned int length = 0;
-    const bool isConverted = manager.convertTokyoToWgs84ForNmea(
-        sentence.data(), static_cast<unsigned int>(sentence.size()), GEODETIC_SYSTEM_WGS84, converted, &length);
-    if (isConverted) to.notifyReceiveNmeaSentence(converted, length);
-}
+/** Delivers a raw sentence to listeners, each in its datum; it is converted once, and again only after a failure. */
+class SentenceDelivery {
+public:
+    /** @param sentence must outlive this object; not empty */
+    SentenceDelivery(GpsParseNmeaManager& manager, GeodeticSystem base, std::string_view sentence)
+        : mManager(manager), mBase(base), mSentence(sentence) {}
 
-/**
- * Delivers a raw sentence to one listener in its datum; one that cannot be served is left out.
- * @param isSettingFinished asked only for a listener for which it decides
- */
-template <class IsSettingFinished>
-void deliverSentence(GpsParseNmeaManager& manager, const GPS_NMEA_LISTENER_LIST& to, GeodeticSystem base,
-                     std::string_view sentence, IsSettingFinished isSettingFinished) {
-    GpsNmeaListener& listener = *asMutable(to.listener);
-    switch (datumDelivery(base, to.geodeticSystem)) {
-        case DatumDelivery::Impossible:
-            return;
-        case DatumDelivery::Converted:
-            return deliverConverted(manager, listener, sentence);
-        case DatumDelivery::AsReceivedOnceFinished:
-            if (!isSettingFinished()) return;
-            [[fallthrough]];
-        case DatumDelivery::AsReceived:
-            listener.notifyReceiveNmeaSentence(sentence.data(), static_cast<unsigned int>(sentence.size()));
+    /**
+     * Delivers to one listener; one that cannot be served is left out.
+     * @param isSettingFinished asked only for a listener for which it decides
+     */
+    template <class IsSettingFinished>
+    void deliver(const GPS_NMEA_LISTENER_LIST& to, IsSettingFinished isSettingFinished) {
+        GpsNmeaListener& listener = *asMutable(to.listener);
+        switch (datumDelivery(mBase, to.geodeticSystem)) {
+            case DatumDelivery::Impossible:
+                return;
+            case DatumDelivery::Converted:
+                if (convert()) listener.notifyReceiveNmeaSentence(mConverted, mConvertedLength);
+                return;
+            case DatumDelivery::AsReceivedOnceFinished:
+                if (!isSettingFinished()) return;
+                [[fallthrough]];
+            case DatumDelivery::AsReceived:
+                listener.notifyReceiveNmeaSentence(mSentence.data(), length());
+        }
     }
-}
+
+private:
+    unsigned int length() const { return static_cast<unsigned int>(mSentence.size()); }
+    bool convert() {
+        return mConvertedLength != 0 ||
+               mManager.convertTokyoToWgs84ForNmea(mSentence.data(), length(), GEODETIC_SYSTEM_WGS84, mConverted,
+                                                   &mConvertedLength);
+    }
+
+    GpsParseNmeaManager& mManager;
+    const GeodeticSystem mBase;
+    const std::string_view mSentence;
+    char mConverted[GpsParseNmeaManager::REGENERATED_SIZE];
+    unsigned int mConvertedLength = 0;
+};
 
 #endif

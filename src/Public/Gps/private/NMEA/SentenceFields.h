@@ -61,12 +61,15 @@ bool code(const Token& field, Record& record) {
 
 template <class Record>
 bool time(const Token& field, Record& record) {
-    return sentence_text::splitTime(field, record.Hour, record.Minute, record.Second, record.MilliSecond);
+    sentence_text::splitPairs(field, record.Hour, record.Minute, record.Second);
+    record.MilliSecond = static_cast<unsigned short>(field.part(7, 3).toInteger());  // after the point
+    return true;
 }
 
 template <class Record>
 bool date(const Token& field, Record& record) {
-    return sentence_text::splitDate(field, record.Year, record.Month, record.Day);
+    sentence_text::splitPairs(field, record.Day, record.Month, record.Year);
+    return true;
 }
 
 template <class Record>
@@ -79,26 +82,10 @@ bool longitude(const Token& field, Record& record) {
     return sentence_text::splitCoordinate(field, 3, record.Lon, record.LonDeg, record.LonMin);
 }
 
-template <class Record>
-bool northSouth(const Token& field, Record& record) {
-    if (!field.text().starts_with('S')) return true;
-    record.Lat = -record.Lat;
-    record.LatDeg = -record.LatDeg;
-    return true;
-}
-
-template <class Record>
-bool eastWest(const Token& field, Record& record) {
-    if (!field.text().starts_with('W')) return true;
-    record.Lon = -record.Lon;
-    record.LonDeg = -record.LonDeg;
-    return true;
-}
-
-/** "W" makes an earlier field negative. */
-template <auto member, class Record>
-bool westNegates(const Token& field, Record& record) {
-    if (field.text().starts_with('W')) record.*member = -(record.*member);
+/** A field that begins with `letter` makes earlier fields negative. */
+template <char letter, auto... members, class Record>
+bool negates(const Token& field, Record& record) {
+    if (field.text().starts_with(letter)) ((record.*members = -(record.*members)), ...);
     return true;
 }
 

@@ -17,16 +17,35 @@ using number_text::Token;
 
 inline constexpr GpsLog nmeaLog("src/Public/Gps/private/NMEA/GpsParseNmeaManager");
 
-enum class Kind { GGA, GLL, GSA, GSV, RMC, VTG, ZDA, PUBX, Other };
+/** Three letters as a number. */
+constexpr unsigned int tag(const char* letters) {
+    return static_cast<unsigned int>(letters[0] << 16 | letters[1] << 8 | letters[2]);
+}
+
+/** Any value that has no name is as `Other`. */
+enum class Kind : unsigned int {
+    Other,
+    PUBX,
+    GGA = tag("GGA"),
+    GLL = tag("GLL"),
+    GSA = tag("GSA"),
+    GSV = tag("GSV"),
+    RMC = tag("RMC"),
+    VTG = tag("VTG"),
+    ZDA = tag("ZDA"),
+};
 
 /** A sentence's text, and where its fields end. */
 struct Sentence {
     /** No parser reads further: an address and 20 fields, each of at most 19 characters and a separator. */
     static constexpr std::size_t LONGEST = 447;
 
-    /** Copies what parsers read of a terminated text. Null for a null text. */
-    const Sentence* assign(const char* terminated);
+    Sentence() = default;
+    /** Copies what parsers read of a terminated text; nothing of a null one. */
+    explicit Sentence(const char* terminated) { assign(terminated != nullptr ? terminated : ""); }
     void assign(std::string_view text);
+    /** The whole text as one field. */
+    Token whole() const { return {text, length}; }
 
     char text[LONGEST + 1 + Token::READ_AHEAD];  ///< terminated
     std::size_t length;
@@ -42,7 +61,7 @@ struct Sentence {
 bool takeSentence(const char* data, unsigned int length, Sentence& sentence);
 
 /** The checksum of NMEA sentences: all characters, exclusively or-ed. */
-unsigned char exclusiveOr(std::string_view text);
+unsigned char checkSumOf(std::string_view text);
 
 /** Whether the checksum after "*" is right, with at least one character behind it. */
 bool isCheckSumRight(std::string_view sentence);
@@ -94,11 +113,8 @@ private:
 
 /** Splits ddmm.mmmm or dddmm.mmmm, by the number of degree digits. The minutes are seven characters at most. */
 bool splitCoordinate(const Token& field, std::size_t degreeDigits, double& value, int& degrees, double& minutes);
-/** Splits ddmmyy. */
-bool splitDate(const Token& field, unsigned short& year, unsigned short& month, unsigned short& day);
-/** Splits hhmmss.sss. */
-bool splitTime(const Token& field, unsigned short& hour, unsigned short& minute, unsigned short& second,
-               unsigned short& milliSecond);
+/** Splits the first six characters in three, as of ddmmyy and hhmmss. */
+void splitPairs(const Token& field, unsigned short& first, unsigned short& second, unsigned short& third);
 
 // Codes of status and mode letters, as the records document them.
 
