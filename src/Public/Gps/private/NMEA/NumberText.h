@@ -121,7 +121,7 @@ public:
         std::uint32_t digits = 0;
         std::size_t decimals = 0;
         if (!Token(mText + isNegative, mSize - isNegative).readDecimal(digits, decimals) ||
-            (isNegative && digits == 0)) {
+            (isNegative && digits == 0 && mSize == 2)) {  // "-." is no number
             return toDoubleSlowly(text());
         }
         const double magnitude = ratio(digits, decimals);
