@@ -66,7 +66,7 @@ TEST(Drive, IsDeliveredSentenceBySentenceWithoutASlowConversion) {
         if (kind == "RMC") ++sent["EPOCH"];
         EXPECT_TRUE(feed(manager, text, {{&listener, kWgs84}}));
     }
-    for (const auto& notification : listener.told)
+    for (const auto& notification : listener.received)
         ++delivered[notification.first];
     EXPECT_EQ(sent.size(), 9U);
     EXPECT_EQ(delivered, sent);

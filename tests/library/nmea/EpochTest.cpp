@@ -47,7 +47,7 @@ TEST(Epoch, IsTriedAgainByEverySentenceAfterADeliveryThatStopped) {
 
     EXPECT_FALSE(feedEpoch());
     registry[1].geodeticSystem = kWgs84;
-    listener.told.clear();
+    listener.received.clear();
     EXPECT_TRUE(feed(manager, rmc, registry));
     EXPECT_EQ(listener.kinds(), "RMC") << "the next epoch gives the old one up";
 }

@@ -54,7 +54,7 @@ TEST(HostileBytes, AreRefusedOrReadAndNeverOverread) {
     Recorder wgs84, tokyo;
     const Registry registry = {{&wgs84, GEODETIC_SYSTEM_WGS84}, {&tokyo, GEODETIC_SYSTEM_TOKYO}};
     int sentences = 0;
-    int rebuilt = 0;
+    int regenerated = 0;
     for (int round = 0; round < 50000; ++round) {
         const std::string chunk = hostileChunk();
         const bool isSentence = holdsSentence(chunk);
@@ -63,15 +63,15 @@ TEST(HostileBytes, AreRefusedOrReadAndNeverOverread) {
         ASSERT_TRUE(isSentence || !rewritten.result) << chunk;
         sentences += isSentence;
         if (rewritten.result && rewritten.text != chunk) {
-            ++rebuilt;
+            ++regenerated;
             ASSERT_EQ(rewritten.text, sentence(rewritten.text.substr(1, rewritten.text.rfind('*') - 1))) << chunk;
         }
         log.take();
-        wgs84.told.clear();
-        tokyo.told.clear();
+        wgs84.received.clear();
+        tokyo.received.clear();
     }
     EXPECT_GT(sentences, 5000);
-    EXPECT_GT(rebuilt, 1000);
+    EXPECT_GT(regenerated, 1000);
 }
 
 }  // namespace

@@ -6,14 +6,15 @@
 
 std::string Recorder::kinds() const {
     std::string text;
-    for (const auto& [kind, record] : told)
+    for (const auto& [kind, record] : received)
         text += (text.empty() ? "" : " ") + kind;
     return text;
 }
 
 std::string Recorder::last(std::string_view kind) const {
-    const auto found = std::find_if(told.rbegin(), told.rend(), [&](const auto& it) { return it.first == kind; });
-    return found != told.rend() ? found->second : "";
+    const auto found =
+        std::find_if(received.rbegin(), received.rend(), [&](const auto& it) { return it.first == kind; });
+    return found != received.rend() ? found->second : "";
 }
 
 bool feed(GpsParseNmeaManager& manager, std::string_view chunk, const Registry& registry, GeodeticSystem base) {

@@ -11,22 +11,22 @@
 constexpr auto kWgs84 = GEODETIC_SYSTEM_WGS84;
 constexpr auto kTokyo = GEODETIC_SYSTEM_TOKYO;
 
-/** Keeps what it is told. */
+/** Keeps what it is notified of. */
 class Recorder : public AnyListener {
 public:
-    void tell(const std::string& kind, const std::string& record) override { told.emplace_back(kind, record); }
+    void tell(const std::string& kind, const std::string& record) override { received.emplace_back(kind, record); }
 
-    /** The kinds in the order told, "RMC VTG EPOCH". */
+    /** The kinds in the order of arrival, "RMC VTG EPOCH". */
     std::string kinds() const;
     /** The last record of a kind. */
     std::string last(std::string_view kind) const;
 
-    std::vector<std::pair<std::string, std::string>> told;
+    std::vector<std::pair<std::string, std::string>> received;
 };
 
 using Registry = std::vector<GPS_PARSE_NMEA_LISTENER_LIST>;
 
-/** Hands a chunk to the dispatcher, in a buffer without a byte to spare. */
+/** Passes a chunk to the dispatcher, in a buffer without a byte to spare. */
 bool feed(GpsParseNmeaManager& manager, std::string_view chunk, const Registry& registry, GeodeticSystem base = kWgs84);
 
 struct Rewritten {

@@ -11,10 +11,10 @@ namespace {
 
 using Manager = GpsParseNmeaManager;
 
-/** The rebuilt sentence; nothing, and the outputs left alone, when the writer refuses. */
+/** The regenerated sentence; nothing, and the outputs left alone, when the writer refuses. */
 template <class Record>
-std::string rebuilt(bool (Manager::*writer)(Record*, double, double, char*, unsigned int*), Record record, double lat,
-                    double lon) {
+std::string regenerated(bool (Manager::*writer)(Record*, double, double, char*, unsigned int*), Record record,
+                        double lat, double lon) {
     std::vector<char> out(255, '#');
     unsigned int size = 7777;
     Manager manager;
@@ -67,7 +67,7 @@ TEST(RebuiltSentences, ReadAsPrintfWritesThem) {
             randomise(*field);
         for (auto* field : {&a.Hour, &a.Minute, &a.Second, &a.MilliSecond})
             randomise(*field);
-        const std::string gga = rebuilt(&Manager::regeneratedGga, a, lat, lon);
+        const std::string gga = regenerated(&Manager::regeneratedGga, a, lat, lon);
         fitting += !gga.empty();
         ASSERT_EQ(gga, printedSentence("GPGGA,%02d%02d%02d.%03d,%9.5f,%s,%10.5f,%s,%d,%02d,%.2f,%.2f,M,%.2f,M,%d,%04d",
                                        a.Hour, a.Minute, a.Second, a.MilliSecond, latitude, ns, longitude, ew,
@@ -79,7 +79,7 @@ TEST(RebuiltSentences, ReadAsPrintfWritesThem) {
         for (auto* field : {&p.AltRef, &p.hacc, &p.vacc, &p.Speed, &p.Dir, &p.vVel, &p.HDOP, &p.VDOP, &p.TDOP})
             randomise(*field);
         randomise(p.MilliSecond);
-        ASSERT_EQ(rebuilt(&Manager::regeneratedPubx, p, lat, lon),
+        ASSERT_EQ(regenerated(&Manager::regeneratedPubx, p, lat, lon),
                   printedSentence("PUBX,%02d,000000.%02d,%9.5f,%s,%10.5f,%s,%7.3f,NF,%3.1f,%3.1f,%5.3f,%5.2f,%5.3f,,"
                                   "%4.2f,%4.2f,%4.2f,%d,,%d",
                                   p.MessageID, p.MilliSecond, latitude, ns, longitude, ew, p.AltRef, p.hacc, p.vacc,
@@ -91,10 +91,10 @@ TEST(RebuiltSentences, ReadAsPrintfWritesThem) {
 
 TEST(RebuiltSentences, ThatAreTooLongAreRefused) {
     LogCapture log;
-    EXPECT_EQ(rebuilt(&Manager::regeneratedGga, GPGGA{}, 1e308, 0), "");
-    EXPECT_EQ(rebuilt(&Manager::regeneratedGll, GPGLL{}, 0, -1e308), "");
-    EXPECT_EQ(rebuilt(&Manager::regeneratedRmc, GPRMC{}, 1e308, 0), "");
-    EXPECT_EQ(rebuilt(&Manager::regeneratedPubx, PUBX{}, 1e308, 0), "");
+    EXPECT_EQ(regenerated(&Manager::regeneratedGga, GPGGA{}, 1e308, 0), "");
+    EXPECT_EQ(regenerated(&Manager::regeneratedGll, GPGLL{}, 0, -1e308), "");
+    EXPECT_EQ(regenerated(&Manager::regeneratedRmc, GPRMC{}, 1e308, 0), "");
+    EXPECT_EQ(regenerated(&Manager::regeneratedPubx, PUBX{}, 1e308, 0), "");
     EXPECT_THAT(log.texts(), testing::ElementsAre("GpsParseNmeaManager::regeneratedGga() Size Error!\n",
                                                   "GpsParseNmeaManager::regeneratedGll() Size Error!\n",
                                                   "GpsParseNmeaManager::regeneratedRmc() Size Error!\n",

@@ -33,7 +33,7 @@ public:
     static constexpr unsigned int TOKEN_SIZE = 20;
     /** Bytes of a sentence copy: 127 characters and a NUL. */
     static constexpr unsigned int SENTENCE_SIZE = 128;
-    /** Bytes of a buffer for a rebuilt sentence, of which 255 are used at most. */
+    /** Bytes of a buffer for a regenerated sentence, of which 255 are used at most. */
     static constexpr unsigned int REGENERATED_SIZE = 256;
 
     GpsParseNmeaManager();
@@ -88,8 +88,8 @@ public:
 
     // Lexing.
 
-    /** Whether the XOR of the characters between "$" and "*" is what the two digits say. At least one character must
-     *  follow the digits within `length`. */
+    /** Whether the XOR of the characters between "$" and "*" is the value of the two digits. At least one character
+     * must follow the digits within `length`. */
     bool confirmCheckSum(const char* sentence, unsigned int length);
     /** Reads the field at the cursor into a token of TOKEN_SIZE bytes. Null when no separator ends the field. */
     const char* getNextToken(const char* cursor, char* token);
@@ -133,7 +133,7 @@ public:
     // Rewriting.
 
     /**
-     * A received chunk in WGS84: position sentences converted and rebuilt, anything else unchanged.
+     * A received chunk in WGS84: position sentences converted and regenerated, anything else unchanged.
      * @param geodeticSystem must be GEODETIC_SYSTEM_WGS84
      * @param out at least REGENERATED_SIZE bytes; a chunk to pass on that is longer is refused
      */

@@ -90,7 +90,7 @@ constexpr const char* kPubxDeadReckoningMissing = PUBX_ "DR_MODE Error";
 #undef PUBX_
 
 /**
- * DR_MODE is the second field behind the satellites, after a reserved one. A sentence that ends with the first field
+ * DR_MODE is the second field after the satellites, after a reserved one. A sentence that ends with the first field
  * means that one.
  */
 bool readDeadReckoning(Fields& fields, PUBX& record) {

@@ -12,7 +12,7 @@ namespace {
 
 #define MINIMUM "GpsParseNmeaManager::parseNmeaSentenceMinimum() "
 
-/** How one kind of position sentence is rebuilt, and what is said when a step fails. */
+/** How one kind of position sentence is regenerated, and what is logged when a step fails. */
 template <class Record>
 struct Rewriting {
     bool (GpsParseNmeaManager::*regenerate)(Record*, double, double, char*, unsigned int*);

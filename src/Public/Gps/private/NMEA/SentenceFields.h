@@ -11,7 +11,7 @@
 #include "Gps/private/NMEA/RecordDelivery.h"
 #include "Gps/private/NMEA/SentenceText.h"
 
-/** Field lists of sentences as data: each row says where a field goes and what is said when the field is missing. */
+/** Field lists of sentences as data: each row says where a field goes and what is logged when the field is missing. */
 namespace sentence_fields {
 
 using number_text::Token;
@@ -23,7 +23,7 @@ template <class Record>
 struct Field {
     bool (*store)(const Token& field, Record& record);
     const char* missing;
-    const char* unreadable = "";  // said when the field's text cannot be split; only fields of several parts
+    const char* unreadable = "";  // logged when the field's text cannot be split; only fields of several parts
 };
 
 // What a row may do with its field. All numbers are narrowed to the record's field as a cast does.
@@ -109,7 +109,7 @@ bool readAll(const char* function, Fields& fields, Record& record) {
     (std::make_index_sequence<std::size(rows)>{});
 }
 
-/** What is said about a sentence as a whole. */
+/** What is logged about a sentence as a whole. */
 struct Frame {
     const char* function;
     const char* argumentError;

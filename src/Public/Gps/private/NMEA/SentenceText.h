@@ -63,10 +63,10 @@ bool takeSentence(const char* data, unsigned int length, Sentence& sentence);
 /** The checksum of NMEA sentences: all characters, exclusively or-ed. */
 unsigned char checkSumOf(std::string_view text);
 
-/** Whether the checksum after "*" is right, with at least one character behind it. */
+/** Whether the checksum after "*" is right, with at least one character after it. */
 bool isCheckSumRight(std::string_view sentence);
 
-/** By the three characters behind the talker, whatever the talker; else by "$PUBX". */
+/** By the three characters after the talker, whatever the talker; else by "$PUBX". */
 Kind kindOf(const Sentence& sentence);
 
 /** By the two characters after the "$"; logs when the text does not begin with "$G". */

@@ -14,7 +14,7 @@ public:
     /** As "%*.*f". */
     SentenceWriter& fixed(double value, unsigned int width, unsigned int precision);
 
-    /** Ends the body: writes "*", the checksum of what stands behind the "$", CR and LF. */
+    /** Ends the body: writes "*", the checksum of what comes after the "$", CR and LF. */
     void finish();
 
     bool fits() const { return mFits; }
