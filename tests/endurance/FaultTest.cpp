@@ -48,13 +48,13 @@ protected:
         mReceiver->send(numbered(number));
         mCounter.waitFor(number + 1);
         EXPECT_TRUE(controller.requestGpsSetting(GPS_SETTING_ZDA_ON));
-        EXPECT_EQ(mReceiver->bytes(1).size(), 1U) << "is heard";
+        EXPECT_EQ(mReceiver->bytes(1).size(), 1U) << "arrives";
         mReceiver->send(std::string(kAck) + numbered(number + 1));
         mCounter.waitFor(number + 2);
         EXPECT_EQ(mSettings.take(), Strings{"S:setting 1 yes"});
     }
 
-    /** What the layer has said, with the device's name cut off. */
+    /** What the platform has logged, without the device's name. */
     Strings reports() {
         Strings texts;
         for (const LogCapture::Line& line : mLog.take()) {
@@ -79,7 +79,7 @@ TEST_F(SerialReceiver, mayBePulledOutInAnySentenceAndPluggedInAgainWhileClientsR
         expectService(controller);
         mReceiver->send(numbered(mCounter.numbers).substr(0, cut));
         mReceiver.reset();
-        EXPECT_FALSE(controller.requestGpsSetting(GPS_SETTING_ZDA_ON)) << "nobody is there";
+        EXPECT_FALSE(controller.requestGpsSetting(GPS_SETTING_ZDA_ON)) << "no receiver";
         mReceiver = std::make_unique<Receiver>(mName, true);
         expectService(controller);
         EXPECT_EQ(reports(), (Strings{" is absent\n", " is available\n"}));

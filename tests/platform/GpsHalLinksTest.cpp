@@ -57,7 +57,7 @@ TEST_F(SerialLinkTest, CarriesEveryByteUnchangedBothWaysAndMoreThanTheDeviceTake
     EXPECT_EQ(mLink.read(mBuffer, sizeof(mBuffer), 10), 0) << "nothing is echoed";
     mReceiver->send(everyByte());
     EXPECT_EQ(readAll(mLink, 256), everyByte());
-    EXPECT_FALSE(send(mLink, bytes)) << "nobody reads any more";
+    EXPECT_FALSE(send(mLink, bytes)) << "the device takes no more";
 }
 
 TEST_F(SerialLinkTest, KeepsItsSpeedAcrossReopening) {
@@ -91,9 +91,9 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     expectBusy();
     expectInProcess(expectBusy);
     mReceiver->send("x");
-    EXPECT_EQ(readAll(mLink, 1), "x") << "the refused ones do no harm";
+    EXPECT_EQ(readAll(mLink, 1), "x") << "unaffected by the refused ones";
     const std::string device = std::filesystem::canonical(mDevice);
-    EXPECT_EQ(runShell("readlink /proc/self/fd/*").out.find(device), std::string::npos) << "started programs lack it";
+    EXPECT_EQ(runShell("readlink /proc/self/fd/*").out.find(device), std::string::npos) << "not inherited by programs";
     const pid_t child = startProcess([] { pause(); });
     mLink.close();
     EXPECT_TRUE(second.open()) << "also while a forked child has a copy of the descriptor";
@@ -109,7 +109,7 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     ASSERT_TRUE(opened.wait());
     EXPECT_FALSE(mLink.open());
     killProcess(holder);
-    EXPECT_TRUE(mLink.open()) << "the death of its holder sets it free";
+    EXPECT_TRUE(mLink.open()) << "released by the death of its holder";
 }
 
 TEST_F(SerialLinkTest, ClosingEndsAWaitingReadAndAWaitingWrite) {
@@ -136,7 +136,7 @@ TEST_F(SerialLinkTest, RefusesWhatIsNoSerialDevice) {
     }
 }
 
-TEST_F(SerialLinkTest, IsTakenAtTheSpeedThatTheEnvironmentSays) {
+TEST_F(SerialLinkTest, IsOpenedAtTheSpeedOfTheEnvironment) {
     setenv("GPSHAL_DEVICE", mDevice.c_str(), 1);
     setenv("GPSHAL_BAUD", "115200", 1);
     GpsHal* const hal = GpsHal::GetInstance();
@@ -145,7 +145,7 @@ TEST_F(SerialLinkTest, IsTakenAtTheSpeedThatTheEnvironmentSays) {
     EXPECT_EQ(cfgetospeed(&settings), B115200);
     EXPECT_FALSE(mLink.open()) << "in use";
     GpsHal::DelInstance();
-    EXPECT_TRUE(mLink.open()) << "set free";
+    EXPECT_TRUE(mLink.open()) << "released";
 }
 
 TEST(FileLink, GivesTheFileOnceAndThenSilence) {

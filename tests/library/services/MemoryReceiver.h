@@ -10,7 +10,7 @@
 #include "QvFramework/Foundation/QvObserver.h"
 #include "tests/support/Messages.h"
 
-/** A receiver in memory, and the layer that reads from it and hands every frame to `onFrame` on its receive thread. */
+/** A receiver in memory; the HAL passes every frame from it to `onFrame` on the receive thread. */
 class MemoryReceiver {
 public:
     using OnFrame = std::function<void(const char*, unsigned int)>;
@@ -37,9 +37,8 @@ public:
 
     /** Sends frames; returns when everything they caused has happened. */
     bool send(std::string_view frames) {
-        constexpr unsigned kPatienceMs = 60000;
         mPeer->send(frames);
-        return mPeer->waitUntilRead(kPatienceMs);
+        return mPeer->waitUntilRead(60000);
     }
 
 private:

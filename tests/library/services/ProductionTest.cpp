@@ -55,11 +55,10 @@ TEST(ProductionAnswer, OddArgumentsAndTypesChangeNothing) {
     EXPECT_FALSE(manager.switchGpsProductionResponse(frame.data(), 0, &listener));
     for (const bool isFrameMissing : {true, false}) {
         const char* const data = isFrameMissing ? nullptr : frame.data();
-        Listener* const told = isFrameMissing ? &listener : nullptr;
-        EXPECT_FALSE(manager.switchGpsProductionResponse(data, 4, told) ||
-                     manager.parseGpsProductionData(data, told, 100) ||
-                     manager.parseGpsProductionDataMonPt(data, told, 100) ||
-                     manager.parseGpsProductionDataMonPt2(data, told, 100));
+        Listener* const to = isFrameMissing ? &listener : nullptr;
+        EXPECT_FALSE(
+            manager.switchGpsProductionResponse(data, 4, to) || manager.parseGpsProductionData(data, to, 100) ||
+            manager.parseGpsProductionDataMonPt(data, to, 100) || manager.parseGpsProductionDataMonPt2(data, to, 100));
     }
     EXPECT_THAT(textsOf(log), IsEmpty());
     EXPECT_EQ(manager.getRequestType(), REQUEST_TYPE_START_PRODUCTION_CHECK);
@@ -75,7 +74,7 @@ TEST(ProductionAnswer, OddArgumentsAndTypesChangeNothing) {
 constexpr unsigned char kMonPt = 0x20;
 constexpr unsigned char kMonPt2 = 0x2B;
 
-/** Offers the first `length` bytes, behind which nothing may be read. */
+/** Offers the first `length` bytes, after which nothing may be read. */
 bool parse(const std::string& frame, std::size_t length, Listener& listener) {
     const std::vector<char> exact(frame.begin(), frame.begin() + static_cast<std::ptrdiff_t>(length));
     return GpsProductionManager().parseGpsProductionData(exact.data(), &listener, static_cast<unsigned>(length));
@@ -147,7 +146,7 @@ TEST(ProductionResult, ParsersRefuseOtherFrames) {
     EXPECT_THAT(listener.told, IsEmpty());
 }
 
-TEST(Version, IsToldAtOnceAndNothingIsSent) {
+TEST(Version, IsNotifiedAtOnceAndNothingIsSent) {
     MemoryReceiver receiver;
     GpsVersionManager manager;
     Listener listener;

@@ -21,13 +21,13 @@ GpsSetting settingOf(int value) {
     return static_cast<GpsSetting>(value);
 }
 
-/** What a listener is told of settings that are all answered alike. */
+/** The notifications of settings that are all answered alike. */
 Texts answers(std::initializer_list<int> settings, const char* how = "yes") {
-    Texts told;
+    Texts notified;
     for (const int setting : settings) {
-        told.push_back("setting " + std::to_string(setting) + " " + how);
+        notified.push_back("setting " + std::to_string(setting) + " " + how);
     }
-    return told;
+    return notified;
 }
 
 class Setting : public testing::Test {
@@ -104,7 +104,7 @@ TEST_F(Setting, FrameThatIsNoAnswerSettlesNothing) {
     }
 }
 
-TEST_F(Setting, FailedSendLeavesNothingBehindAlsoWhileAnotherRequestIsSent) {
+TEST_F(Setting, FailedSendLeavesNoTraceAlsoWhileAnotherRequestIsSent) {
     const LogCapture log;
     for (const GpsSetting setting : {GPS_SETTING_DATUM_TOKYO, GPS_SETTING_SAVE_CONFIG, GPS_SETTING_BAUD_38400}) {
         std::thread failing;
