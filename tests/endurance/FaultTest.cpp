@@ -75,7 +75,7 @@ TEST_F(SerialReceiver, mayBePulledOutInAnySentenceAndPluggedInAgainWhileClientsR
     GpsController controller;
     controller.registerGpsNmeaListener(&mCounter, GEODETIC_SYSTEM_WGS84);
     controller.registerGpsSettingListener(&mSettings);
-    for (const std::size_t cut : {0, 1, 8, 9}) {
+    for (const unsigned cut : {0U, 1U, 8U, 9U}) {
         expectService(controller);
         mReceiver->send(numbered(mCounter.numbers).substr(0, cut));
         mReceiver.reset();
