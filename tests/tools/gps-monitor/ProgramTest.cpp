@@ -141,6 +141,8 @@ TEST(OnATerminal, TheScreenFollowsKeysAndTheTerminalsSize) {
     const winsize larger{50, 160, 0, 0};
     ioctl(monitor.descriptor(), TIOCSWINSZ, &larger);
     monitor.expect({"last minute"});
+    monitor.send("n/gx\x7Fg\r");
+    monitor.expect({"filter GG "});
     monitor.send("?");
     monitor.expect({"cold start the receiver"});
     monitor.send("qq");

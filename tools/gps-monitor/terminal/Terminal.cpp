@@ -17,6 +17,9 @@ namespace monitor {
 
 namespace {
 
+constexpr int kBackspace = 0x7F;
+constexpr int kEscapeDelay = 25;  // ms until an escape character counts as a key of its own
+
 struct Look {
     short colour;
     attr_t attributes;
@@ -77,6 +80,7 @@ Terminal::Terminal() : mShowsUnicode(strcmp(nl_langinfo(CODESET), "UTF-8") == 0)
     noecho();
     nonl();
     keypad(stdscr, TRUE);
+    set_escdelay(kEscapeDelay);
     nodelay(stdscr, TRUE);
     curs_set(0);
     defineColours();
@@ -119,7 +123,11 @@ void Terminal::redraw() {
 }
 
 int Terminal::readKey() {
-    return getch();
+    int key = getch();
+    while (key == KEY_RESIZE)  // no key: resizeterm() queues it
+        key = getch();
+    if (key == KEY_ENTER) return '\r';
+    return key == KEY_BACKSPACE ? kBackspace : key;
 }
 
 void Terminal::suspend() {

@@ -30,7 +30,7 @@ public:
     /** Sends everything anew with the next show(). */
     void redraw();
 
-    /** The next key that was pressed, or a negative number. Does not wait. */
+    /** The next key that was pressed, as its ASCII character where it has one, or a negative number. Does not wait. */
     int readKey();
 
     /** Stops the process as Ctrl-Z does, with the terminal given back meanwhile. */
