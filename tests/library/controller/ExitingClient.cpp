@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <string_view>
 #include <thread>
-#include <utility>
 
 #include "Gps/Gps.h"
 #include "GpsHal/GpsHal.h"
@@ -44,19 +43,20 @@ public:
 
     void notifyReceiveNmeaSentence(const char*, unsigned int) override {
         if (scene == "receive") std::exit(kStatus);
+        const bool isRemover = scene.ends_with("-removed");
+        if (isRemover) publish();  // while no notification holds the registry lock
         receiver = gettid();
         receiver.notify_all();
-        if (scene == "unregistering") {
+        if (isRemover) {
+            isLeaving.wait(false);
+            remove();
+        } else if (scene == "unregistering") {
             isLeaving.wait(false);
             waitUntilBlocked(getpid());  // main waits for the end of this call
             std::exit(kStatus);
+        } else if (scene != "forked") {
+            publish();  // waits while the registry lock is held
         }
-        if (scene.ends_with("-removed") && std::exchange(hasPublished, true)) {
-            isLeaving.wait(false);
-            remove();
-        }
-        const GPS_LOCATION_SYNC_DATA location = {};
-        Gps::GetInstance()->setLocationData(&location);  // waits while the registry lock is held
     }
 
     void notifyLocationData(const LOCATION_DATA*) override {
@@ -80,6 +80,11 @@ private:
         std::exit(kStatus);
     }
 
+    static void publish() {
+        const GPS_LOCATION_SYNC_DATA location = {};
+        Gps::GetInstance()->setLocationData(&location);
+    }
+
     void remove() {
         isRemoving = true;
         isRemoving.notify_all();
@@ -89,8 +94,6 @@ private:
         if (scene == "first-status-removed") gps->unRegisterGpsConnectionListener(this);
         if (scene == "version-removed") gps->unRegisterGpsVersionListener(this);
     }
-
-    bool hasPublished = false;
 };
 
 Client& client() {
