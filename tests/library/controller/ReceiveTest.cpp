@@ -1,6 +1,6 @@
 #include "tests/library/controller/ControllerTest.h"
 
-// What the steps of the receive path refuse.
+// What the steps of the receive path refuse, and what they ask for each listener anew.
 
 namespace {
 
@@ -39,6 +39,19 @@ TEST_F(Reception, refusesBadArgumentsWithAMessageAndDoesNothing) {
     }
     EXPECT_THAT(listener.take(), testing::IsEmpty());
     EXPECT_THAT(mLog.texts(), testing::IsEmpty());
+}
+
+TEST_F(Reception, asksForTheFinishedFlagForEveryListenerOfASentence) {
+    setShared(GEODETIC_SYSTEM_TOKYO, false);
+    Listener first("first");
+    Listener second("second");
+    mController->registerGpsNmeaListener(&first, GEODETIC_SYSTEM_WGS84);
+    mController->registerGpsNmeaListener(&second, GEODETIC_SYSTEM_TOKYO);
+    receive(kZda);
+    EXPECT_THAT(second.take(), testing::IsEmpty());
+    first.setHook([] { setShared(GEODETIC_SYSTEM_TOKYO, true); });
+    receive(kZda);
+    EXPECT_THAT(second.take(), testing::SizeIs(1));
 }
 
 }  // namespace

@@ -124,6 +124,19 @@ TEST_F(Setting, FailedSendLeavesNoTraceAlsoWhileAnotherRequestIsSent) {
     EXPECT_THAT(textsOf(log), IsEmpty());
 }
 
+TEST_F(Setting, FullRingLosesItsOldestEntryToARequestThatIsSentAndToNoOther) {
+    for (int setting = 0; setting < 24; ++setting) {
+        request({setting});
+    }
+    receiver.peer().setWriteHook([](std::string_view) { return false; });
+    EXPECT_FALSE(manager.requestGpsSetting(GPS_SETTING_RATE_5HZ));
+    EXPECT_TRUE(offer(answer(true)));
+    receiver.peer().setWriteHook(nullptr);
+    request({30, 35});
+    EXPECT_TRUE(offer(answer(true)) && offer(answer(true)));
+    EXPECT_EQ(listener.told, answers({0, 35, 2}));
+}
+
 TEST_F(Setting, AnswerFindsItsRequestEvenBeforeSendingHasReturned) {
     receiver.peer().setWriteHook([&](std::string_view) { return receiver.send(answer(false)); });
     for (int setting = 0; setting < 24; ++setting) {
