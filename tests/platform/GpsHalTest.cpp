@@ -272,7 +272,10 @@ TEST_F(GpsHalTest, CallsNoObserverAfterItsRemoval) {
 
 TEST_F(GpsHalTest, MayBeStoppedAndRestartedOnTheReceiveThread) {
     bool isRestarted = false;
-    ChunkObserver observer(mHal, [&] { EXPECT_TRUE(mHal->stop() && (!isRestarted || mHal->start())); });
+    ChunkObserver observer(mHal, [&] {
+        const bool restarts = isRestarted;  // before the stop, which the test waits for
+        EXPECT_TRUE(mHal->stop() && (!restarts || mHal->start()));
+    });
     ASSERT_TRUE(mHal->start());
     mPeer->send(kSentences[0] + "$never delivered\n");
     ASSERT_TRUE(mPeer->waitForOpen(false, kLong));
