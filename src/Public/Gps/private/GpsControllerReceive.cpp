@@ -65,8 +65,7 @@ void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
 void GpsController::parseNmeaSentenceProc(const char* data, unsigned int length) {
     if (!hasBytes(data, length, "parseNmeaSentenceProc", "GpsController::parseNmeaSentenceProc() Argument Error\n"))
         return;
-    const GeodeticSystem base = mGpsSettingManager->getBaseGeodeticSystem();
-    const bool settingFinished = mGpsSettingManager->getSettingFinishFlg();
+    const auto [base, settingFinished] = mGpsSettingManager->getBaseAndFinishFlg();
     mGpsParseNmeaManager->parseNmeaSentence(data, length, Recipients(mGpsParseNmeaListeners, base, settingFinished));
 }
 

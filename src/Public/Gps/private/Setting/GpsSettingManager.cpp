@@ -184,6 +184,13 @@ bool GpsSettingManager::getSettingFinishFlg() {
     return mSettingFinishFlg;
 }
 
+std::pair<GeodeticSystem, bool> GpsSettingManager::getBaseAndFinishFlg() {
+    GPS_SETTING_LOCAL_MEMORY shared = {};
+    if (getData() == nullptr) return {getBaseGeodeticSystem(), getSettingFinishFlg()};  // each logs its failure
+    readLocalMemory(&shared);
+    return {shared.baseGeodeticSystem, shared.settingFinishFlg != 0};
+}
+
 bool GpsSettingManager::readLocalMemory(GPS_SETTING_LOCAL_MEMORY* out) const {
     constexpr char kFunction[] = "readLocalMemory";
     if (out == nullptr) return log.failure(kFunction, "GpsSettingManager::readLocalMemory() Argument Error!\n");

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 #include "Gps/GpsListeners.h"
 #include "Gps/private/Support/CommandSync.h"
@@ -54,6 +55,8 @@ public:
     /** The shared values; this process's copies of them where the segment cannot be read. */
     GeodeticSystem getBaseGeodeticSystem();
     bool getSettingFinishFlg();
+    /** Both, of one read of the segment. */
+    std::pair<GeodeticSystem, bool> getBaseAndFinishFlg();
 
     bool readLocalMemory(GPS_SETTING_LOCAL_MEMORY* out) const;
     bool writeLocalMemory(const GPS_SETTING_LOCAL_MEMORY* in);
