@@ -1,5 +1,5 @@
-# What is installed, in three components: the libraries, what a client is built with, and the tools. And Debian packages
-# of them, which `cmake --workflow --preset package` makes in build/package/packages.
+# Installation in three components: libraries, development files and tools. `cmake --workflow --preset package` makes
+# Debian packages of them in build/package/packages.
 
 include(CMakePackageConfigHelpers)
 

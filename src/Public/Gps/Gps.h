@@ -21,45 +21,45 @@ class GpsController;
  *
  * Operations return true for success. They return false, log the reason and change nothing for a null listener, when
  * registering with a full registry (five entries of each kind), when unregistering from an empty one, and for a request
- * without a listener that could receive the outcome. Nothing throws except `GetInstance()`, which throws
- * `std::bad_alloc` when memory is exhausted while it creates the service; it may be called again.
+ * whose outcome no registered listener could receive. Nothing throws except `GetInstance()`, which throws
+ * `std::bad_alloc` when memory runs out while it creates the service; it may be called again.
  *
  * A listener that is registered twice gets every notification twice; one unregistration removes all its entries.
- * Unregistering a listener that is not registered changes nothing and returns true while there are others of its kind.
+ * Unregistering a listener that is not registered changes nothing and returns true if others of its kind are
+ * registered.
  *
  * Blocking: location notifications, and the first status of a connection listener, run while the registry lock is held.
- * On other threads all `register...` and `unRegister...` operations and `setLocationData` wait until such a
- * notification returns, and `unRegister...` waits for any notification of that listener. Therefore do not hold a lock
- * around these operations that a listener takes in such a notification. Unregistering the last location listener also
- * waits for the worker thread to end, about 100 ms.
+ * Until such a notification returns, `register...`, `unRegister...` and `setLocationData` block on other threads.
+ * `unRegister...` also waits for any other notification of its listener. Therefore do not call these operations while
+ * holding a lock that a listener takes in such a notification. Unregistering the last location listener also waits for
+ * the worker thread to end, about 100 ms.
  *
- * Process exit: `exit` destroys the service, also after `main` has returned. A thread that uses a `Gps` pointer from
- * then on uses a destroyed object: end such threads before `main` returns. `exit` may be called inside a notification;
- * it does not wait for that notification.
+ * Process exit: `exit`, or the return from `main`, destroys the service. End all threads that use it before that.
+ * `exit` may be called inside a notification; it does not wait for that notification.
  *
- * Forked child: it has none of the service's threads and must not use the service before it executes another program.
- * Only `unRegister...` may be called there: it changes nothing and returns true.
+ * Forked child: it has none of the service's threads. Until it executes another program it may call only
+ * `unRegister...`, which changes nothing and returns true.
  */
 class GPS_API Gps : public QvSingleton<Gps> {
 public:
     virtual ~Gps();
 
     /**
-     * Raw sentences in the given datum. A listener of WGS84 is always notified: while the receiver reports Tokyo,
-     * position sentences are converted and regenerated. A listener of Tokyo is notified only while the receiver reports
-     * Tokyo and its configuration has been saved (GPS_SETTING_SAVE_CONFIG).
+     * Raw sentences in the given datum. A WGS84 listener is always notified: while the receiver reports Tokyo, position
+     * sentences are converted and regenerated. A Tokyo listener is notified only while the receiver reports Tokyo and
+     * its configuration has been saved (GPS_SETTING_SAVE_CONFIG).
      */
     bool registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem);
     bool unRegisterGpsNmeaListener(const GpsNmeaListener* npListener);
 
     /**
-     * Parsed sentences in the given datum, by the same rule. An entry that cannot be served ends the delivery of that
-     * sentence: entries registered after it are not notified.
+     * Parsed sentences in the given datum, by the same rule. A listener that cannot be served ends the delivery of that
+     * sentence: listeners registered after it are not notified.
      */
     bool registerGpsParseNmeaListener(const GpsParseNmeaListener* npListener, GeodeticSystem geodeticSystem);
     bool unRegisterGpsParseNmeaListener(const GpsParseNmeaListener* npListener);
 
-    /** Location data. The first listener starts the library's worker thread; it ends when the last one has left. */
+    /** Location data. The first listener starts the worker thread, which ends after the last one unregisters. */
     bool registerGpsLocationDataListener(const GpsLocationDataListener* npListener);
     bool unRegisterGpsLocationDataListener(const GpsLocationDataListener* npListener);
 
@@ -68,7 +68,7 @@ public:
 
     /**
      * Antenna status. The listener is notified of the current status before this returns. It may unregister itself in
-     * that notification: it is then not registered, and this still returns true.
+     * that notification; this still returns true.
      */
     bool registerGpsConnectionListener(const GpsConnectionListener* npListener);
     bool unRegisterGpsConnectionListener(const GpsConnectionListener* npListener);
@@ -79,12 +79,12 @@ public:
     bool registerGpsProductionListener(const GpsProductionListener* npListener);
     bool unRegisterGpsProductionListener(const GpsProductionListener* npListener);
 
-    /** Notifies every version listener of the fitted receiver's version before it returns. Needs a version listener. */
+    /** Notifies every version listener of the receiver's version before it returns. Needs a version listener. */
     bool requestGpsVersionInfo();
 
     /**
      * Sends one setting to the receiver; the answer reaches the setting listeners. Needs a setting listener. True when
-     * the command has been sent. A change of speed blocks for 200 ms.
+     * the command was sent. A change of speed blocks for 200 ms.
      */
     bool requestGpsSetting(GpsSetting setting);
 

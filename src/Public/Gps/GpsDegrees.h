@@ -2,7 +2,7 @@
 #define GPS_GPS_DEGREES_H
 
 /**
- * Decimal degrees of a coordinate as the records hold it.
+ * Converts a coordinate of a record to decimal degrees.
  * @param degreesMinutes ddmm.mmmm or dddmm.mmmm, negative for south and west, such as GPRMC::Lat; 0 without a fix
  */
 inline double gpsDecimalDegrees(double degreesMinutes) {

@@ -1,7 +1,7 @@
 #ifndef GPS_GPS_EXPORT_H
 #define GPS_GPS_EXPORT_H
 
-/** Marks what the shared library shows to its clients; everything else stays hidden. */
+/** Exports a class from the shared library; everything else is hidden. */
 #define GPS_API __attribute__((visibility("default")))
 
 #endif

@@ -14,14 +14,14 @@
  * through `Gps`. The library never owns, copies or deletes a listener: the object must live until its unregistration
  * has returned.
  *
- * When an unregistration returns, no other thread is inside the listener and none will call it again: it waits for a
- * notification in progress on another thread, so do not hold a lock that the listener takes. A listener may unregister
- * itself inside its own notification, and may then delete itself. When two notifications wait for each other, because
- * each unregisters the other's listener, the second unregistration returns at once without waiting.
+ * An unregistration waits until no other thread is inside the listener; after it returns, the listener is not called
+ * again. Do not unregister while holding a lock that the listener takes. A listener may unregister itself inside its
+ * own notification, and may then delete itself. When two notifications each unregister the other's listener, the second
+ * unregistration returns without waiting.
  *
  * Every pointer passed to a notification is valid during that call only; copy what you keep. Notifications should
- * return soon: the receive thread reads nothing while it is inside one. Different notifications of one object may come
- * on different threads (named below) at the same time. No notification may throw.
+ * return soon: the receive thread reads nothing while it is inside one. One object may be notified on several threads
+ * (named below) at the same time. No notification may throw.
  */
 
 /** Raw sentences. Called on the receive thread. */
@@ -94,8 +94,8 @@ class GPS_API GpsSettingListener {
 public:
     virtual ~GpsSettingListener();
     /**
-     * The receiver's answer to the oldest request of this process that awaits one.
-     * @param acknowledged true when the receiver accepted the setting, false when it refused it
+     * The receiver's answer to this process's oldest unanswered request.
+     * @param acknowledged true when the receiver accepted the setting, false when it refused
      * @param setting the setting that was requested
      */
     virtual void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting);
@@ -105,7 +105,7 @@ public:
 class GPS_API GpsProductionListener {
 public:
     virtual ~GpsProductionListener();
-    /** @param acknowledged true when the receiver accepted the request, false when it refused it */
+    /** @param acknowledged true when the receiver accepted the request, false when it refused */
     virtual void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged);
     virtual void notifyStartGpsProductionCheckResponse(bool acknowledged);
     /** Reserved; not called. */

@@ -90,8 +90,8 @@ struct LOCATION_DATA {
 
 /** The record in shared memory: 1040 bytes in native byte order. */
 struct GPS_LOCATION_DATA_SHARE {
-    unsigned int UpdateCounter;  ///< incremented by every Gps::setLocationData of any process, modulo 2^32; reset to 0
-                                 ///< by every service that starts
+    unsigned int UpdateCounter;  ///< incremented by every Gps::setLocationData of any process, modulo 2^32; every
+                                 ///< service that starts resets it to 0
     unsigned int Reserved;       ///< never written
     LOCATION_DATA Data;
 };

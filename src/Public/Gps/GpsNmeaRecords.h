@@ -11,18 +11,18 @@
  *
  * Coordinates are held in three fields. `Lat` is the sentence's ddmm.mmmm as one number (35 degrees 39.1234 minutes is
  * 3539.1234), `LatDeg` its whole degrees (35), `LatMin` its minutes (39.1234, at most seven characters of the field).
- * `Lon`, `LonDeg`, `LonMin` are the same of dddmm.mmmm. South and west are negative in `Lat`, `LatDeg`, `Lon` and
+ * `Lon`, `LonDeg`, `LonMin` are the same for dddmm.mmmm. South and west are negative in `Lat`, `LatDeg`, `Lon` and
  * `LonDeg`; the minutes are never negative. An empty field is 0 in all three.
  *
  * Times are UTC. `MilliSecond` is the fraction's digits (at most three) read as an integer: ".50" gives 50.
  */
 
 /**
- * Datum of coordinates: of a listener, and of what the receiver reports (the base datum).
+ * Datum of the coordinates that a listener gets, or that the receiver reports (the base datum).
  *
  * WGS84 positions that are converted from a receiver in the Tokyo datum are less accurate than those of a receiver in
- * WGS84: in Japan by 0.07 m on average and at most 0.2 m up to 1000 m above the sea, 0.2 m and 0.4 m at 3000 m. The
- * conversion is for the receiver's coordinates alone: those of old Tokyo-datum maps differ from them by metres.
+ * WGS84: in Japan by 0.07 m on average and at most 0.2 m up to 1000 m above the sea, 0.2 m and 0.4 m at 3000 m. This
+ * holds for the receiver's coordinates only: coordinates of old Tokyo-datum maps differ from them by metres.
  */
 enum GeodeticSystem : int {
     GEODETIC_SYSTEM_WGS84 = 0,
@@ -52,7 +52,7 @@ struct GPGGA {
     int LonDeg;
     double LonMin;
     int Quality;   ///< 0 no fix, 1 GPS, 2 differential; others as the receiver sends them
-    int SatView;   ///< number of satellites as this sentence gives it
+    int SatView;   ///< number of satellites, as in the sentence
     double HDOP;   ///< horizontal dilution of precision
     double Alt;    ///< antenna altitude above mean sea level, metres
     double Geo;    ///< geoidal separation, metres
@@ -94,7 +94,7 @@ enum { GPS_MAX_SATELLITE_RECEIVE_NUM = 128 };
 
 /** One satellite in view. */
 struct GPGSV_SATELLITE {
-    unsigned char SatID;      ///< satellite number as NMEA numbers it
+    unsigned char SatID;      ///< NMEA satellite number
     unsigned char Used;       ///< 1 when the epoch's GSA lists this satellite, else 0; set in the aggregate only
     unsigned char Elevation;  ///< degrees
     unsigned char SNR;        ///< signal to noise ratio, dB-Hz; 0 when not tracked
@@ -154,7 +154,7 @@ struct GPZDA {
     unsigned short Month;
     unsigned short Day;
     unsigned short LocalHour;    ///< zone hours; a negative zone keeps its two's complement pattern (-5 is 65531)
-    unsigned short LocalMinute;  ///< zone minutes; negative as `LocalHour`
+    unsigned short LocalMinute;  ///< zone minutes, negative like `LocalHour`
 };
 
 /** PUBX,00: the receiver's own position sentence. */

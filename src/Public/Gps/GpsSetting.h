@@ -2,11 +2,11 @@
 #define GPS_GPS_SETTING_H
 
 /**
- * The receiver settings that a client may request. Each is one prepared message to the receiver.
+ * The receiver settings that a client may request. Each sends one fixed message to the receiver.
  *
- * Satellites send the number of the week modulo 1024. The receiver takes it for the first such week from its reference
- * week on, which settings A and B set: after settings A (GPS week 1603) its dates hold until 2030-05-11, after settings
- * B (week 1756) until 2033-04-16. From the day after, they are 1024 weeks too early; the time of day stays right.
+ * GPS sends the week number modulo 1024. The receiver assumes the first matching week from its reference week on, which
+ * settings A and B set. Its dates are right until 2030-05-11 with settings A (GPS week 1603) and until 2033-04-16 with
+ * settings B (week 1756), and 1024 weeks too early after that; the time of day stays right.
  */
 enum GpsSetting : int {
     GPS_SETTING_PUBX00_ON = 0,                 ///< PUBX,00 once per fix on every port
