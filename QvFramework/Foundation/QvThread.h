@@ -27,14 +27,14 @@ public:
     explicit QvThread(Owner* owner) : mpOwner(owner) {}
     virtual ~QvThread() = default;
 
-    /** Creates the thread; it blocks all signals. False, with a message, when that fails or there is one already. */
+    /** Creates the thread, which blocks all signals. Logs and returns false when that fails or it exists already. */
     bool Start(const char* name);
 
     /** Waits up to 50 ms for the thread to publish its id. */
     void SetPriority(int priority);
     int GetPriority() const;
 
-    /** Waits for the thread's end without a time limit; logs when it takes longer than `timeoutMs`. */
+    /** Waits for the thread to end, without a time limit; logs when that takes longer than `timeoutMs`. */
     bool WaitExit(unsigned int timeoutMs);
 
     static void* WrappedEntry(void* arg);
@@ -54,7 +54,7 @@ private:
     Owner* mpOwner;
     char mName[128] = {};
     std::atomic<pthread_t> mHandle{kNoHandle};
-    std::atomic<int> mThreadId{-1};  // of the kernel
+    std::atomic<int> mThreadId{-1};  // the kernel's
     QvEvent mExitEvent;
     unsigned int mWaitTimeout = 0;
 };
@@ -84,7 +84,7 @@ bool QvThread<Owner>::Start(const char* name) {
         return false;
     }
     mHandle = handle;
-    char shortName[16] = {};  // the system's limit
+    char shortName[16] = {};  // the kernel's limit
     qv_strncpy(shortName, sizeof(shortName), mName, sizeof(shortName) - 1);
     pthread_setname_np(handle, shortName);
     return true;

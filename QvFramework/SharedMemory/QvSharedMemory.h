@@ -41,7 +41,7 @@ private:
         T records[N];
     };
 
-    static constexpr mode_t MODE = 0664;
+    static constexpr mode_t kMode = 0664;
 
     static void report(int line, const char* text) {
         QvDbgOutput::DbgPrintStdErr("QvFramework/SharedMemory/QvSharedMemory", "QvSharedMemory", line, "%s", text);
@@ -63,7 +63,7 @@ private:
 template <class T, unsigned N>
 QvSharedMemory<T, N>::QvSharedMemory(const char* name)
     : QvSharedSyncObject(name), mFd(-1), mpAddress(MAP_FAILED), mIsCreator(false) {
-    // Held to the end: of two processes that start together, one finishes creating before the other opens.
+    // Held to the end, so that no other process opens the segment while it is being created.
     QvSyncGuard<QvSharedSyncObject> guard(*this);
     if (isAvailable() && open((QvString("/") + name).c_str())) map();
 }
@@ -78,30 +78,30 @@ QvSharedMemory<T, N>::~QvSharedMemory() {
 
 template <class T, unsigned N>
 bool QvSharedMemory<T, N>::open(const char* objectName) {
-    mFd = qv_above_standard(shm_open(objectName, O_RDWR | O_CREAT | O_EXCL, MODE));
+    mFd = qv_above_standard(shm_open(objectName, O_RDWR | O_CREAT | O_EXCL, kMode));
     mIsCreator = mFd != -1;
     if (mIsCreator) return true;
     if (errno != EEXIST) {
         report(__LINE__, "shm_open error\n");
         return false;
     }
-    mFd = qv_above_standard(shm_open(objectName, O_RDWR | O_CREAT, MODE));
-    // Where fs.protected_regular is set, O_CREAT is refused for another user's object, whatever its mode allows.
-    if (mFd == -1 && errno == EACCES) mFd = qv_above_standard(shm_open(objectName, O_RDWR, MODE));
+    mFd = qv_above_standard(shm_open(objectName, O_RDWR | O_CREAT, kMode));
+    // With fs.protected_regular set, O_CREAT is refused for another user's object in spite of its mode.
+    if (mFd == -1 && errno == EACCES) mFd = qv_above_standard(shm_open(objectName, O_RDWR, kMode));
     struct stat status {};
-    // Empty while the lock is held: its creator died before it had sized it, and this holder takes its place.
+    // Empty while the lock is held: its creator died before sizing it, so this process becomes the creator.
     mIsCreator = mFd != -1 && fstat(mFd, &status) == 0 && status.st_size == 0;
     return true;
 }
 
 template <class T, unsigned N>
 bool QvSharedMemory<T, N>::resize() {
-    const bool hasMode = fchmod(mFd, MODE) == 0 || errno == EPERM;  // whatever the umask made of it
+    const bool hasMode = fchmod(mFd, kMode) == 0 || errno == EPERM;  // the umask may have narrowed it
     return hasMode && ftruncate(mFd, sizeof(Segment)) == 0;
 }
 
-/** Whether every byte of the segment is there, with memory behind it: what is not reserved now could be missing at the
- *  first access. Later holders ask too, since a creator may have died between sizing and reserving. */
+/** Whether the segment has its full size. Reserves its memory, so that no access can fail later; later holders do so
+ *  too, since a creator may have died between sizing and reserving. */
 template <class T, unsigned N>
 bool QvSharedMemory<T, N>::isWholeSegment() {
     struct stat status {};

@@ -24,7 +24,7 @@ constexpr char kThreadName[] = "GpsHalReceive";
 constexpr int kLogLevel = 1;
 constexpr unsigned kReceivedData = 0;
 constexpr unsigned kCommandSpeed = 0;
-constexpr unsigned kReadTimeoutMs = 250;  // also lets a stop through to a link whose read no close ends
+constexpr unsigned kReadTimeoutMs = 250;  // also ends a read that close() does not end
 constexpr unsigned kReopenMs = 500;
 
 /** State that outlives every instance. Never destroyed: threads may use it after the static destructors. */
@@ -94,7 +94,7 @@ private:
 
     const std::shared_ptr<GpsHal> mHal;
     const std::shared_ptr<GpsHalLink> mLink;
-    std::shared_ptr<Reception> mSelf;  // until the thread takes it over
+    std::shared_ptr<Reception> mSelf;  // until the thread takes it
     pthread_t mThread{};
     std::atomic<bool> mIsEnding{false};
     QvEvent mEnding;
@@ -162,7 +162,7 @@ void GpsHal::Reception::receive(const unsigned char* bytes, unsigned length) {
         mSpeedWatch.reset();
     }
     if (mSpeedWatch.receive(mFramer.chunks() != chunks, GpsHalSpeedWatch::Clock::now())) {
-        mFramer.finish(sink);  // a damaged length may have claimed good sentences
+        mFramer.finish(sink);  // a frame with a damaged length may contain good sentences
         if (mFramer.chunks() == chunks) return tryNextSpeed();
     }
     if (mFramer.chunks() != chunks) mIsTryingSpeeds = false;

@@ -12,10 +12,9 @@
  * The link to the receiver: one counted instance per process, with one receive thread while reception runs.
  *
  * Observers get every chunk (one NMEA sentence or one UBX frame, see GpsHalFramer) with event code 0 on the receive
- * thread. A device that is absent, at the start or later, is awaited with an attempt to open it every 500 ms. When
- * bytes arrive for two seconds and none of them is part of a chunk, the receiver has another speed than the link, as
- * after a reset: the other speeds are tried in turn, each for two seconds, until chunks arrive or a client sets a
- * speed.
+ * thread. An absent device is tried again every 500 ms. When bytes arrive for two seconds without a chunk, the receiver
+ * has another speed than the link, as after a reset: the other speeds are tried in turn, each for two seconds, until
+ * chunks arrive or a client sets a speed.
  */
 class GpsHal : public QvSubject, public std::enable_shared_from_this<GpsHal> {
 public:
@@ -26,8 +25,8 @@ public:
     static void DelInstance();
 
     /**
-     * Sets the link that the next start() uses, in place of the serial device that the environment names. It is used
-     * again by later starts, until another one is set; null goes back to the environment.
+     * Sets the link that start() uses from now on, in place of the serial device that the environment names; null goes
+     * back to the environment.
      */
     static void setLink(std::unique_ptr<GpsHalLink> link);
 
@@ -37,7 +36,7 @@ public:
      * Opens the link and starts the receive thread. Without a link that was set, GPSHAL_DEVICE names a serial device
      * and GPSHAL_BAUD its speed: 9600 (the default), 38400 or 115200. True also while the device is absent. False, and
      * nothing is received, without a link and when the link cannot be used, for example because another process has
-     * it (the debug output has the reason). Sending works from within the first notification on.
+     * it (the reason is logged). Sending works from the first notification on.
      * Call start and stop holding sync(), and only when isStarted() requires it: users of the HAL share it.
      */
     virtual bool start();
@@ -53,7 +52,7 @@ public:
     bool isStarted() const { return mIsStarted; }
     void setStarted(bool isStarted) { mIsStarted = isStarted; }
 
-    /** Writes bytes to the receiver, whole, never mixed with those of another thread. False without an open link. */
+    /** Writes bytes to the receiver, never mixed with those of another thread. False without an open link. */
     bool sendData(const void* data, unsigned length);
 
     /**

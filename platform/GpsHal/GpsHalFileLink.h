@@ -8,10 +8,10 @@
 #include "QvFramework/Foundation/QvSync.h"
 
 /**
- * A captured byte stream in a regular file, read once from its start as fast as it is wanted, every time the link is
- * opened. At the end of the file it is a line on which nothing more comes, until the file grows.
+ * A captured byte stream in a regular file, read from its start, without delay, every time the link is opened. At the
+ * end of the file the link is silent until the file grows.
  *
- * What is written is accepted and leads nowhere, as with a receiver that never answers; so is every speed.
+ * Written bytes are discarded, and every speed is accepted.
  */
 class GpsHalFileLink : public GpsHalLink {
 public:

@@ -21,7 +21,7 @@ constexpr std::array<bool, 256> makeInsideSentence() {
     return inside;
 }
 
-/** Whether a sentence simply goes on with this byte. */
+/** Whether a sentence continues with this byte. */
 constexpr std::array<bool, 256> kInsideSentence = makeInsideSentence();
 
 }  // namespace
@@ -32,7 +32,7 @@ void GpsHalFramer::reset() {
     mSeen = 0;
 }
 
-/** Takes over as many bytes as there is room for: at least one, as an unfinished chunk fills half of it at most. */
+/** Takes as many bytes as fit: at least one, as an unfinished chunk fills at most half of the buffer. */
 unsigned GpsHalFramer::append(const unsigned char* data, unsigned length) {
     if (mBegin == mEnd || mEnd == kCapacity) compact();
     const unsigned taken = std::min(length, kCapacity - mEnd);
@@ -41,7 +41,7 @@ unsigned GpsHalFramer::append(const unsigned char* data, unsigned length) {
     return taken;
 }
 
-/** Moves what is undecided, with its sums, to the front of the buffer. */
+/** Moves the undecided bytes and their sums to the front of the buffer. */
 void GpsHalFramer::compact() {
     std::memmove(mBuffer, mBuffer + mBegin, mEnd - mBegin);
     if (mSummed > mBegin) {
@@ -53,7 +53,7 @@ void GpsHalFramer::compact() {
     mBegin = 0;
 }
 
-/** The next whole chunk, which counts as taken; none when the undecided bytes could still become one. */
+/** Takes the next whole chunk; none when the undecided bytes could still become one. */
 GpsHalFramer::Chunk GpsHalFramer::next(GiveUp giveUp) {
     while (mBegin < mEnd) {
         Verdict verdict = judge();
@@ -115,8 +115,8 @@ GpsHalFramer::Verdict GpsHalFramer::judgeFrame() {
     return {Verdict::kChunk, length};
 }
 
-/** Whether the two bytes at `end` are the Fletcher checksum of the bytes from `begin` to there, by the buffer's sums:
- *  of all bytes from `begin` on, and of all these sums, modulo 256. */
+/** Whether the two bytes at `end` are the Fletcher checksum of the bytes before them from `begin` on: the sum of these
+ *  bytes and the sum of all these sums, modulo 256. */
 bool GpsHalFramer::checksumHolds(unsigned begin, unsigned end) {
     if (begin > mSummed) {
         mSummed = begin;

@@ -10,9 +10,9 @@
  * payload as two bytes with the low one first, payload, checksum) whose Fletcher checksum holds. A sentence is at most
  * 1024 bytes of printable ASCII and carriage returns; another `$` starts it over. A payload is at most 8192 bytes.
  *
- * Nothing intact is lost after damage: what cannot be the start of a chunk gives up its first byte only, and the rest
- * is scanned again. How the stream is split into calls makes no difference to chunks and counts. Nothing is
- * allocated, and the time is proportional to the number of bytes, whatever they are. One thread at a time.
+ * Nothing intact is lost after damage: of bytes that turn out to be no chunk only the first is dropped, and the rest is
+ * scanned again. How the stream is split into calls does not change chunks and counts. Nothing is allocated, and the
+ * time is proportional to the number of bytes. One thread at a time.
  */
 class GpsHalFramer : private QvUncopyable {
 public:
@@ -75,10 +75,10 @@ private:
     unsigned char mBuffer[kCapacity];
     unsigned mBegin = 0;  // first byte that is not yet decided
     unsigned mEnd = 0;
-    unsigned mSeen = 0;  // bytes from mBegin on that are known to go on an unfinished sentence
+    unsigned mSeen = 0;  // bytes from mBegin on that are known to belong to an unfinished sentence
 
     // Running sums of the buffer's bytes, and of these sums, before each position. The checksum of any range is a
-    // difference of them, so that bytes claimed by many broken frames are still added up once only.
+    // difference of them, so that bytes inside many broken frames are summed only once.
     unsigned char mSums[kCapacity + 1];
     unsigned char mSumsOfSums[kCapacity + 1];
     unsigned mSummed = 0;  // last position that has its sums

@@ -33,8 +33,7 @@ bool isDrained(int device) {
     return waiting == 0 && (ioctl(device, TIOCSERGETLSR, &transmitter) != 0 || (transmitter & TIOCSER_TEMT) != 0);
 }
 
-/** Waits until what was written has left; false when it has not after the time-out. The system's own waits have none.
- */
+/** Waits until what was written has left, unlike tcdrain() with a time-out; false when that has passed. */
 bool drain(int device) {
     const auto deadline = std::chrono::steady_clock::now() + kWriteTimeout;
     while (!isDrained(device)) {
@@ -52,7 +51,7 @@ bool configure(int device, unsigned value) {
     cfmakeraw(&settings);
     settings.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
     settings.c_cflag |= CREAD | CLOCAL;
-    settings.c_cc[VMIN] = 1;  // a read of nothing means the end of the line
+    settings.c_cc[VMIN] = 1;  // a read of 0 bytes means that the device has hung up
     settings.c_cc[VTIME] = 0;
     cfsetispeed(&settings, row->terminal);
     cfsetospeed(&settings, row->terminal);
@@ -65,7 +64,7 @@ bool isPseudoTerminal(int device) {
     return major(status.st_rdev) < UNIX98_PTY_SLAVE_MAJOR + UNIX98_PTY_MAJOR_COUNT;
 }
 
-/** Gives the claim up, also when a forked child still has the descriptor, and closes it. Leaves errno as it is. */
+/** Releases the claim, even when a forked child still has the descriptor, and closes it. Keeps errno. */
 void release(int device) {
     const int reason = errno;
     ioctl(device, TIOCNXCL);
@@ -76,8 +75,8 @@ void release(int device) {
 
 /**
  * Opens the device, claims it and sets it up: a descriptor, or -1 with the reason in errno. The lock excludes processes
- * that claim the device too, whatever their rights; the exclusive mode excludes others. A pseudo-terminal would stay in
- * that mode when its holder is killed.
+ * that claim the device too, even root's; the exclusive mode excludes others. It is not set on a pseudo-terminal, which
+ * would keep it after its holder is killed.
  */
 int openDevice(const char* path, unsigned speed) {
     const int device = qv_above_standard(::open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
@@ -126,7 +125,7 @@ void GpsHalSerialLink::close() {
     }
     const std::unique_lock alone(mInUse);
     if (mDevice == kNoDevice) return;
-    if (!drain(mDevice)) tcflush(mDevice, TCOFLUSH);  // or the system would go on waiting
+    if (!drain(mDevice)) tcflush(mDevice, TCOFLUSH);  // otherwise closing would wait for it
     release(mDevice);
     mDevice = kNoDevice;
 }

@@ -12,10 +12,10 @@
 /**
  * A serial device, or a pseudo-terminal: raw, 8 data bits, no parity, 1 stop bit, no flow control.
  *
- * The device is held exclusively: while one process has it open, opening it in another is false, whatever the rights
- * of that process. The path may be a symbolic link, which is followed anew at every opening. A device that hangs up is
- * lost. Nothing waits for the device without limit: writing fails when it does not take all bytes in 2 s, changing the
- * speed when they have not left in 2 s, and closing discards what has not left in 2 s.
+ * The device is held exclusively: while one process has it open, opening it fails in any other, even root's. The path
+ * may be a symbolic link, which is followed at every opening. A device that hangs up is lost. Nothing waits for the
+ * device without limit: writing fails when it does not take all bytes in 2 s, changing the speed when they have not
+ * left in 2 s, and closing discards what has not left in 2 s.
  */
 class GpsHalSerialLink : public GpsHalLink {
 public:
@@ -39,7 +39,7 @@ private:
 
     const std::string mPath;
     const int mWakeUp;         // event counter; not zero from a close() until the next opening
-    std::shared_mutex mInUse;  // shared by those who use the device, alone for opening and closing it
+    std::shared_mutex mInUse;  // shared while using the device, exclusive for opening and closing it
     int mDevice;               // -1 while closed
     std::atomic<unsigned> mSpeed;
 };

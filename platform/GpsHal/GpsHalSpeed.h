@@ -20,7 +20,7 @@ constexpr GpsHalSpeed kGpsHalSpeeds[] = {{GPSHAL_SPEED_9600, "9600", B9600},
                                          {GPSHAL_SPEED_38400, "38400", B38400},
                                          {GPSHAL_SPEED_115200, "115200", B115200}};
 
-/** Detects that the receiver sends at another speed: bytes arrive, but no chunk. One thread; the caller passes time. */
+/** Detects that the receiver sends at another speed: bytes arrive, but no chunk. One thread. */
 class GpsHalSpeedWatch {
 public:
     using Clock = std::chrono::steady_clock;
@@ -32,7 +32,7 @@ public:
     /** Bytes have arrived. True when bytes have been arriving for two seconds, and no chunk. */
     bool receive(bool hasChunk, Time now) {
         constexpr std::chrono::seconds kLimit{2};
-        if (hasChunk || now - mLast >= kLimit) mBegin = now;  // bytes that come rarely are a disturbance
+        if (hasChunk || now - mLast >= kLimit) mBegin = now;  // isolated bytes are noise
         mLast = now;
         return now - mBegin >= kLimit;
     }

@@ -90,7 +90,7 @@ void Decoder::receive(const char* name, const Event::Content& content) {
 /** Why the current sentence, which has been parsed, may have given no record. */
 Refusal Decoder::sentenceRefusal() const {
     if (!mIsChecked) {
-        if (mChunk.size() > GpsParseNmeaManager::SENTENCE_SIZE) return Refusal::Length;
+        if (mChunk.size() > GpsParseNmeaManager::kSentenceSize) return Refusal::Length;
         return mChunk.ends_with("\r\n") ? Refusal::Checksum : Refusal::LineEnd;
     }
     if (!mLog.missingField().empty()) return Refusal::Field;

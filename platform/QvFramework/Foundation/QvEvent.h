@@ -16,8 +16,7 @@ public:
     void ResetEvent();
 
     /**
-     * Waits until the event is set, at most the given milliseconds (0 only asks; steps of the wall clock do not
-     * matter).
+     * Waits until the event is set, at most `ms` milliseconds of the monotonic clock (0 only checks).
      * @return 0 when the event is set, TIMED_OUT when the time ran out
      */
     int WaitEvent(unsigned int ms);

@@ -15,7 +15,7 @@ public:
     virtual unsigned int Update(unsigned int eventCode, void* data, unsigned int length) = 0;
 };
 
-/** Notifies any number of observers; never owns them. */
+/** Notifies observers, which it does not own. */
 class QvSubject : private QvUncopyable {
 public:
     void AddObserver(QvObserver_* observer);

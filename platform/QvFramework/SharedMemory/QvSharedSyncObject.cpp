@@ -51,7 +51,7 @@ struct QvSharedLock {
 namespace {
 
 constexpr char kDirectory[] = "/dev/shm";
-constexpr mode_t kMode = 0660;  // without write permission it cannot even be opened, which placing a file lock takes
+constexpr mode_t kMode = 0660;  // a file lock needs the object open, which needs write permission
 
 constinit std::atomic<Token> gToken{0};  // of this process
 constinit std::atomic<QvSharedLock*> gLocks{nullptr};
@@ -61,7 +61,7 @@ struct flock byteOf(Token token, short type) {
     return {.l_type = type, .l_whence = SEEK_SET, .l_start = offset, .l_len = 1, .l_pid = 0};
 }
 
-/** Places this process's file lock; another process cannot prevent it without write permission. */
+/** Places this process's file lock; only a process with write permission can prevent that. */
 bool markAlive(int fd) {
     struct flock byte = byteOf(gToken, F_RDLCK);
     return fcntl(fd, F_SETLK, &byte) == 0;
@@ -93,7 +93,7 @@ void renewToken() {
 bool publish(int fd, const std::string& path) {
     const SharedObject object;
     const std::string self = "/proc/self/fd/" + std::to_string(fd);
-    return fchmod(fd, kMode) == 0 &&  // whatever the umask made of it
+    return fchmod(fd, kMode) == 0 &&  // the umask may have narrowed it
            write(fd, &object, sizeof(object)) == sizeof(object) &&
            linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }

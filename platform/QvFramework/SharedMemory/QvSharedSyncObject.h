@@ -7,10 +7,9 @@
 struct QvSharedLock;
 
 /**
- * Named lock between all threads of all processes, also of different PID namespaces; the thread that holds it may lock
- * it again and unlocks it as often.
+ * Named recursive lock between all threads of all processes, also of different PID namespaces.
  *
- * When a process dies while holding the lock, the next one gets it; what the lock guards may then be half written.
+ * When its holder dies, the next process gets the lock; the guarded data may then be half written.
  *
  * The lock is a small shared-memory object, "/NAME.lock", mode 0660. Every process that uses it keeps a descriptor of
  * it; a process that closes a descriptor of that object, this or another one, counts as dead. The lock is not available

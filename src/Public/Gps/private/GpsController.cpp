@@ -12,7 +12,7 @@
 
 namespace {
 
-/** Starts the HAL's reception unless another user of the HAL has. A refusal leaves the service without data. */
+/** Starts reception unless another user of the HAL has started it. Without reception the service has no data. */
 void startReception(GpsHal& hal) {
     QvSyncGuard guard(hal.sync());
     if (!hal.isStarted()) hal.setStarted(hal.start());
@@ -54,7 +54,7 @@ GpsController::GpsController()
 }
 
 GpsController::~GpsController() {
-    mSync.release();  // when the process exits from inside a notification: the threads that end here may wait for it
+    mSync.release();  // held when a notification exits the process; the threads that end here may wait for it
     if (!endReception()) {
         mObserver.release();
         mGpsHal.release();
@@ -62,7 +62,7 @@ GpsController::~GpsController() {
     endWorker();
 }
 
-/** False, with reception left as it is, when the receive thread waits for a notification that exits the process. */
+/** False, without ending it, when the receive thread waits for the notification that exits the process. */
 bool GpsController::endReception() {
     const std::thread::id receiver = sReceiver;
     const GpsListenerCalls::Wait wait(receiver);

@@ -70,7 +70,7 @@ public:
 
     // Received data.
 
-    /** Dispatches one chunk. Always 0: the HAL never sees a failure. */
+    /** Dispatches one chunk. Always 0: failures are not reported to the HAL. */
     unsigned int receiveData(unsigned int eventCode, void* data, unsigned int length);
     void connectionStatusProc(const char* data, unsigned int length);
     void nmeaSentenceProc(const char* data, unsigned int length);
@@ -78,7 +78,7 @@ public:
     void responseGpsSettingProc(const char* data, unsigned int length);
     void responseGpsProductionProc(const char* data, unsigned int length);
     void parseGpsProductionDataProc(const char* data, unsigned int length);
-    /** No received data is routed to these two: the version is answered at request time. */
+    /** No received data is routed to these two: a version request is answered at once. */
     void responseGpsVersionProc(const char* data, unsigned int length);
     void parseGpsVersionDataProc(const char* data, unsigned int length);
 
@@ -92,13 +92,13 @@ public:
     int MainProc();
     void Finalize();
     void init_queue();
-    /** Takes and delivers what is due at `now`: one cycle of the worker. */
+    /** One cycle of the worker: takes new records and delivers the one that is due at `now`. */
     void runLocationCycle(const timeval& now);
     /** Delivers the stored record on the caller's thread, unless the worker has taken it already. */
     void notifyLocationData();
 
 private:
-    /** Give back what the controller has taken from the HAL. */
+    /** Deleters for what the controller holds of the HAL. */
     struct ShareRelease {
         void operator()(GpsHal* hal) const;
     };
@@ -141,7 +141,7 @@ private:
     QvEvent mStopEvent;
     std::atomic<bool> mIsRunning{false};
     std::atomic<bool> mIsStopRequested{false};
-    std::atomic<bool> mHasWorkerEnded{false};  // by itself, without listeners; set while mSync is held
+    std::atomic<bool> mHasWorkerEnded{false};  // as the last listener left; set while mSync is held
     std::atomic<std::thread::id> mWorker{std::thread::id()};
     LocationPipeline mLocationPipeline;
 

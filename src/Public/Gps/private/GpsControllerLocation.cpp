@@ -51,7 +51,7 @@ void fill(GPRMC& to, const GPS_SYNC_RMC_DATA& from) {
     to.Mode = from.Mode;
 }
 
-/** Bit for bit, whatever the producer keeps in the fields. */
+/** Copies the bits: the fields need not hold valid numbers. */
 void copyBits(double& to, const double& from) {
     std::memcpy(&to, &from, sizeof(to));
 }
@@ -91,12 +91,12 @@ void GpsController::runLocationCycle(const timeval& now) {
     }
     if (!mLocationPipeline.isDue(now) || mIsStopRequested) return;
 
-    const GpsListenerCalls::Call call(this);  // for a thread that waits for the worker
+    const GpsListenerCalls::Call call(this);  // makes a wait for the worker see this delivery
     QvSyncGuard guard(mSync);
     mLocationPipeline.pop(record);
     if (!deliverLocation(record.Data)) return;
     mLocationPipeline.noteDelivery(now);
-    mHasWorkerEnded = mGpsLocationDataListeners.count() == 0;  // the last listener left inside its notification
+    mHasWorkerEnded = mGpsLocationDataListeners.count() == 0;  // the last listener unregistered inside its notification
 }
 
 void GpsController::notifyLocationData() {
@@ -112,7 +112,7 @@ void GpsController::notifyLocationData() {
 /** False when there was no listener. */
 bool GpsController::deliverLocation(const LOCATION_DATA& location) {
     const auto deliver = [&](const GpsLocationDataListener* listener) {
-        // One by one: a listener that unregisters itself is not notified of the rest.
+        // Checked before each: a listener that unregisters itself is not notified of the rest.
         const auto notify = [&](auto notification, const auto* part) {
             mGpsLocationDataListeners.callIfRegistered(listener, [&] { (asMutable(listener)->*notification)(part); });
         };

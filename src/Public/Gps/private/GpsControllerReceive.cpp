@@ -20,8 +20,7 @@ bool hasBytes(const void* data, unsigned int length, const char* function, const
 }
 
 /**
- * Calls `notify` with one listener after another, as long as it answers true. Logs `noListener` when the last listener
- * has left meanwhile.
+ * Calls `notify` with one listener after another until it returns false. Logs `noListener` when no listener is left.
  */
 template <class Listener, class Notify>
 void notifyEach(ListenerRegistry<const Listener*>& registry, const char* function, const char* noListener,
@@ -39,7 +38,7 @@ unsigned int GpsController::receiveData(unsigned int, void* data, unsigned int l
     return 0;
 }
 
-/** The connection manager reads terminated text, and no more of it than the status word. */
+/** Passes a terminated copy: the connection manager reads no further than the status word. */
 void GpsController::connectionStatusProc(const char* data, unsigned int length) {
     constexpr unsigned int kLongestText = 63;
     char text[kLongestText + 1] = {};

@@ -5,7 +5,7 @@
 #include "Gps/private/GpsControllerLog.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
-/** What the operations of one registry log when they refuse. */
+/** Log texts of one registry's operations. */
 struct GpsRegistryTexts {
     const char* registerFunction;
     const char* registerNull;
@@ -39,7 +39,7 @@ constexpr auto kNothing = [] {};
 
 }  // namespace
 
-/** `firstCall` runs once the entry is there, and before it can be called otherwise. It may remove the entry. */
+/** `firstCall` runs after the entry is added and before any other call of it. It may remove the entry. */
 template <class Entry, class Action>
 bool GpsController::addListener(ListenerRegistry<Entry>& registry, const Entry& entry, const GpsRegistryTexts& texts,
                                 Action firstCall) {
@@ -64,7 +64,7 @@ bool GpsController::removeListener(ListenerRegistry<Entry>& registry,
         registry.remove(npListener);
     }
     {
-        const RegistryLock::Pause pause(mSync);  // a call that is waited for may itself wait for mSync
+        const RegistryLock::Pause pause(mSync);  // the awaited call may itself wait for mSync
         GpsListenerCalls::instance().waitUntilNotCalled(npListener);
     }
     return !isEmpty || controllerLog.failure(texts.unRegisterFunction, texts.empty);

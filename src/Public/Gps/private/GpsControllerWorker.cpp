@@ -3,7 +3,7 @@
 #include "QvFramework/Foundation/QvHelpers.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
-// The life of the worker, which delivers location data.
+// Starting, running and ending the worker, which delivers location data.
 
 namespace {
 
@@ -45,21 +45,21 @@ bool GpsController::stop() {
 }
 
 /**
- * Makes the worker run while there are location listeners. Does nothing on the worker, and on a thread for which a
- * location listener waits: the worker looks for listeners itself after a delivery.
+ * Starts or ends the worker, which runs while there are location listeners. Does nothing on the worker, and on a thread
+ * that a location listener waits for: the worker itself looks for listeners after a delivery.
  */
 void GpsController::reconcileWorker() {
     if (isForkedChild() || mWorker == std::this_thread::get_id()) return;
     const GpsListenerCalls::Wait wait(this);
     if (!wait.canEnd()) return;
-    const RegistryLock::Pause pause(mSync);  // which the worker takes for a delivery
+    const RegistryLock::Pause pause(mSync);  // the worker takes it for a delivery
     QvSyncGuard guard(mWorkerSync);
     const bool isWanted = mGpsLocationDataListeners.count() != 0;
     if (mHasWorkerEnded || !isWanted) stop();
     if (isWanted) start();
 }
 
-/** Leaves the worker as it is when the process exits from inside a notification that the worker runs or waits for. */
+/** Does not end it when the process exits inside a notification that the worker runs or waits for. */
 void GpsController::endWorker() {
     const GpsListenerCalls::Wait wait(this);
     if (mWorker == std::this_thread::get_id() || !wait.canEnd()) {

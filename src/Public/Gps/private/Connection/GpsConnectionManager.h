@@ -8,13 +8,13 @@
 
 class GpsHal;
 
-/** The antenna status as all processes know it; lives in shared memory. */
+/** The antenna status of all processes; in shared memory. */
 struct GPS_CONNECTION_LOCAL_MEMORY {
     GpsConnectionStatus connectionStatus;
 };
 static_assert(sizeof(GPS_CONNECTION_LOCAL_MEMORY) == 4, "shared with every process");
 
-/** Recognises antenna-status sentences, keeps the status for all processes and notifies connection listeners. */
+/** Recognises antenna texts, keeps the status for all processes and notifies connection listeners. */
 class GpsConnectionManager : public QvSharedMemory<GPS_CONNECTION_LOCAL_MEMORY, 1> {
 public:
     GpsConnectionManager();
@@ -36,7 +36,7 @@ public:
 
     /** Recognises a status and stores it in `status`, in this process's copy and in the segment. */
     bool parseConnectionStatus(const char* sentence, GpsConnectionStatus* status);
-    /** Recognises a status only; uses nothing shared. */
+    /** Only recognises a status; changes nothing shared. */
     static bool recognizeStatus(const char* sentence, GpsConnectionStatus* status);
 
     bool readLocalMemory(GPS_CONNECTION_LOCAL_MEMORY* out) const;

@@ -26,7 +26,6 @@ public:
     class Call : private QvUncopyable {
     public:
         Call() = default;
-        /** Begins at once. */
         explicit Call(const void* listener) {
             LeafGuard guard(instance().mLock);
             begin(instance(), listener);
@@ -47,7 +46,7 @@ public:
         Call* mNext = nullptr;
     };
 
-    /** This thread waits: for the end of a listener's calls on other threads, or for a thread. */
+    /** A wait of this thread for the end of a listener's calls on other threads, or for a thread. */
     class Wait : private QvUncopyable {
     public:
         explicit Wait(const void* listener) : Wait(listener, std::thread::id()) {}
@@ -56,7 +55,7 @@ public:
             if (mCanEnd) instance().endWait(*this);
         }
 
-        /** False when the wait must not be started: what it waits for is, or waits for, this thread. */
+        /** False when the wait would deadlock: what it waits for is, or waits for, this thread. */
         bool canEnd() const { return mCanEnd; }
 
     private:
@@ -71,7 +70,7 @@ public:
         const bool mCanEnd;
     };
 
-    /** Returns when no other thread is inside the listener; at once where that would be a ring of waits. */
+    /** Returns when no other thread is inside the listener, or at once when waiting would deadlock. */
     void waitUntilNotCalled(const void* listener) {
         const Wait wait(listener);
         if (!wait.canEnd()) return;
@@ -113,24 +112,24 @@ private:
         unlink(mWaits, wait);
     }
 
-    /** The first call from `call` on that the wait is for; null when there is none. */
+    /** The first call that the wait is for, from `call` on; null when there is none. */
     static const Call* firstCallAwaitedBy(const Wait& wait, const Call* call) {
         while (call != nullptr && (call->mListener != wait.mListener || call->mThread == wait.mThread))
             call = call->mNext;
         return call;
     }
 
-    /** Whether a wait cannot end before `thread` goes on. Waits never form a ring, so the recursion ends. */
+    /** Whether a wait cannot end before `thread` continues. Waits never form a cycle, so the recursion ends. */
     bool dependsOn(const Wait& wait, std::thread::id thread) const QV_REQUIRES(mLock) {
-        if (isHeldUpBy(wait.mAwaited, thread)) return true;
+        if (isBlockedBy(wait.mAwaited, thread)) return true;
         const Call* call = firstCallAwaitedBy(wait, mCalls);
-        while (call != nullptr && !isHeldUpBy(call->mThread, thread))
+        while (call != nullptr && !isBlockedBy(call->mThread, thread))
             call = firstCallAwaitedBy(wait, call->mNext);
         return call != nullptr;
     }
 
     /** Whether `waiting` is `thread`, or waits for it. */
-    bool isHeldUpBy(std::thread::id waiting, std::thread::id thread) const QV_REQUIRES(mLock) {
+    bool isBlockedBy(std::thread::id waiting, std::thread::id thread) const QV_REQUIRES(mLock) {
         if (waiting == thread) return true;
         for (const Wait* wait = mWaits; wait != nullptr; wait = wait->mNext) {
             if (wait->mThread == waiting && dependsOn(*wait, thread)) return true;

@@ -10,12 +10,11 @@
 #include "Gps/private/Listeners/GpsListenerList.h"
 
 /**
- * The listeners of one kind, in the order of their registration: at most LISTENER_LIST_MAX entries of a listener, alone
- * or with its datum.
+ * The listeners of one kind, in order of registration: at most LISTENER_LIST_MAX entries, each a listener, alone or
+ * with its datum.
  *
- * Any thread may call listeners while others register and unregister. An entry is read whole, and a listener that has
- * been removed is not called any more once GpsListenerCalls::waitUntilNotCalled has returned. No lock is held while a
- * listener runs. Calling allocates nothing.
+ * Any thread may call listeners while others register and unregister. A removed listener is not called after
+ * GpsListenerCalls::waitUntilNotCalled has returned. No lock is held while a listener runs. Calling allocates nothing.
  */
 template <class Entry>
 class ListenerRegistry : private QvUncopyable {
@@ -54,8 +53,8 @@ public:
     }
 
     /**
-     * Calls `notify(entry)` with one entry after another, as long as it answers true. A listener that registers
-     * meanwhile is reached, none is left out because another one leaves, and there are at most LISTENER_LIST_MAX calls.
+     * Calls `notify(entry)` with one entry after another until it returns false, at most LISTENER_LIST_MAX times.
+     * Listeners that register meanwhile are called too; one that unregisters does not make others be skipped.
      * @return number of calls
      */
     template <class Notify>
@@ -91,7 +90,7 @@ public:
 private:
     struct Registration {
         Entry entry{};
-        std::uint64_t serial = 0;  // rises with every registration
+        std::uint64_t serial = 0;  // increases with every registration
         bool isEnabled = false;
     };
 
@@ -113,7 +112,7 @@ private:
 
     GpsListenerCalls& mCalls = GpsListenerCalls::instance();
     Registration mRegistrations[LISTENER_LIST_MAX] QV_GUARDED_BY(mCalls.lock());
-    // Change under the lock, and are read without it.
+    // Changed under the lock, read without it.
     std::atomic<unsigned int> mCount{0};
     std::atomic<std::uint64_t> mLastSerial{0};
 };

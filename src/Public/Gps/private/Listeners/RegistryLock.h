@@ -10,7 +10,7 @@
 
 /**
  * The lock of the registries, which is held while location listeners and the first status of a connection listener run.
- * Its holder may take it again, and may give it up as a whole while it waits for another thread.
+ * Its holder may take it again, and may release it completely while it waits for another thread.
  */
 class QV_CAPABILITY RegistryLock : private QvUncopyable {
 public:
@@ -19,7 +19,7 @@ public:
         if (--mDepth == 0) give();
     }
 
-    /** Gives the lock up if this thread holds it. Returns how often it held it. */
+    /** Releases the lock completely if this thread holds it. Returns how often it was taken. */
     unsigned int release() const {
         if (mHolder != std::this_thread::get_id()) return 0;
         const unsigned int depth = mDepth;
@@ -27,7 +27,7 @@ public:
         return depth;
     }
 
-    /** Gives up what callers of this thread hold, for its own lifetime. */
+    /** Releases the lock completely for the lifetime of this object, if this thread holds it. */
     class Pause : private QvUncopyable {
     public:
         explicit Pause(const RegistryLock& lock) QV_EXCLUDES(lock) : mLock(lock), mDepth(lock.release()) {}
@@ -56,7 +56,7 @@ private:
 
     mutable std::mutex mMutex;
     mutable std::atomic<std::thread::id> mHolder{std::thread::id()};
-    mutable unsigned int mDepth = 0;  // of the holder
+    mutable unsigned int mDepth = 0;  // how often the holder has taken it
 };
 
 #endif

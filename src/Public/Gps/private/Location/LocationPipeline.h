@@ -9,7 +9,7 @@
 
 /**
  * The location records that wait for delivery, and when the next one is due: about one a second, faster while two or
- * more wait. It has no clock: the time of day is an argument. Fixed storage. Only the worker thread uses it; any thread
+ * more wait. The time of day is an argument. Fixed storage. Only the worker thread uses it; any thread
  * may call `lastUpdateCounter`.
  */
 class LocationPipeline {

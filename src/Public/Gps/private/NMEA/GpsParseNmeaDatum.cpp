@@ -4,15 +4,15 @@
 #include "Gps/private/NMEA/SentenceText.h"
 #include "Gps/private/Support/DegreesMinutes.h"
 
-// Three-parameter datum shift through Earth-centred Cartesian coordinates. The way back is Bowring's closed formula
-// (B. R. Bowring, "Transformation from spatial to geographical coordinates", Survey Review 181, 1976), one step: its
-// error stays far below the quantum of the result near the ellipsoid.
+// Three-parameter datum shift through Earth-centred Cartesian coordinates. The conversion back to latitude and
+// longitude is one step of Bowring's formula (B. R. Bowring, "Transformation from spatial to geographical coordinates",
+// Survey Review 181, 1976). Near the ellipsoid its error is far below the quantum of the result.
 
 using sentence_text::nmeaLog;
 
 namespace {
 
-// Six decimals, as every process of the unit has always used them.
+// Six decimals: the value that all units have always used.
 constexpr double kPi = 3.141592;
 constexpr double kRadiansPerDegree = 0.01745328888888889;  // kPi / 180
 
@@ -67,7 +67,7 @@ int quantise(double radians) {
     return truncateToInt(radians / kRadiansPerDegree * 3600.0 * 256.0);
 }
 
-/** The formula itself: what it gives is right by definition, and the order of its operations is part of it. */
+/** The reference: its result is right by definition, which includes the order of the operations. */
 Quanta toWgs84Exactly(const TokyoPoint& point) {
     const double theta = std::atan2(point.z, point.p * kWgs84AxisRatio);
     const double sinTheta = std::sin(theta);
@@ -77,27 +77,27 @@ Quanta toWgs84Exactly(const TokyoPoint& point) {
     return {quantise(phi), quantise(std::atan2(point.y, point.x))};
 }
 
-/** The arc tangent of at most a hundredth, by its series; the first term left out is below 2^-76. */
+/** Arc tangent series for |t| <= 0.01; the first omitted term is below 2^-76. */
 double smallArcTangent(double t) {
     const double square = t * t;
     return t - t * square * (1.0 / 3 - square * (1.0 / 5 - square * (1.0 / 7 - square * (1.0 / 9))));
 }
 
-/** Quantises what is known to a ten-thousandth of a quantum. False when the steps on either side come too near. */
+/** Quantises an angle that is known to kMargin quanta. False when it is too close to a step. */
 bool quantiseSafely(double radians, int& quanta) {
     constexpr double kQuantaPerRadian = kQuantaPerDegree / kRadiansPerDegree;
-    constexpr double kDoubt = 1e-4;
+    constexpr double kMargin = 1e-4;
     const double exact = radians * kQuantaPerRadian;
     quanta = static_cast<int>(exact);
     const double rest = std::fabs(exact - quanta);
-    return rest > kDoubt && rest < 1.0 - kDoubt;
+    return rest > kMargin && rest < 1.0 - kMargin;
 }
 
 /**
- * The same by the small angles that the shift turns a position through: the sine and cosine of Bowring's angle come
- * from its sides, and no large arc tangent is needed. The rounding errors, below 1e-6 of a quantum, cannot show but
- * near a step of the quantisation. False there, near the poles and the date line, where angles are not small or wrap,
- * and for what is no position.
+ * The same result from the small angles by which the shift turns a position. The sine and cosine of the parametric
+ * latitude come from its sides, so no large arc tangent is needed. Rounding errors, below 1e-6 of a quantum, matter
+ * only near a step of the quantisation. False there, near the poles and the date line, where the angles are large or
+ * wrap, and for values that are no position.
  */
 bool toWgs84Quickly(const TokyoPoint& point, Quanta& result) {
     constexpr double kLargestPhi = 1.5;

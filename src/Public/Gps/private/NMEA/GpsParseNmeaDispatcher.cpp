@@ -62,7 +62,7 @@ void GpsParseNmeaManager::parseKind(const sentence_text::Sentence& sentence, con
         case Kind::GSV:
             return keep(parsedFlags.gsv, gsvData);
         case Kind::RMC:
-            clearData();  // an RMC opens a new epoch
+            clearData();  // an RMC begins a new epoch
             return keep(parsedFlags.rmc, rmcData);
         case Kind::VTG:
             return keep(parsedFlags.vtg, vtgData);
@@ -77,8 +77,8 @@ void GpsParseNmeaManager::parseKind(const sentence_text::Sentence& sentence, con
     }
 }
 
-/** Builds and delivers the aggregate. When the delivery stops, the epoch stays complete and the next sentence tries
- *  again. */
+/** Builds and delivers the aggregate. When the delivery stops, the epoch stays complete and the next sentence
+ *  retries it. */
 bool GpsParseNmeaManager::deliverEpoch(const Recipients& recipients) {
     if (parsedFlags.gsv) checkGsvStatus(&gsvData, &gsaData);
     parseNmeaData.Gga = ggaData;

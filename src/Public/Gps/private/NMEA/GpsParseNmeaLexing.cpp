@@ -18,20 +18,20 @@ using number_text::wordAt;
 
 namespace {
 
-/** The place of a field's first character among some letters. */
+/** The index of a field's first character in `letters`; `otherwise` if it is not there. */
 unsigned int letterCode(std::string_view field, std::string_view letters, unsigned int otherwise) {
     const std::size_t place = letters.find(field.empty() ? '\0' : field.front());
     return place != std::string_view::npos ? static_cast<unsigned int>(place) : otherwise;
 }
 
 /**
- * Takes the sentence out of a chunk that is nothing but one and has only characters from "," on between its "$" and its
- * "*": eight at a time are summed and their commas noted.
+ * Takes a sentence that fills its chunk and has no character below "," between "$" and "*": sums eight characters at a
+ * time and notes their commas.
  */
 bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence) {
     constexpr unsigned int kEnding = 5;  // "*", the checksum, CR and LF
     constexpr unsigned int kStep = 8;
-    if (length < 1 + kStep + kEnding || length > GpsParseNmeaManager::SENTENCE_SIZE || data[0] != '$') return false;
+    if (length < 1 + kStep + kEnding || length > GpsParseNmeaManager::kSentenceSize || data[0] != '$') return false;
     const unsigned int star = length - kEnding;
     if (data[star] != '*' || data[length - 2] != '\r' || data[length - 1] != '\n') return false;
 
@@ -50,7 +50,7 @@ bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence
     for (; start + kStep < size; start += kStep) {
         take(start, wordAt<std::uint64_t>(body + start), everywhere<std::uint64_t>(0x80));
     }
-    const unsigned int taken = 8 * (start + kStep - size);  // bits of the last word that were taken before
+    const unsigned int taken = 8 * (start + kStep - size);  // bits of the last word that have been taken
     take(start, wordAt<std::uint64_t>(body + size - kStep) >> taken, everywhere<std::uint64_t>(0x80) >> taken);
     sum ^= sum >> 32;
     sum ^= sum >> 16;
@@ -70,7 +70,7 @@ bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence
 }  // namespace
 
 void Sentence::assign(std::string_view from) {
-    length = from.copy(text, LONGEST);
+    length = from.copy(text, kMaxLength);
     text[length] = '\0';
     for (std::size_t i = 0; i != length; ++i) {
         if (text[i] == ',' || text[i] == '*') separators[i / 64] |= std::uint64_t{1} << i % 64;
@@ -93,7 +93,7 @@ bool isCheckSumRight(std::string_view sentence) {
 
 bool takeSentence(const char* data, unsigned int length, Sentence& sentence) {
     if (takePlainSentence(data, length, sentence)) return true;
-    std::string_view line(data, std::min(length, GpsParseNmeaManager::SENTENCE_SIZE));
+    std::string_view line(data, std::min(length, GpsParseNmeaManager::kSentenceSize));
     const std::size_t stop = line.find_first_of(std::string_view("\n\0", 2));
     if (stop == std::string_view::npos) return false;
     line = line.substr(0, stop);
@@ -118,7 +118,7 @@ SatelliteType satelliteType(const char* text) {
     return static_cast<SatelliteType>(letterCode({text + 2, 1}, "?PLAN", SATELLITE_TYPE_UNKNOWN));
 }
 
-bool noField(const char* cursor) {
+bool logMissingSeparator(const char* cursor) {
     constexpr char kFunction[] = "getNextToken";
     if (*cursor == '\0') return nmeaLog.failure(kFunction, "GpsParseNmeaManager::getNextToken() lpData = '");
     if (std::memchr(cursor, '\0', GpsParseNmeaManager::TOKEN_SIZE) != nullptr) return false;
@@ -203,7 +203,7 @@ const char* GpsParseNmeaManager::getNextToken(const char* cursor, char* token) {
     const std::size_t end = std::min(text.find_first_of(",*"), text.size());
     if (end < TOKEN_SIZE) token[text.copy(token, end)] = '\0';
     if (end < text.size()) return cursor + end + 1;
-    sentence_text::noField(cursor);
+    sentence_text::logMissingSeparator(cursor);
     return nullptr;
 }
 
@@ -243,7 +243,7 @@ bool GpsParseNmeaManager::divideTime(const char* field, unsigned short* hour, un
     };
     take(hour, 2, 2);
     take(minute, 2, 2);
-    take(second, 2, 3);  // stepping over the point
+    take(second, 2, 3);  // skips the point
     take(milliSecond, 3, 3);
     return true;
 }

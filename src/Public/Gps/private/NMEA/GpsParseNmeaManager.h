@@ -13,14 +13,14 @@ struct Sentence;
 
 /**
  * Parses NMEA sentences into records, collects the records of an epoch, converts positions from the Tokyo datum to
- * WGS84 and rebuilds sentences from records.
+ * WGS84 and regenerates sentences from records.
  *
  * `parseNmeaSentence` and the parsers it uses change this object's state and must not run concurrently; they call the
  * listeners they are given on the caller's thread. The other operations use no state and may run on any thread. Nothing
  * allocates, throws, depends on the host's locale or reads past the lengths given.
  *
  * One source file each: lexing, sentences with a position, satellites, course and time, the dispatcher, datum
- * conversion, regeneration, rewriting.
+ * conversion, regeneration (record to sentence), rewriting (sentence to converted sentence).
  */
 class GpsParseNmeaManager {
 public:
@@ -31,8 +31,8 @@ public:
 
     /** Bytes of a field token: 19 characters and a NUL. */
     static constexpr unsigned int TOKEN_SIZE = 20;
-    /** Bytes of a sentence copy: 127 characters and a NUL. */
-    static constexpr unsigned int SENTENCE_SIZE = 128;
+    /** Most bytes of a sentence that is parsed. */
+    static constexpr unsigned int kSentenceSize = 128;
     /** Bytes of a buffer for a regenerated sentence, of which 255 are used at most. */
     static constexpr unsigned int REGENERATED_SIZE = 256;
 
@@ -49,7 +49,7 @@ public:
     bool parseNmeaSentence(const char* data, unsigned int length, const Recipients& recipients);
     bool parseNmeaSentence(const char* data, unsigned int length, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
                            unsigned int count, GeodeticSystem base, bool settingFinished);
-    /** Forgets the records of the current epoch. */
+    /** Clears the records of the current epoch. */
     void clearData();
 
     // Sentence parsers. `sentence` is NUL-terminated and begins with "$". The record is filled field by field; on
@@ -72,7 +72,7 @@ public:
     bool receiveParsePubxSentence(const char* sentence, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,
                                   unsigned int count, PUBX* record, GeodeticSystem base, bool settingFinished);
 
-    // The same for a sentence that is taken from its chunk; null is refused as a null text is.
+    // The same for a sentence taken from its chunk; null is refused.
 
     bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPGGA& record);
     bool parse(const sentence_text::Sentence* sentence, const Recipients& recipients, GPGLL& record);
@@ -88,15 +88,15 @@ public:
 
     // Lexing.
 
-    /** Whether the XOR of the characters between "$" and "*" is the value of the two digits. At least one character
-     * must follow the digits within `length`. */
+    /** Whether the two digits are the XOR of the characters between "$" and "*". At least one character must follow
+     * the digits within `length`. */
     bool confirmCheckSum(const char* sentence, unsigned int length);
     /** Reads the field at the cursor into a token of TOKEN_SIZE bytes. Null when no separator ends the field. */
     const char* getNextToken(const char* cursor, char* token);
     bool parseCoordinate(const char* field, Identifier identifier, double* value, int* degrees, double* minutes);
     /** Splits ddmmyy. */
     bool divideDate(const char* field, unsigned short* year, unsigned short* month, unsigned short* day);
-    /** Splits hhmmss.sss; outputs that are null are left out and take no characters. */
+    /** Splits hhmmss.sss; null outputs are skipped and take no characters. */
     bool divideTime(const char* field, unsigned short* hour, unsigned short* minute, unsigned short* second,
                     unsigned short* milliSecond);
     SatelliteType getSatelliteType(const char* sentence);
@@ -115,8 +115,8 @@ public:
     /** Converts the positions of three records in place; those converted before a failure stay converted. */
     bool convertTokyoToWgs84ForAllData(GPGGA* gga, GPGLL* gll, GPRMC* rmc);
 
-    // Regeneration. Writes a sentence of at most 255 characters, CR LF included and no NUL, with the given position in
-    // place of the record's. On failure `out` and `outSize` are untouched.
+    // Regeneration. Writes a sentence of at most 255 characters, CR LF included and no NUL, with the given position
+    // instead of the record's. On failure `out` and `outSize` are untouched.
 
     bool regeneratedGga(GPGGA* gga, double latitude, double longitude, char* out, unsigned int* outSize);
     bool regeneratedGll(GPGLL* gll, double latitude, double longitude, char* out, unsigned int* outSize);
@@ -146,7 +146,7 @@ public:
 private:
     void parseKind(const sentence_text::Sentence& sentence, const Recipients& recipients);
     bool deliverEpoch(const Recipients& recipients);
-    /** The bytes of a record of satellites in view that may not be zero. */
+    /** Bytes of the GSV record, from its start, that may not be zero. */
     std::size_t touchedSize() const { return offsetof(GPGSV, Sat) + touchedSatellites * sizeof(GPGSV_SATELLITE); }
     bool readSatellites(sentence_text::Fields fields, GPGSV& record);
 
@@ -172,7 +172,7 @@ private:
     unsigned int usedSatCount = 0;
     unsigned int gsvSatCount = 0;
     unsigned int gsaSentenceCount = 0;
-    unsigned int touchedSatellites = 0;  // entries of the table in view that may not be zero
+    unsigned int touchedSatellites = 0;  // entries of the GSV record that may not be zero
     bool isClear = true;                 // whether clearData() has nothing to do
 };
 

@@ -63,7 +63,7 @@ constexpr Field<GPRMC> kRmcFields[] = {
 };
 #undef RMC
 
-// The texts name the operation without its "receive".
+// The log texts name the operation without its "receive".
 #define PUBX_ "GpsParseNmeaManager::parsePubxSentence() "
 constexpr Frame kPubx = {"receiveParsePubxSentence", PUBX_ "Argument Error", PUBX_ "$PUBX Error"};
 constexpr Field<PUBX> kPubxFields[] = {
@@ -90,8 +90,8 @@ constexpr const char* kPubxDeadReckoningMissing = PUBX_ "DR_MODE Error";
 #undef PUBX_
 
 /**
- * DR_MODE is the second field after the satellites, after a reserved one. A sentence that ends with the first field
- * means that one.
+ * DR_MODE is the second field after the satellites; the first is reserved. In a sentence that ends with the first, that
+ * one is DR_MODE.
  */
 bool readDeadReckoning(Fields& fields, PUBX& record) {
     Token field;

@@ -15,7 +15,7 @@ const char* statusText(unsigned int status) {
     return status == 1 ? "A" : "V";
 }
 
-/** An estimated position has no letter of its own. */
+/** An estimated position gets "N" too. */
 const char* modeText(unsigned int mode) {
     return mode == 1 ? "A" : mode == 2 ? "D" : "N";
 }
@@ -31,14 +31,14 @@ void writePosition(SentenceWriter& out, double latitude, double longitude) {
     out.text(",").fixed(std::fabs(longitude), 10, 5).text(longitude < 0 ? ",W" : ",E");
 }
 
-/** "%02d%02d%02d.%0*d", the fraction with as many digits as the sentence wants. */
+/** "%02d%02d%02d.%0*d", the fraction with as many digits as the sentence has. */
 template <class Record>
 void writeTime(SentenceWriter& out, const Record& record, unsigned int fractionDigits) {
     out.integer(record.Hour, 2).integer(record.Minute, 2).integer(record.Second, 2);
     out.text(".").integer(record.MilliSecond, fractionDigits);
 }
 
-/** Composes a sentence; `writeBody` writes what stands between the talker, if the record names one, and the "*". */
+/** Composes a sentence; `writeBody` writes the text between the talker, if the record has one, and the "*". */
 template <class Record, class WriteBody>
 bool regenerate(GpsParseNmeaManager& manager, const char* function, const char* argumentError, const char* sizeError,
                 const Record* record, char* out, unsigned int* outSize, WriteBody writeBody) {
@@ -85,7 +85,7 @@ bool GpsParseNmeaManager::regeneratedRmc(GPRMC* rmc, double latitude, double lon
         writePosition(sentence.text(","), latitude, longitude);
         sentence.text(",").fixed(rmc->Speed, 5, 1).text(",").fixed(rmc->Dir, 5, 1).text(",");
         sentence.integer(rmc->Day, 2).integer(rmc->Month, 2).integer(rmc->Year, 2);
-        // The variation is signed, and "W" whatever its sign.
+        // The variation is signed, and always followed by "W".
         sentence.text(",").fixed(rmc->MagDec, 4, 1).text(",W,").text(modeText(rmc->Mode));
     });
 }

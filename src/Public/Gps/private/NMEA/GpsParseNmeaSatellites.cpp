@@ -30,15 +30,15 @@ constexpr Field<GPGSA> kGsaDilution[] = {
 #define GSV "GpsParseNmeaManager::parseGsvSentence() "
 constexpr Frame kGsv = {"parseGsvSentence", GSV "Argument Error\n", GSV "$GPGSV Error\n"};
 constexpr Field<GPGSV> kGsvCycle[] = {
-    {natural<&GPGSV::MessageTotal>, GSV "Message Error\n"},
-    {natural<&GPGSV::MessageNum>, GSV "Message Num Error\n"},
-    {natural<&GPGSV::SatView>, GSV "SatView Error\n"},
+    {unsignedInteger<&GPGSV::MessageTotal>, GSV "Message Error\n"},
+    {unsignedInteger<&GPGSV::MessageNum>, GSV "Message Num Error\n"},
+    {unsignedInteger<&GPGSV::SatView>, GSV "SatView Error\n"},
 };
 constexpr Field<GPGSV_SATELLITE> kGsvSatellite[] = {
-    {natural<&GPGSV_SATELLITE::SatID>, GSV "SatID Error\n"},
-    {natural<&GPGSV_SATELLITE::Elevation>, GSV "Elevation Error\n"},
-    {natural<&GPGSV_SATELLITE::Azimuth>, GSV "Azimuth Error\n"},
-    {natural<&GPGSV_SATELLITE::SNR>, GSV "SNR Error\n"},
+    {unsignedInteger<&GPGSV_SATELLITE::SatID>, GSV "SatID Error\n"},
+    {unsignedInteger<&GPGSV_SATELLITE::Elevation>, GSV "Elevation Error\n"},
+    {unsignedInteger<&GPGSV_SATELLITE::Azimuth>, GSV "Azimuth Error\n"},
+    {unsignedInteger<&GPGSV_SATELLITE::SNR>, GSV "SNR Error\n"},
 };
 constexpr const char* kGsvTooMany = GSV " over GPS_MAX_SATELLITE_RECEIVE_NUM\n";
 constexpr const char* kGsvIndexOver = GSV "Index Over!\n";
@@ -66,7 +66,7 @@ bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& reci
     Fields fields;
     if (!beginForListeners(kGsv, sentence, recipients, fields, record)) return false;
     if (!readAll<kGsvCycle>(kGsv.function, fields, record)) return false;
-    if (record.MessageNum == 1) gsvSatCount = 0;  // a cycle that lost its last message does not spoil the next
+    if (record.MessageNum == 1) gsvSatCount = 0;  // the cycle before may have lost its last message
     if (record.SatView > GPS_MAX_SATELLITE_RECEIVE_NUM) {
         gsvSatCount = 0;
         return nmeaLog.failure(kGsv.function, kGsvTooMany);
@@ -78,7 +78,7 @@ bool GpsParseNmeaManager::parse(const Sentence* sentence, const Recipients& reci
     return true;
 }
 
-/** Reads the satellites of one GSV message into their places in the table. */
+/** Reads the satellites of one GSV message into their entries of the record. */
 bool GpsParseNmeaManager::readSatellites(Fields fields, GPGSV& record) {
     const bool isLastMessage = record.MessageNum == record.MessageTotal;
     for (unsigned int block = 1; block <= kSatellitesPerMessage && record.SatView > gsvSatCount; ++block) {

@@ -10,13 +10,12 @@
 #include <utility>
 
 /**
- * Numbers as the C locale reads and writes them, whatever locale the host has set: what strtol, strtoul, strtod and
- * printf would make of them there, bit for bit as long as the host rounds to nearest. Plain numbers take a fast path,
- * everything else the C library's.
+ * Reads and writes numbers as strtol, strtoul, strtod and printf do in the C locale, independent of the host's locale
+ * and bit for bit as long as the host rounds to nearest. Plain numbers take a fast path, others the C library's.
  */
 namespace number_text {
 
-// The C library's conversions, for whatever is not a plain number of at most 127 characters.
+// The C library's conversions, for texts of at most 127 characters that are not plain numbers.
 
 long toIntegerSlowly(std::string_view text);
 unsigned long toUnsignedSlowly(std::string_view text);
@@ -89,7 +88,7 @@ public:
     const char* data() const { return mText; }
     std::size_t size() const { return mSize; }
     std::string_view text() const { return {mText, mSize}; }
-    /** A stretch of the text; what is past its end is empty. */
+    /** A part of the text; empty past its end. */
     Token part(std::size_t start, std::size_t length) const {
         start = std::min(start, mSize);
         return {mText + start, std::min(length, mSize - start)};
@@ -105,7 +104,7 @@ public:
         return static_cast<int>((pairs & 0xFF) * 100 + (pairs >> 16 & 0xFF));
     }
 
-    // As the C library reads the text; leading blanks, signs and whatever follows the number included.
+    // As the C library reads the text: leading blanks and a sign are accepted, text after the number is ignored.
 
     long toInteger() const {
         const int value = fewDigits();

@@ -4,7 +4,7 @@
 #include "Gps/private/Listeners/ListenerRegistry.h"
 #include "Gps/private/Support/GpsReceiveRules.h"
 
-/** The listeners that get parsed records, in an array or a registry, and what decides on the datum. */
+/** The listeners that get parsed records, in an array or a registry, and the state that decides on the datum. */
 class Recipients {
 public:
     using Entry = GPS_PARSE_NMEA_LISTENER_LIST;
@@ -15,7 +15,7 @@ public:
     Recipients(ListenerRegistry<Entry>& registry, GeodeticSystem base, bool settingFinished)
         : mpRegistry(&registry), mCount(registry.count()), mBase(base), mIsFinished(settingFinished) {}
 
-    /** Whether there were none at first. */
+    /** Whether there were none at construction. */
     bool isEmpty() const { return mCount == 0; }
 
     DatumDelivery deliveryTo(const Entry& entry) const {
@@ -24,7 +24,7 @@ public:
         return mIsFinished ? DatumDelivery::AsReceived : DatumDelivery::Impossible;
     }
 
-    /** Calls `deliver(entry)` with one entry after another until it answers false. Returns the last answer, or true. */
+    /** Calls `deliver(entry)` with one entry after another until it returns false. Returns the last result, or true. */
     template <class Deliver>
     bool forEach(Deliver deliver) const {
         bool isComplete = true;
@@ -68,7 +68,7 @@ bool deliver(const Recipients& recipients, Record& record, void (GpsParseNmeaLis
     });
 }
 
-/** The same for a record without a position, which is alike in every datum. */
+/** The same for a record without a position, which is the same in every datum. */
 template <class Record>
 bool deliver(const Recipients& recipients, Record& record, void (GpsParseNmeaListener::*notify)(const Record*)) {
     return deliver(recipients, record, notify, [](Record&) { return true; });

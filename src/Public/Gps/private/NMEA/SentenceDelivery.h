@@ -15,8 +15,8 @@ public:
         : mManager(manager), mBase(base), mSentence(sentence) {}
 
     /**
-     * Delivers to one listener; one that cannot be served is left out.
-     * @param isSettingFinished asked only for a listener for which it decides
+     * Delivers to one listener; skips one that cannot be served.
+     * @param isSettingFinished called only when the datum rule depends on it
      */
     template <class IsSettingFinished>
     void deliver(const GPS_NMEA_LISTENER_LIST& to, IsSettingFinished isSettingFinished) {

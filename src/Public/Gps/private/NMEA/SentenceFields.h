@@ -11,7 +11,7 @@
 #include "Gps/private/NMEA/RecordDelivery.h"
 #include "Gps/private/NMEA/SentenceText.h"
 
-/** Field lists of sentences as data: each row says where a field goes and what is logged when the field is missing. */
+/** Field lists of sentences as data: where each field is stored, and what is logged when it is missing. */
 namespace sentence_fields {
 
 using number_text::Token;
@@ -26,7 +26,7 @@ struct Field {
     const char* unreadable = "";  // logged when the field's text cannot be split; only fields of several parts
 };
 
-// What a row may do with its field. All numbers are narrowed to the record's field as a cast does.
+// Operations of rows. Numbers are narrowed to the record's field as by a cast.
 
 template <class Record>
 bool skip(const Token&, Record&) {
@@ -41,7 +41,7 @@ bool integer(const Token& field, Record& record) {
 }
 
 template <auto member, class Record>
-bool natural(const Token& field, Record& record) {
+bool unsignedInteger(const Token& field, Record& record) {
     using Value = std::remove_reference_t<decltype(record.*member)>;
     record.*member = static_cast<Value>(field.toUnsigned());
     return true;
@@ -82,7 +82,7 @@ bool longitude(const Token& field, Record& record) {
     return sentence_text::splitCoordinate(field, 3, record.Lon, record.LonDeg, record.LonMin);
 }
 
-/** A field that begins with `letter` makes earlier fields negative. */
+/** A field that begins with `letter` negates earlier fields. */
 template <char letter, auto... members, class Record>
 bool negates(const Token& field, Record& record) {
     if (field.text().starts_with(letter)) ((record.*members = -(record.*members)), ...);
@@ -100,7 +100,7 @@ template <class Record>
     return true;
 }
 
-/** Reads a list of fields in order; what was read before a missing one stays in the record. */
+/** Reads a list of fields in order; fields before a missing one stay in the record. */
 template <const auto& rows, class Record>
 bool readAll(const char* function, Fields& fields, Record& record) {
     return [&]<std::size_t... index>(std::index_sequence<index...>) {
@@ -116,7 +116,7 @@ struct Frame {
     const char* addressError;
 };
 
-/** Begins to read a sentence into a record: its address. False, with a message logged, when there is none. */
+/** Reads a sentence's address and talker. False, with a message logged, without a sentence or an address. */
 template <class Record>
 bool begin(const Frame& frame, const Sentence* sentence, Fields& fields, Record& record) {
     if (sentence == nullptr) return sentence_text::nmeaLog.failure(frame.function, frame.argumentError);
@@ -127,7 +127,7 @@ bool begin(const Frame& frame, const Sentence* sentence, Fields& fields, Record&
     return true;
 }
 
-/** The same for a record that is read for listeners only. */
+/** The same, but also false without recipients. */
 template <class Record>
 bool beginForListeners(const Frame& frame, const Sentence* sentence, const Recipients& recipients, Fields& fields,
                        Record& record) {

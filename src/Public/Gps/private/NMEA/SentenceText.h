@@ -22,7 +22,7 @@ constexpr unsigned int tag(const char* letters) {
     return static_cast<unsigned int>(letters[0] << 16 | letters[1] << 8 | letters[2]);
 }
 
-/** Any value that has no name is as `Other`. */
+/** Values without a name count as `Other`. */
 enum class Kind : unsigned int {
     Other,
     PUBX,
@@ -37,8 +37,8 @@ enum class Kind : unsigned int {
 
 /** A sentence's text, and where its fields end. */
 struct Sentence {
-    /** No parser reads further: an address and 20 fields, each of at most 19 characters and a separator. */
-    static constexpr std::size_t LONGEST = 447;
+    /** Most characters that parsers read: an address and 20 fields of at most 19, with separators. */
+    static constexpr std::size_t kMaxLength = 447;
 
     Sentence() = default;
     /** Copies what parsers read of a terminated text; nothing of a null one. */
@@ -47,33 +47,33 @@ struct Sentence {
     /** The whole text as one field. */
     Token whole() const { return {text, length}; }
 
-    char text[LONGEST + 1 + Token::READ_AHEAD];  ///< terminated
+    char text[kMaxLength + 1 + Token::READ_AHEAD];  ///< terminated
     std::size_t length;
-    /** Bit i, counted through all: text[i] is "," or "*". The last word ends all searches. */
-    std::uint64_t separators[LONGEST / 64 + 2] = {0, 0, 0, 0, 0, 0, 0, ~std::uint64_t{0}};
+    /** Bit i of the whole array is set when text[i] is "," or "*". The last word ends all searches. */
+    std::uint64_t separators[kMaxLength / 64 + 2] = {0, 0, 0, 0, 0, 0, 0, ~std::uint64_t{0}};
 };
 
 /**
- * Takes the sentence out of the first line of a chunk: from its last "$" to its line feed or NUL, which must stand
- * within the first 128 bytes.
+ * Takes the sentence from the first line of a chunk: from its last "$" to its line feed or NUL, which must be within
+ * the first 128 bytes.
  * @return false when there is no such sentence or its checksum is wrong
  */
 bool takeSentence(const char* data, unsigned int length, Sentence& sentence);
 
-/** The checksum of NMEA sentences: all characters, exclusively or-ed. */
+/** The checksum of NMEA sentences: the XOR of all characters. */
 unsigned char checkSumOf(std::string_view text);
 
 /** Whether the checksum after "*" is right, with at least one character after it. */
 bool isCheckSumRight(std::string_view sentence);
 
-/** By the three characters after the talker, whatever the talker; else by "$PUBX". */
+/** By the three characters after any two-letter talker, else by "$PUBX". */
 Kind kindOf(const Sentence& sentence);
 
 /** By the two characters after the "$"; logs when the text does not begin with "$G". */
 SatelliteType satelliteType(const char* text);
 
-/** Logs why no separator ends the field at the cursor within 19 characters. False. */
-bool noField(const char* cursor);
+/** Logs why the field at the cursor has no separator within 19 characters. False. */
+bool logMissingSeparator(const char* cursor);
 
 /** Reads a sentence field by field, the address first; "," and "*" end fields. */
 class Fields {
@@ -92,7 +92,7 @@ public:
         const char* const end = mBlock + static_cast<unsigned int>(std::countr_zero(mEnds));
         const auto size = static_cast<std::size_t>(end - mCursor);
         if (size >= GpsParseNmeaManager::TOKEN_SIZE) [[unlikely]]
-            return noField(mCursor);
+            return logMissingSeparator(mCursor);
         field = Token(mCursor, size);
         mEnds &= mEnds - 1;
         mCursor = end + 1;
@@ -109,7 +109,7 @@ private:
     std::uint64_t mEnds = 0;  // those not yet read of the 64 characters at mBlock
 };
 
-// Fields of several parts. Any text can be split: a part that is not there gives 0.
+// Fields of several parts. Any text can be split: a missing part gives 0.
 
 /** Splits ddmm.mmmm or dddmm.mmmm, by the number of degree digits. The minutes are seven characters at most. */
 bool splitCoordinate(const Token& field, std::size_t degreeDigits, double& value, int& degrees, double& minutes);
@@ -121,7 +121,7 @@ void splitPairs(const Token& field, unsigned short& first, unsigned short& secon
 unsigned int statusCode(std::string_view field);
 unsigned int modeCode(std::string_view field);
 unsigned int operationModeCode(std::string_view field);
-/** By their codes; any other status is as the first. */
+/** Indexed by code; an unknown status counts as the first. */
 inline constexpr std::string_view kNavigationStatuses[] = {"NF", "DR", "G2", "G3", "D2", "D3", "RK", "TT"};
 unsigned int navigationStatusCode(std::string_view field);
 

@@ -6,7 +6,7 @@
 #include "Gps/private/NMEA/SentenceText.h"
 
 SentenceWriter& SentenceWriter::text(std::string_view text) {
-    if (text.size() > LONGEST_SENTENCE - mSize) {
+    if (text.size() > kMaxLength - mSize) {
         mFits = false;
         return *this;
     }

@@ -3,10 +3,10 @@
 
 #include <string_view>
 
-/** Composes a sentence of at most 255 characters. What does not fit is dropped, and fits() is false from then on. */
+/** Composes a sentence of at most 255 characters. What does not fit is dropped, and fits() is false after that. */
 class SentenceWriter {
 public:
-    static constexpr unsigned int LONGEST_SENTENCE = 255;
+    static constexpr unsigned int kMaxLength = 255;
 
     SentenceWriter& text(std::string_view text);
     /** As "%0*d". */
@@ -22,7 +22,7 @@ public:
     unsigned int size() const { return mSize; }
 
 private:
-    char mText[LONGEST_SENTENCE + 1];
+    char mText[kMaxLength + 1];
     unsigned int mSize = 0;
     bool mFits = true;
 };

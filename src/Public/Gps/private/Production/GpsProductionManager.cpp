@@ -11,7 +11,7 @@ namespace {
 
 constexpr GpsLog log("src/Public/Gps/private/Production/GpsProductionManager");
 
-// Announces 20 bytes of payload, of which 14 follow, and has no checksum: the receiver takes it in this form.
+// Announces 20 bytes of payload but has 14, and no checksum: the receiver accepts it in this form.
 constexpr unsigned char kSwitchMode[] = {0xB5, 0x62, 0x06, 0x45, 0x14, 0x00, 0x00, 0x00, 0x00, 0x00,
                                          0x00, 0x01, 0x00, 0x00, 0x01, 0x00, 0x1E, 0x00, 0xE8, 0x03};
 constexpr unsigned char kStartCheck[] = {0xB5, 0x62, 0x06, 0x59, 0x10, 0x00, 0x00, 0x01, 0xFF, 0x1E, 0xE8, 0x03,
@@ -19,7 +19,7 @@ constexpr unsigned char kStartCheck[] = {0xB5, 0x62, 0x06, 0x59, 0x10, 0x00, 0x0
 constexpr unsigned char kReset[] = {0xB5, 0x62, 0x06, 0x04, 0x04, 0x00, 0xFF, 0x87, 0x04, 0x00, 0x98, 0xFD};
 constexpr unsigned char kColdStart[] = {0xB5, 0x62, 0x06, 0x04, 0x04, 0x00, 0xFF, 0xFF, 0x02, 0x00, 0x0E, 0x61};
 
-// Factors of MonPt, as decimal constants and not as the powers of two that they approach.
+// MonPt's factors: these decimals exactly, not the powers of two that they approximate.
 constexpr double kPtScale20 = 0.00024414062;
 constexpr double kPtScale34 = 0.00390625;
 constexpr double kPtScale32 = 1.525878e-05;
@@ -51,7 +51,7 @@ unsigned int secondListOf(const UbxFrame& frame) {
     return kMonPt2Lists + kMonPt2FirstEntry * frame.byteAt(2);
 }
 
-/** Payload bytes of a MonPt2 frame with these counts; it has at least the fixed part. */
+/** Payload bytes that the counts in a MonPt2 frame require; the frame has at least the fixed part. */
 unsigned int monPt2Size(const UbxFrame& frame) {
     return secondListOf(frame) + kMonPt2SecondEntry * frame.byteAt(3);
 }
@@ -73,7 +73,7 @@ GPS_PRODUCTION_CHECK_DATA readMonPt2(const UbxFrame& frame) {
     return record;
 }
 
-/** What is logged of a frame that is not the expected test result. */
+/** Log texts for a frame that is not the expected test result. */
 struct RefusalTexts {
     const char* function;
     const char* header;
@@ -108,7 +108,7 @@ GpsProductionManager::~GpsProductionManager() {
     GpsHal::DelInstance();
 }
 
-/** Sends a request. Its acknowledgement is awaited from before its first byte, so that the fastest one is reported. */
+/** Sends a request. Its type is set before the first byte, so that even an immediate acknowledgement is reported. */
 template <std::size_t size>
 bool GpsProductionManager::send(RequestType type, const unsigned char (&message)[size]) {
     const QvSyncGuard guard(gCommandSync);

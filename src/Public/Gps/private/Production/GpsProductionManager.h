@@ -16,7 +16,7 @@ enum RequestType : int {
     REQUEST_TYPE_NONE = 3,
 };
 
-/** Sends the factory check's requests, reports their acknowledgements and turns test results into records. */
+/** Sends the factory check's requests, delivers their acknowledgements and converts test results to records. */
 class GpsProductionManager {
 public:
     GpsProductionManager();
@@ -32,10 +32,9 @@ public:
 
     // Received frames, on the receive thread.
 
-    /** Reports an acknowledgement to one listener, by the request type alone. The type stays until the next request. */
+    /** Notifies one listener of an acknowledgement, by the request type alone, which stays until the next request. */
     bool switchGpsProductionResponse(const char* data, unsigned int length, const GpsProductionListener* listener);
-    /** True when the chunk was handled or is no test result; false for a result that lacks bytes of what it announces,
-     * or announces too few. */
+    /** False for a test result that is incomplete or too short; true for any other chunk. */
     bool parseGpsProductionData(const char* data, const GpsProductionListener* listener, unsigned int length);
     bool parseGpsProductionDataMonPt(const char* data, const GpsProductionListener* listener, unsigned int length);
     bool parseGpsProductionDataMonPt2(const char* data, const GpsProductionListener* listener, unsigned int length);

@@ -13,22 +13,22 @@ namespace {
 constexpr GpsLog log("src/Public/Gps/private/Setting/GpsSettingManager");
 
 constexpr unsigned int kCommandSize = 128;
-constexpr unsigned int kPortSpeedCommand = 0;          // sets the speed of the HAL's end of the link
-constexpr long kSpeedChangeNanoseconds = 100'000'000;  // the receiver, and then the HAL, need this long
+constexpr unsigned int kPortSpeedCommand = 0;          // sets the speed of the HAL's end
+constexpr long kSpeedChangeNanoseconds = 100'000'000;  // for the receiver, then for the HAL
 constexpr unsigned char kPortPoll[] = {0xB5, 0x62, 0x06, 0x00, 0x01, 0x00, 0x00, 0x07, 0x21};
 
 /** Values of kPortSpeedCommand. */
-enum PortSpeed : unsigned int { PORT_SPEED_9600 = 0, PORT_SPEED_38400 = 2, PORT_SPEED_115200 = 4 };
+enum PortSpeed : unsigned int { kSpeed9600 = 0, kSpeed38400 = 2, kSpeed115200 = 4 };
 
-/** The speed that a setting asks for; none for a setting of something else. */
+/** The speed that a setting requests; none for other settings. */
 std::optional<PortSpeed> speedOf(GpsSetting setting) {
     switch (setting) {
         case GPS_SETTING_BAUD_9600:
-            return PORT_SPEED_9600;
+            return kSpeed9600;
         case GPS_SETTING_BAUD_38400:
-            return PORT_SPEED_38400;
+            return kSpeed38400;
         case GPS_SETTING_BAUD_115200:
-            return PORT_SPEED_115200;
+            return kSpeed115200;
         default:
             return std::nullopt;
     }
@@ -74,7 +74,7 @@ bool GpsSettingManager::requestGpsSetting(GpsSetting setting) {
            log.failure(kFunction, "GpsSettingManager::requestGpsSetting() writeLocalMemory Error!\n");
 }
 
-/** Sends a setting's command and, for another speed, takes the HAL to it before any other command is sent. */
+/** Sends a setting's command. A change of speed sets the HAL's speed too before any other command is sent. */
 bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned int length) {
     const QvSyncGuard guard(gCommandSync);
     if (!sendInOrder(setting, command, length)) return false;
@@ -89,15 +89,15 @@ bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned 
 }
 
 /**
- * Queues a setting and sends its command. The entry stands before the first byte is sent, so that the fastest answer
- * finds it; it is removed when the command could not be sent.
+ * Queues a setting and sends its command. The entry is queued first, so that even an immediate answer finds it; it is
+ * removed when the command could not be sent.
  */
 bool GpsSettingManager::sendInOrder(GpsSetting setting, const char* command, unsigned int length) {
     unsigned int index = 0;
     GpsSetting overwritten = setting;
     {
         QvSyncGuard guard(mPendingSync);
-        index = mPendingWriteIndex < PENDING_MAX ? mPendingWriteIndex : 0;
+        index = mPendingWriteIndex < kMaxPending ? mPendingWriteIndex : 0;
         overwritten = mPendingSetting[index];
         mPendingSetting[index] = setting;
         mPendingWriteIndex = index + 1;
@@ -113,7 +113,7 @@ bool GpsSettingManager::sendInOrder(GpsSetting setting, const char* command, uns
     return false;
 }
 
-/** The HAL follows the receiver to another speed; the receiver answers the poll at the new one. */
+/** Sets the HAL to the receiver's new speed, at which the receiver answers the poll. */
 bool GpsSettingManager::changeSpeed(unsigned int value) {
     waitForSpeedChange();
     if (!mpGpsHal->sendCommand(kPortSpeedCommand, value)) return false;
@@ -121,9 +121,9 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
     return mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll));
 }
 
-/** Writes what the setting changes for all processes to the shared record. */
+/** Writes to the shared record what the setting changes for all processes. */
 bool GpsSettingManager::storeSetting(GpsSetting setting) {
-    QvSyncGuard<QvSharedSyncObject> guard(*this);  // throughout, so that no other process's change is lost
+    QvSyncGuard<QvSharedSyncObject> guard(*this);  // for the whole read-change-write
     GPS_SETTING_LOCAL_MEMORY shared = {};
     readLocalMemory(&shared);
     if (setting == GPS_SETTING_DATUM_TOKYO) {
@@ -165,7 +165,7 @@ bool GpsSettingManager::takeResponse(const char* data, unsigned int length, std:
 }
 
 GpsSetting GpsSettingManager::takeOldest() {
-    const unsigned int index = mPendingReadIndex < PENDING_MAX ? mPendingReadIndex : 0;
+    const unsigned int index = mPendingReadIndex < kMaxPending ? mPendingReadIndex : 0;
     mPendingReadIndex = index + 1;
     return mPendingSetting[index];
 }

@@ -29,7 +29,7 @@ struct SettledRequest {
 };
 
 /**
- * Sends settings to the receiver and pairs its acknowledgements, by order alone, with the requests that await one.
+ * Sends settings to the receiver and matches its acknowledgements to the waiting requests, by order alone.
  * Keeps the datum in which the receiver reports and the setting-finished flag for all processes.
  */
 class GpsSettingManager : public QvSharedMemory<GPS_SETTING_LOCAL_MEMORY, 1> {
@@ -38,13 +38,13 @@ public:
     ~GpsSettingManager() override;
 
     /**
-     * Any thread, the receive thread included. Blocks for 200 ms to change the speed, for which the commands of other
-     * threads wait; the answer to the poll at the new speed is not awaited.
+     * Any thread, including the receive thread. A change of speed blocks for 200 ms, and so do the commands of other
+     * threads; it does not wait for the answer to the poll at the new speed.
      */
     bool requestGpsSetting(GpsSetting setting);
 
     /**
-     * Takes a received UBX frame of at least one byte. An acknowledgement settles the oldest awaited request.
+     * Takes a received UBX frame of at least one byte. An acknowledgement settles the oldest waiting request.
      * @param settled set when the frame settles a request
      * @return whether the frame was taken as a response
      */
@@ -52,7 +52,7 @@ public:
     /** The same, and notifies `listener` of the settled request. */
     bool analizeGpsSettingResponse(const char* data, unsigned int length, const GpsSettingListener* listener);
 
-    /** The shared values; this process's copies of them where the segment cannot be read. */
+    /** The shared values; this process's copies when the segment cannot be read. */
     GeodeticSystem getBaseGeodeticSystem();
     bool getSettingFinishFlg();
     /** Both, of one read of the segment. */
@@ -63,12 +63,12 @@ public:
 
     /**
      * Writes the command of a setting to `buffer`.
-     * @return its length (12 to 68), 0 when there is none or `size` is less
+     * @return its length (12 to 68); 0 when there is no command or `size` is too small
      */
     unsigned int setCommandForGpsSetting(GpsSetting setting, char* buffer, unsigned int size);
 
 private:
-    static constexpr unsigned int PENDING_MAX = 24;
+    static constexpr unsigned int kMaxPending = 24;
 
     bool apply(GpsSetting setting, const char* command, unsigned int length);
     bool sendInOrder(GpsSetting setting, const char* command, unsigned int length) QV_REQUIRES(gCommandSync);
@@ -79,7 +79,7 @@ private:
     GpsHal* mpGpsHal;
 
     QvSync mPendingSync;  // guards the ring; held for single steps only
-    GpsSetting mPendingSetting[PENDING_MAX] QV_GUARDED_BY(mPendingSync);
+    GpsSetting mPendingSetting[kMaxPending] QV_GUARDED_BY(mPendingSync);
     unsigned int mPendingWriteIndex QV_GUARDED_BY(mPendingSync);  // where the next request is queued
     unsigned int mPendingReadIndex QV_GUARDED_BY(mPendingSync);   // the oldest request that awaits an answer
     std::atomic<GeodeticSystem> mBaseGeodeticSystem;

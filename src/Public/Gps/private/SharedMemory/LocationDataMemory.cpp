@@ -10,8 +10,8 @@ namespace {
 constexpr GpsLog log("src/Public/Gps/private/SharedMemory/LocationDataMemory");
 
 /**
- * Set while a copy into the segment is unfinished; it is in the filler between the segment's header and its record. A
- * process that is killed inside the copy leaves it set until the next copy.
+ * Set while a copy into the segment is unfinished; in the filler between the segment's header and its record. If a
+ * process is killed inside the copy, it stays set until the next copy.
  */
 std::atomic_ref<unsigned int> unfinishedMark(GPS_LOCATION_DATA_SHARE* record) {
     return std::atomic_ref(*(reinterpret_cast<unsigned int*>(record) - 1));
@@ -42,10 +42,10 @@ bool LocationDataMemory::write(const GPS_LOCATION_DATA_SHARE* in) {
     QvSyncGuard<QvSharedSyncObject> guard(*this);
     const std::atomic_ref mark = unfinishedMark(lpData);
     mark = 1;
-    std::atomic_signal_fence(std::memory_order_seq_cst);  // a process dies in the order of its instructions
+    std::atomic_signal_fence(std::memory_order_seq_cst);  // a kill leaves the stores before it complete
     lpData->Reserved = in->Reserved;
     lpData->Data = in->Data;
-    std::atomic_ref(lpData->UpdateCounter) = in->UpdateCounter;  // in one step, so that the count survives
+    std::atomic_ref(lpData->UpdateCounter) = in->UpdateCounter;  // atomic, so that a kill cannot leave half a count
     mark = 0;
     return true;
 }

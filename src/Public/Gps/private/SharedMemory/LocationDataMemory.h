@@ -12,11 +12,11 @@ public:
 
     /**
      * Copies the whole record.
-     * @return false, with `out` untouched, where the segment is not mapped; false when a process was killed inside the
-     *         last write, and then only `UpdateCounter` is good
+     * @return false, with `out` untouched, when the segment is not mapped; false, with only `UpdateCounter` valid, when
+     *         a process was killed inside the last write
      */
     bool read(GPS_LOCATION_DATA_SHARE* out) const;
-    /** Stores a whole record; false where the segment is not mapped. */
+    /** Stores a whole record; false when the segment is not mapped. */
     bool write(const GPS_LOCATION_DATA_SHARE* in);
 };
 

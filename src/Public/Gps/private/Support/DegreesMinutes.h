@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-/** Truncates toward zero; what does not fit saturates, and what is no number gives 0. */
+/** Truncates toward zero and saturates; NaN gives 0. */
 inline int truncateToInt(double value) {
     using Limits = std::numeric_limits<int>;
     if (value >= static_cast<double>(Limits::max())) return Limits::max();
@@ -12,7 +12,7 @@ inline int truncateToInt(double value) {
     return value == value ? static_cast<int>(value) : 0;
 }
 
-/** Splits ddmm.mmmm into its whole degrees, with the value's sign, and its minutes, without. */
+/** Splits ddmm.mmmm into whole degrees, with the value's sign, and minutes, never negative. */
 inline void splitDegreesMinutes(double value, int& degrees, double& minutes) {
     degrees = truncateToInt(value) / 100;
     minutes = std::fabs(value - 100.0 * degrees);

@@ -23,7 +23,7 @@ void route(const char* data, unsigned int length, Handler& handler) {
     }
 }
 
-/** In which form a listener gets data. */
+/** The form in which a listener gets data. */
 enum class DatumDelivery {
     Impossible,
     AsReceived,
@@ -32,8 +32,8 @@ enum class DatumDelivery {
 };
 
 /**
- * The datum rule: by the datum in which the receiver reports (`base`) and the listener's. There is no conversion to
- * Tokyo, and data of an unknown datum are never delivered.
+ * The datum rule, for the receiver's datum (`base`) and the listener's (`wanted`). There is no conversion to Tokyo, and
+ * data in an unknown datum are never delivered.
  */
 constexpr DatumDelivery datumDelivery(GeodeticSystem base, GeodeticSystem wanted) {
     if (base == GEODETIC_SYSTEM_WGS84 && wanted == GEODETIC_SYSTEM_WGS84) return DatumDelivery::AsReceived;

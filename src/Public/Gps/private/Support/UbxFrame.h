@@ -6,7 +6,7 @@
 
 /** Class and id of the UBX messages that the library receives. */
 enum class UbxMessage : int {
-    None = -1,  ///< no UBX frame, or cut short before the id
+    None = -1,  ///< no UBX frame, or it ends before the id
     AckNak = 0x0500,
     AckAck = 0x0501,
     CfgPrt = 0x0600,
@@ -16,7 +16,7 @@ enum class UbxMessage : int {
 
 /**
  * View of a chunk as a UBX frame: B5 62, class, id, length of the payload (low byte first), payload, checksum. The
- * chunk may be anything, and cut short anywhere; its checksum is not examined.
+ * chunk may hold any bytes and end anywhere; the checksum is not checked.
  */
 class UbxFrame {
 public:
@@ -29,16 +29,16 @@ public:
         return hasSync() && mBytes.size() >= 4 ? static_cast<UbxMessage>(at(2) << 8 | at(3)) : UbxMessage::None;
     }
 
-    /** Bytes of the payload: as many as are announced; 0 when not all of them are present. */
+    /** Announced bytes of payload; 0 when not all of them are present. */
     unsigned int payloadSize() const {
-        if (mBytes.size() < HEADER) return 0;
+        if (mBytes.size() < kHeaderSize) return 0;
         const unsigned int announced = at(4) | static_cast<unsigned int>(at(5)) << 8;
-        return announced <= mBytes.size() - HEADER ? announced : 0;
+        return announced <= mBytes.size() - kHeaderSize ? announced : 0;
     }
 
-    // Values in the payload, at an offset at which all of their bytes lie inside it.
+    // Values at an offset in the payload; all of their bytes must lie inside it.
 
-    std::uint8_t byteAt(unsigned int offset) const { return at(HEADER + offset); }
+    std::uint8_t byteAt(unsigned int offset) const { return at(kHeaderSize + offset); }
     std::uint16_t shortAt(unsigned int offset) const {
         return static_cast<std::uint16_t>(byteAt(offset) | byteAt(offset + 1) << 8);
     }
@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    static constexpr unsigned int HEADER = 6;
+    static constexpr unsigned int kHeaderSize = 6;
 
     std::uint8_t at(unsigned int index) const { return static_cast<std::uint8_t>(mBytes[index]); }
 

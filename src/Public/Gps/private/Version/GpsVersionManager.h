@@ -5,7 +5,7 @@
 
 class GpsHal;
 
-/** Answers version requests with the text for the fitted receiver; asks the receiver nothing. */
+/** Answers version requests with a fixed text, without asking the receiver. */
 class GpsVersionManager {
 public:
     GpsVersionManager();
