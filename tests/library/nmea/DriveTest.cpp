@@ -3,7 +3,6 @@
 #include <locale.h>
 #include <atomic>
 #include <cstddef>
-#include <map>
 #include <memory>
 
 #include "Gps/private/GpsController.h"
@@ -53,23 +52,12 @@ double strtod_l(const char* text, char** end, locale_t locale) noexcept {
 
 namespace {
 
-TEST(Drive, IsDeliveredSentenceBySentenceWithoutASlowConversion) {
-    std::map<std::string, int> sent, delivered;
+TEST(Drive, IsReadWithoutASlowConversion) {
     GpsParseNmeaManager manager;
     Recorder listener;
-    const std::vector<std::string> drive = simulatedDrive(200);
     const unsigned long before = conversions;
-    for (const std::string& text : drive) {
-        const std::string kind = text.starts_with("$PUBX") ? "PUBX" : text.substr(3, 3);
-        const bool isWithinCycle = kind == "GSV" && text[7] != text[9];
-        if (!isWithinCycle) ++sent[kind];
-        if (kind == "RMC") ++sent["EPOCH"];
+    for (const std::string& text : simulatedDrive(200))
         EXPECT_TRUE(feed(manager, text, {{&listener, kWgs84}}));
-    }
-    for (const auto& notification : listener.received)
-        ++delivered[notification.first];
-    EXPECT_EQ(sent.size(), 9U);
-    EXPECT_EQ(delivered, sent);
     EXPECT_EQ(conversions, before);
     EXPECT_TRUE(feed(manager, sentence("GPVTG,1e1,T,,M,0.0,N,0.0,K,A"), {{&listener, kWgs84}}));
     EXPECT_EQ(conversions, before + 1);

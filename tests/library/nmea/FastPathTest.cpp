@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <limits>
 #include <numeric>
 #include <random>
 #include <string>
@@ -91,6 +92,16 @@ TEST(FastPath, OfTheDatumShiftKnowsWhereTheStepsAre) {
         const Position position = {between(3000, 3059), between(13000, 13059), 0, 0, 0, 0};
         compareNearAStep(position, &Position::lat);
         compareNearAStep(position, &Position::lon);
+    }
+}
+
+TEST(FastPath, OfTheDatumShiftTakesAnyValue) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const double value : {std::nan(""), kInfinity, -kInfinity, 1e308, -1e308, 3e11, -3e11, 5e-324}) {
+        for (const Position& p : {byManager(value, 13944.0), byManager(3539.0, value), byManager(value, value)}) {
+            EXPECT_TRUE(std::fabs(p.lat) <= 9001 && std::fabs(p.lon) <= 18001) << value;
+            EXPECT_TRUE(p.latMin >= 0 && p.latMin < 60 && p.lonMin >= 0 && p.lonMin < 60) << value;
+        }
     }
 }
 

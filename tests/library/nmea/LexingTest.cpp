@@ -57,23 +57,4 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
     EXPECT_EQ(std::tuple(text[0], n, d, gga.Lat), std::tuple('\0', 0U, 0.0, 0.0)) << "nothing is written";
 }
 
-TEST(Helpers, SplitAndConvertAsTheParsersDo) {
-    Manager m;
-    unsigned short year = 0, month = 0, day = 0, hour = 0, second = 0;
-    EXPECT_TRUE(m.divideDate("160902", &year, &month, &day) && year == 2 && month == 9 && day == 16);
-    EXPECT_TRUE(m.divideTime("1234.56", &hour, nullptr, &second, nullptr) && hour == 12 && second == 34);
-    EXPECT_TRUE(m.convertStatus("Ax") == 1 && m.convertMode("D2") == 2 && m.convertStatusPubx("G3x") == 3);
-}
-
-TEST(Tokens, LongerThanTheirBufferAreRefused) {
-    for (const std::size_t length : {0U, 19U, 20U, 30U}) {
-        LogCapture log;
-        const std::string digits(length, '7');
-        const std::vector<char> exact(digits.c_str(), digits.c_str() + length + 1);
-        std::vector<char> token(Manager::TOKEN_SIZE, '#');
-        EXPECT_EQ(Manager().getNextToken(exact.data(), token.data()), nullptr) << "nothing ends it";
-        EXPECT_EQ(std::string(token.data()), length < 20 ? digits : "");
-    }
-}
-
 }  // namespace

@@ -14,7 +14,7 @@ constexpr auto kTokyo = GEODETIC_SYSTEM_TOKYO;
 /** Keeps what it is notified of. */
 class Recorder : public AnyListener {
 public:
-    void tell(const std::string& kind, const std::string& record) override { received.emplace_back(kind, record); }
+    void notified(const std::string& kind, const std::string& record) override { received.emplace_back(kind, record); }
 
     /** The kinds in the order of arrival, "RMC VTG EPOCH". */
     std::string kinds() const;

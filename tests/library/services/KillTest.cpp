@@ -19,11 +19,12 @@
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
+#include "GpsHal/GpsHal.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/endurance/Endurance.h"
-#include "tests/library/services/MemoryReceiver.h"
 #include "tests/library/services/SharedState.h"
 #include "tests/support/Processes.h"
+#include "tests/support/SilentLink.h"
 
 // Processes that die at any instruction must neither stop the others nor leave them half a record.
 
@@ -206,7 +207,8 @@ private:
 
 /** Uses the segments alone, and leaves and enters them. */
 void workUntilKilled(Progress& progress) {
-    const MemoryReceiver receiver;
+    GpsHal::setLink(std::make_unique<SilentLink>());
+    GpsHal::GetInstance()->start();
     while (!testing::Test::HasFailure()) {
         Member member(progress);
         member.set();

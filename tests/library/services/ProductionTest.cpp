@@ -1,74 +1,34 @@
-#include <gmock/gmock.h>
-
 #include "Gps/private/Production/GpsProductionManager.h"
 #include "Gps/private/Version/GpsVersionManager.h"
-#include "tests/library/services/MemoryReceiver.h"
+#include "tests/library/controller/ControllerTest.h"
 #include "tests/library/services/SharedState.h"
+#include "tests/support/Messages.h"
 
 namespace {
 
-using namespace std::string_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(ProductionRequest, AwaitsItsAnswerOnceItsBytesAreSent) {
-    using Manager = GpsProductionManager;
-    const std::pair<bool (Manager::*)(), RequestType> cases[] = {
-        {&Manager::requestSwitchGpsProductionMode, REQUEST_TYPE_SWITCH_PRODUCTION_MODE},
-        {&Manager::requestStartGpsProductionCheck, REQUEST_TYPE_START_PRODUCTION_CHECK},
-        {&Manager::requestFinishGpsProductionCheck, REQUEST_TYPE_NONE},
-        {&Manager::requestGpsReset, REQUEST_TYPE_NONE},
-        {&Manager::requestGpsColdStart, REQUEST_TYPE_NONE},
-    };
-    const LogCapture log;
-    for (const auto& [request, awaited] : cases) {
-        for (const bool fails : {false, true}) {
-            MemoryReceiver receiver;
-            receiver.peer().setWriteHook([fails](std::string_view) { return !fails; });
-            Manager manager;
-            EXPECT_EQ(manager.getRequestType(), REQUEST_TYPE_NONE);
-            manager.setRequestType(REQUEST_TYPE_COLD_START);
-            EXPECT_NE((manager.*request)(), fails);
-            EXPECT_EQ(manager.getRequestType(), fails ? REQUEST_TYPE_NONE : awaited);
-        }
-    }
-}
-
-TEST(ProductionRequest, IsAnsweredEvenBeforeSendingHasReturned) {
+TEST(ProductionAnswer, MissingArgumentsAndUnknownTypesChangeNothing) {
     GpsProductionManager manager;
-    Listener listener;
-    MemoryReceiver receiver([&](const char* data, unsigned length) {
-        EXPECT_TRUE(manager.switchGpsProductionResponse(data, length, &listener));
-    });
-    receiver.peer().setWriteHook([&](std::string_view) { return receiver.send(answer(true)); });
-    EXPECT_TRUE(manager.requestSwitchGpsProductionMode());
-    EXPECT_TRUE(manager.requestStartGpsProductionCheck());
-    EXPECT_THAT(listener.told, ElementsAre("mode yes", "check yes"));
-}
-
-TEST(ProductionAnswer, OddArgumentsAndTypesChangeNothing) {
-    GpsProductionManager manager;
-    manager.setRequestType(REQUEST_TYPE_START_PRODUCTION_CHECK);
-    Listener listener;
-    const std::string frame(100, '\0');
+    Listener listener("L");
     const LogCapture log;
-    EXPECT_FALSE(manager.switchGpsProductionResponse(frame.data(), 0, &listener));
-    for (const bool isFrameMissing : {true, false}) {
-        const char* const data = isFrameMissing ? nullptr : frame.data();
-        Listener* const to = isFrameMissing ? &listener : nullptr;
+    manager.setRequestType(REQUEST_TYPE_COLD_START);
+    EXPECT_FALSE(manager.switchGpsProductionResponse(kAck.data(), 0, &listener));
+    for (const char* const data : {static_cast<const char*>(nullptr), kAck.data()}) {
+        Listener* const to = data == nullptr ? &listener : nullptr;
         EXPECT_FALSE(
             manager.switchGpsProductionResponse(data, 4, to) || manager.parseGpsProductionData(data, to, 100) ||
             manager.parseGpsProductionDataMonPt(data, to, 100) || manager.parseGpsProductionDataMonPt2(data, to, 100));
     }
-    EXPECT_THAT(textsOf(log), IsEmpty());
-    EXPECT_EQ(manager.getRequestType(), REQUEST_TYPE_START_PRODUCTION_CHECK);
-
-    manager.setRequestType(REQUEST_TYPE_COLD_START);
-    EXPECT_TRUE(manager.switchGpsProductionResponse(answer(false).data(), 10, &listener));
-    EXPECT_THAT(listener.told, ElementsAre("cold start no"));
+    EXPECT_TRUE(manager.switchGpsProductionResponse(kAck.data(), 10, &listener));
+    EXPECT_THAT(listener.take(), ElementsAre("L:cold start yes"));
     manager.setRequestType(static_cast<RequestType>(77));
-    EXPECT_TRUE(manager.switchGpsProductionResponse(answer(true).data(), 10, &listener));
-    EXPECT_THAT(textsOf(log), ElementsAre("GpsProductionManager::switchGpsProductionResponse() unknown RequestType\n"));
+    EXPECT_TRUE(manager.switchGpsProductionResponse(kAck.data(), 10, &listener));
+    EXPECT_FALSE(GpsVersionManager().requestGpsVersionInfo(nullptr));
+    EXPECT_THAT(textsOf(log.lines()),
+                ElementsAre("GpsProductionManager::switchGpsProductionResponse() unknown RequestType\n",
+                            "GpsVersionManager::requestGpsVersionInfo() Argument Error"));
 }
 
 constexpr unsigned char kMonPt = 0x20;
@@ -99,7 +59,7 @@ TEST(ProductionResult, FrameTooShortForWhatItAnnouncesIsRefused) {
         {kMonPt2, monPt2(0, 0), start + "parseGpsProductionDataMonPt2() = false\n"},
         {kMonPt2, monPt2(255, 255), start + "parseGpsProductionDataMonPt2() = false\n"},
     };
-    Listener listener;
+    Listener listener("L");
     for (const auto& row : cases) {
         const std::string frame = ubxFrame(0x0A, row.id, row.payload);
         const std::size_t end = frame.size() - 2;  // of the payload
@@ -118,22 +78,22 @@ TEST(ProductionResult, FrameTooShortForWhatItAnnouncesIsRefused) {
             EXPECT_FALSE(parse(other, other.size(), listener)) << announced;
             expected.push_back(row.text);
         }
-        EXPECT_THAT(listener.told, IsEmpty());
+        EXPECT_THAT(listener.take(), IsEmpty());
         for (std::size_t length = end; length <= frame.size(); ++length) {
             EXPECT_TRUE(parse(frame, length, listener)) << length;
         }
-        EXPECT_EQ(std::exchange(listener.told, {}).size(), 3u);
-        EXPECT_EQ(textsOf(log), expected);
+        EXPECT_EQ(listener.take().size(), 3u);
+        EXPECT_EQ(textsOf(log.lines()), expected);
     }
 }
 
 TEST(ProductionResult, ParsersRefuseOtherFrames) {
-    Listener listener;
+    Listener listener("L");
     const auto expect = [&](auto parser, const std::string& start, const std::string& text) {
         GpsProductionManager manager;
         const LogCapture log;
         EXPECT_FALSE((manager.*parser)((start + std::string(96, '\0')).data(), &listener, 100));
-        EXPECT_THAT(textsOf(log), ElementsAre(text));
+        EXPECT_THAT(textsOf(log.lines()), ElementsAre(text));
     };
     expect(&GpsProductionManager::parseGpsProductionDataMonPt, "\xB5\x63\x0A\x20",
            "GpsProductionManager:parseGpsProductionDataMonPt() Header Error [b5][63]\n");
@@ -143,19 +103,7 @@ TEST(ProductionResult, ParsersRefuseOtherFrames) {
            "GpsProductionManager::parseGpsProductionDataMonPt2() Header Error [01][62]\n");
     expect(&GpsProductionManager::parseGpsProductionDataMonPt2, "\xB5\x62\xFF\x2B",
            "GpsProductionManager::parseGpsProductionDataMonPt2() ID Error [ff][2b]\n");
-    EXPECT_THAT(listener.told, IsEmpty());
-}
-
-TEST(Version, IsNotifiedAtOnceAndNothingIsSent) {
-    MemoryReceiver receiver;
-    GpsVersionManager manager;
-    Listener listener;
-    const LogCapture log;
-    EXPECT_TRUE(manager.requestGpsVersionInfo(&listener));
-    EXPECT_THAT(listener.told, ElementsAre("version u-blox 7c" + std::string(119, '\0')));
-    EXPECT_FALSE(manager.requestGpsVersionInfo(nullptr));
-    EXPECT_THAT(textsOf(log), ElementsAre("GpsVersionManager::requestGpsVersionInfo() Argument Error"));
-    EXPECT_EQ(receiver.peer().written(), "");
+    EXPECT_THAT(listener.take(), IsEmpty());
 }
 
 }  // namespace

@@ -1,14 +1,10 @@
-#include <gmock/gmock.h>
-
-#include <chrono>
 #include <map>
 #include <thread>
 
-#include "Gps/private/Production/GpsProductionManager.h"
-#include "Gps/private/Setting/GpsSettingManager.h"
 #include "GpsHal/GpsHalFramer.h"
-#include "tests/library/services/MemoryReceiver.h"
+#include "tests/library/controller/ControllerTest.h"
 #include "tests/library/services/SharedState.h"
+#include "tests/support/Messages.h"
 #include "tests/support/Processes.h"
 
 namespace {
@@ -25,34 +21,36 @@ GpsSetting settingOf(int value) {
 Texts answers(std::initializer_list<int> settings, const char* how = "yes") {
     Texts notified;
     for (const int setting : settings) {
-        notified.push_back("setting " + std::to_string(setting) + " " + how);
+        notified.push_back("L:setting " + std::to_string(setting) + " " + how);
     }
     return notified;
 }
 
-class Setting : public testing::Test {
+const std::string kYes(kAck);
+const std::string kNo = ubxFrame(5, 0, "\6\0"s);
+
+class Setting : public ControllerTest {
 protected:
-    bool offer(const std::string& frame) {
-        return manager.analizeGpsSettingResponse(frame.data(), static_cast<unsigned>(frame.size()), &listener);
+    Setting() {
+        mController->registerGpsSettingListener(&mListener);
+        mController->registerGpsProductionListener(&mListener);
     }
-    std::string commandOf(int setting) {
+    static std::string commandOf(int setting) {
         char buffer[128];
-        return {buffer, manager.setCommandForGpsSetting(settingOf(setting), buffer, sizeof(buffer))};
+        return {buffer, GpsSettingManager().setCommandForGpsSetting(settingOf(setting), buffer, sizeof(buffer))};
     }
     void request(std::initializer_list<int> settings) {
         for (const int setting : settings) {
-            ASSERT_TRUE(manager.requestGpsSetting(settingOf(setting))) << setting;
+            ASSERT_TRUE(mController->requestGpsSetting(settingOf(setting))) << setting;
         }
     }
+    /** Sends frames on the receive thread; returns when everything they caused has happened. */
+    bool send(const std::string& frames) {
+        mPeer->send(frames);
+        return mPeer->waitUntilRead(kLongMs);
+    }
 
-    const FreshSegments segments;
-    GpsSettingManager manager;
-    Listener listener;
-    std::function<void()> onFrame;  // called once, on the receive thread
-    MemoryReceiver receiver{[this](const char* data, unsigned length) {
-        manager.analizeGpsSettingResponse(data, length, &listener);
-        if (const auto action = std::exchange(onFrame, {})) action();
-    }};
+    Listener mListener{"L"};
 };
 
 TEST_F(Setting, CommandIsOneChunkAndWrittenOnlyWhereItFits) {
@@ -64,13 +62,13 @@ TEST_F(Setting, CommandIsOneChunkAndWrittenOnlyWhereItFits) {
                             [&](unsigned char* data, unsigned size) { chunk.assign(data, data + size); });
         EXPECT_EQ(chunk, command);
         for (unsigned size = 0; size <= length + 1; ++size) {
-            const LogCapture log;
             std::string buffer(size + 1, 'x');
             const bool fits = size != 0 && size >= length;
-            const unsigned written = manager.setCommandForGpsSetting(settingOf(setting), buffer.data(), size);
+            const unsigned written =
+                GpsSettingManager().setCommandForGpsSetting(settingOf(setting), buffer.data(), size);
             EXPECT_EQ(written, fits ? length : 0) << setting << ": " << size;
             EXPECT_EQ(buffer.substr(written), std::string(buffer.size() - written, 'x'));
-            EXPECT_EQ(textsOf(log),
+            EXPECT_EQ(textsOf(mLog.take()),
                       fits ? Texts() : Texts{"GpsSettingManager::setCommandForGpsSetting() Argument Error\n"});
         }
     }
@@ -86,63 +84,63 @@ TEST_F(Setting, FrameThatIsNoAnswerSettlesNothing) {
                                                {"\xB5\x63\x05\x01", false},
                                                {"$", false}};
     for (const auto& [frame, isTaken] : cases) {
-        GpsSettingManager ours;
-        const auto offerIt = [&ours, this](const std::string& bytes) {
+        GpsSettingManager manager;
+        const auto offer = [&](const std::string& bytes) {
             const std::vector<char> exact(bytes.begin(), bytes.end());
-            return ours.analizeGpsSettingResponse(exact.data(), static_cast<unsigned>(exact.size()), &listener);
+            return manager.analizeGpsSettingResponse(exact.data(), static_cast<unsigned>(exact.size()), &mListener);
         };
-        const LogCapture log;
-        EXPECT_FALSE(offerIt(frame)) << "nothing is awaited";
-        EXPECT_TRUE(ours.requestGpsSetting(settingOf(1)) && ours.requestGpsSetting(settingOf(2)));
-        EXPECT_EQ(offerIt(frame), isTaken);
-        EXPECT_THAT(listener.told, IsEmpty());
-        EXPECT_EQ(textsOf(log),
+        EXPECT_FALSE(offer(frame)) << "nothing is awaited";
+        EXPECT_TRUE(manager.requestGpsSetting(settingOf(1)) && manager.requestGpsSetting(settingOf(2)));
+        EXPECT_EQ(offer(frame), isTaken);
+        EXPECT_THAT(mListener.take(), IsEmpty());
+        EXPECT_EQ(textsOf(mLog.take()),
                   isTaken ? Texts() : Texts{"GpsSettingManager::analizeGpsSettingResponse() unknown response\n"});
-        EXPECT_TRUE(offerIt(answer(true)) && offerIt(answer(true)));
-        EXPECT_FALSE(offerIt(answer(true)));
-        EXPECT_EQ(std::exchange(listener.told, {})[0], answers({isTaken ? 1 : 2})[0]);
+        EXPECT_TRUE(offer(kYes) && offer(kYes));
+        EXPECT_FALSE(offer(kYes));
+        EXPECT_EQ(mListener.take()[0], answers({isTaken ? 1 : 2})[0]);
     }
 }
 
 TEST_F(Setting, FailedSendLeavesNoTraceAlsoWhileAnotherRequestIsSent) {
-    const LogCapture log;
     for (const GpsSetting setting : {GPS_SETTING_DATUM_TOKYO, GPS_SETTING_SAVE_CONFIG, GPS_SETTING_BAUD_38400}) {
         std::thread failing;
-        receiver.peer().setWriteHook([&](std::string_view) {
+        mPeer->setWriteHook([&](std::string_view) {
             const bool isFirst = !failing.joinable();
-            if (isFirst) failing = std::thread([&] { EXPECT_FALSE(manager.requestGpsSetting(setting)); });
+            if (isFirst) failing = std::thread([&] { EXPECT_FALSE(mController->requestGpsSetting(setting)); });
             return isFirst;
         });
         request({GPS_SETTING_ZDA_ON});
         failing.join();
-        EXPECT_TRUE(offer(answer(true)));
-        EXPECT_EQ(std::exchange(listener.told, {}), answers({GPS_SETTING_ZDA_ON}));
-        EXPECT_FALSE(offer(answer(true)));
+        send(kYes + kYes);
+        EXPECT_EQ(mListener.take(), answers({GPS_SETTING_ZDA_ON}));
     }
     EXPECT_EQ(contentsOf(kSettingSegment).substr(4), std::string(8, '\0'));
-    EXPECT_EQ(receiver.peer().speed(), 0u);
-    EXPECT_THAT(textsOf(log), IsEmpty());
+    EXPECT_EQ(mPeer->speed(), 0u);
+    EXPECT_THAT(mLog.texts(), IsEmpty());
 }
 
 TEST_F(Setting, FullRingLosesItsOldestEntryToARequestThatIsSentAndToNoOther) {
     for (int setting = 0; setting < 24; ++setting) {
         request({setting});
     }
-    receiver.peer().setWriteHook([](std::string_view) { return false; });
-    EXPECT_FALSE(manager.requestGpsSetting(GPS_SETTING_RATE_5HZ));
-    EXPECT_TRUE(offer(answer(true)));
-    receiver.peer().setWriteHook(nullptr);
+    mPeer->setWriteHook([](std::string_view) { return false; });
+    EXPECT_FALSE(mController->requestGpsSetting(GPS_SETTING_RATE_5HZ));
+    send(kYes);
+    mPeer->setWriteHook(nullptr);
     request({30, 35});
-    EXPECT_TRUE(offer(answer(true)) && offer(answer(true)));
-    EXPECT_EQ(listener.told, answers({0, 35, 2}));
+    send(kYes + kYes);
+    EXPECT_EQ(mListener.take(), answers({0, 35, 2}));
 }
 
-TEST_F(Setting, AnswerFindsItsRequestEvenBeforeSendingHasReturned) {
-    receiver.peer().setWriteHook([&](std::string_view) { return receiver.send(answer(false)); });
+TEST_F(Setting, IsAnsweredEvenBeforeSendingHasReturnedAndSoAreProductionRequests) {
+    mPeer->setWriteHook([&](std::string_view) { return send(kNo); });
     for (int setting = 0; setting < 24; ++setting) {
         request({setting});
-        EXPECT_EQ(std::exchange(listener.told, {}), answers({setting}, "no"));
+        EXPECT_EQ(mListener.take(), answers({setting}, "no"));
     }
+    EXPECT_TRUE(mController->requestSwitchGpsProductionMode());
+    EXPECT_TRUE(mController->requestStartGpsProductionCheck());
+    EXPECT_THAT(mListener.take(), ElementsAre("L:mode no", "L:check no"));
 }
 
 TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent) {
@@ -152,7 +150,7 @@ TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent)
     }
     std::mutex mutex;
     Texts sent;
-    receiver.peer().setWriteHook([&](std::string_view command) {
+    mPeer->setWriteHook([&](std::string_view command) {
         const std::lock_guard guard(mutex);
         sent.push_back(answers({settingOfCommand.at(std::string(command))})[0]);
         return true;
@@ -169,76 +167,67 @@ TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent)
             }
         }
         for (int i = 0; i < 24; ++i) {
-            receiver.send(answer(true));
+            send(kYes);
         }
-        ASSERT_EQ(listener.told, sent);
+        ASSERT_EQ(mListener.take(), std::exchange(sent, {}));
     }
 }
 
 const std::string kPortPoll = "\xB5\x62\6\0\1\0\0\x07\x21"s;
 
 TEST_F(Setting, SpeedChangeExcludesAllOtherCommandsButNoAnswers) {
-    const LogCapture log;
-    GpsProductionManager production;
-    GpsHalMemoryPeer& peer = receiver.peer();
     unsigned speed = 0;
     for (const auto& [setting, newSpeed] : {std::pair(33, 2u), std::pair(34, 4u), std::pair(32, 0u)}) {
         std::vector<std::pair<std::string, unsigned>> writes;
         std::chrono::steady_clock::time_point changed;
         std::vector<std::jthread> others;
-        peer.setWriteHook([&, changing = setting](std::string_view bytes) {
-            writes.emplace_back(bytes, peer.speed());
+        mPeer->setWriteHook([&, changing = setting](std::string_view bytes) {
+            writes.emplace_back(bytes, mPeer->speed());
             if (bytes == kPortPoll) {
                 EXPECT_GE(std::chrono::steady_clock::now() - changed, std::chrono::milliseconds(200));
             }
             if (bytes != commandOf(changing)) return true;
             changed = std::chrono::steady_clock::now();
-            EXPECT_TRUE(receiver.send(answer(true)));
-            EXPECT_EQ(listener.told, answers({changing})) << "before the change is complete";
+            EXPECT_TRUE(send(kYes));
+            EXPECT_EQ(mListener.take(), answers({changing})) << "before the change is complete";
             others.emplace_back([&] { request({GPS_SETTING_ZDA_ON}); });
-            others.emplace_back([&] { EXPECT_TRUE(production.requestStartGpsProductionCheck()); });
-            onFrame = [this] { request({GPS_SETTING_ZDA_OFF}); };
-            peer.send(answer(true));
+            others.emplace_back([&] { EXPECT_TRUE(mController->requestFinishGpsProductionCheck()); });
+            others.emplace_back([&] { request({GPS_SETTING_ZDA_OFF}); });
             return true;
         });
         request({setting});
         others.clear();
-        ASSERT_TRUE(peer.waitUntilRead(kPatienceMs));
         ASSERT_EQ(writes.size(), 5u);
         EXPECT_EQ(writes[0], std::pair(commandOf(setting), speed));
         EXPECT_EQ(writes[1], std::pair(kPortPoll, newSpeed));
         for (std::size_t i = 2; i < writes.size(); ++i) {
             EXPECT_EQ(writes[i].second, newSpeed);
         }
-        receiver.send(answer(true) + answer(true));
-        EXPECT_EQ(std::exchange(listener.told, {}).size(), 3u);
+        send(kYes + kYes);
+        EXPECT_EQ(mListener.take().size(), 2u);
         speed = newSpeed;
     }
-    EXPECT_THAT(textsOf(log), IsEmpty());
+    EXPECT_THAT(mLog.texts(), IsEmpty());
 }
 
 TEST_F(Setting, SpeedChangeThatFailsHalfwayKeepsItsEntry) {
-    const LogCapture log;
-    GpsHalMemoryPeer& peer = receiver.peer();
-    peer.setWriteHook([&](std::string_view bytes) {
-        if (bytes == commandOf(GPS_SETTING_BAUD_38400)) peer.lose();
+    mPeer->setWriteHook([&](std::string_view bytes) {
+        if (bytes == commandOf(GPS_SETTING_BAUD_38400)) mPeer->lose();
         return bytes != kPortPoll;
     });
-    EXPECT_FALSE(manager.requestGpsSetting(GPS_SETTING_BAUD_38400));
-    EXPECT_EQ(peer.written(), commandOf(33)) << "no poll at the old speed";
-    peer.restore();
-    ASSERT_TRUE(peer.waitForOpen(true, kPatienceMs));
-    EXPECT_FALSE(manager.requestGpsSetting(GPS_SETTING_BAUD_115200));
-    EXPECT_EQ(peer.speed(), 4u);
-    receiver.send(answer(true) + answer(false));
-    EXPECT_THAT(listener.told, ElementsAre("setting 33 yes", "setting 34 no"));
-    EXPECT_EQ(log.texts().size(), 2u) << "of the link alone";
+    EXPECT_FALSE(mController->requestGpsSetting(GPS_SETTING_BAUD_38400));
+    EXPECT_EQ(mPeer->written(), commandOf(33)) << "no poll at the old speed";
+    mPeer->restore();
+    ASSERT_TRUE(mPeer->waitForOpen(true, kLongMs));
+    EXPECT_FALSE(mController->requestGpsSetting(GPS_SETTING_BAUD_115200));
+    EXPECT_EQ(mPeer->speed(), 4u);
+    send(kYes + kNo);
+    EXPECT_THAT(mListener.take(), ElementsAre("L:setting 33 yes", "L:setting 34 no"));
+    EXPECT_EQ(mLog.texts().size(), 2u) << "of the link alone";
 }
 
 TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
-    const auto expectEverywhere = [this](GeodeticSystem base, bool isFinished) {
-        EXPECT_EQ(manager.getBaseGeodeticSystem(), base);
-        EXPECT_EQ(manager.getSettingFinishFlg(), isFinished);
+    const auto expectEverywhere = [](GeodeticSystem base, bool isFinished) {
         expectInProcess([&] {
             GpsSettingManager other;
             EXPECT_EQ(other.getBaseGeodeticSystem(), base);
@@ -248,7 +237,7 @@ TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
     expectEverywhere(GEODETIC_SYSTEM_WGS84, false);
     request({GPS_SETTING_DATUM_TOKYO});
     expectEverywhere(GEODETIC_SYSTEM_TOKYO, false);
-    receiver.send(answer(false));
+    send(kNo);
     request({GPS_SETTING_SAVE_CONFIG});
     expectEverywhere(GEODETIC_SYSTEM_TOKYO, true);
     request({0, 6, 13, 25, 31, 35});
@@ -257,22 +246,18 @@ TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
 }
 
 TEST_F(Setting, NullArgumentsAreRefused) {
-    request({1});
-    const std::string frame = answer(true);
-    const LogCapture log;
-    EXPECT_FALSE(manager.analizeGpsSettingResponse(nullptr, 10, &listener));
-    EXPECT_FALSE(manager.analizeGpsSettingResponse(frame.data(), 0, &listener));
-    EXPECT_FALSE(manager.analizeGpsSettingResponse(frame.data(), 10, nullptr));
-    EXPECT_FALSE(manager.readLocalMemory(nullptr));
+    GpsSettingManager manager;
+    EXPECT_FALSE(manager.analizeGpsSettingResponse(nullptr, 10, &mListener) ||
+                 manager.analizeGpsSettingResponse(kYes.data(), 0, &mListener) ||
+                 manager.analizeGpsSettingResponse(kYes.data(), 10, nullptr) || manager.readLocalMemory(nullptr));
     const std::string text = "GpsSettingManager::analizeGpsSettingResponse() Argument Error\n";
-    EXPECT_THAT(textsOf(log), ElementsAre(text, text, text, "GpsSettingManager::readLocalMemory() Argument Error!\n"));
-    EXPECT_TRUE(offer(frame)) << "still awaited";
+    EXPECT_THAT(textsOf(mLog.take()),
+                ElementsAre(text, text, text, "GpsSettingManager::readLocalMemory() Argument Error!\n"));
 }
 
 TEST_F(Setting, UnmappedSegmentLeavesTheCopiesOfTheProcess) {
     FreshSegments::remove();
     createObject(kSettingSegment, "too short");
-    const LogCapture log;
     GpsSettingManager unmapped;
     EXPECT_EQ(unmapped.getBaseGeodeticSystem(), GEODETIC_SYSTEM_WGS84);
     EXPECT_FALSE(unmapped.getSettingFinishFlg());
@@ -280,14 +265,14 @@ TEST_F(Setting, UnmappedSegmentLeavesTheCopiesOfTheProcess) {
     const GPS_SETTING_LOCAL_MEMORY record{};
     EXPECT_FALSE(unmapped.writeLocalMemory(&record));
     const std::string read = "GpsSettingManager::readLocalMemory() lpData = NULL\n";
-    EXPECT_THAT(textsOf(log),
+    EXPECT_THAT(textsOf(mLog.take()),
                 ElementsAre("mmap error\n", read, "GpsSettingManager::getBaseGeodeticSystem() readLocalMemory Error!\n",
                             read, "GpsSettingManager::getSettingFinishFlg() readLocalMemory Error!\n", read,
                             "GpsSettingManager::requestGpsSetting() readLocalMemory Error!\n",
                             "GpsSettingManager::writeLocalMemory() lpData = NULL\n"));
-    EXPECT_EQ(receiver.peer().written(), commandOf(GPS_SETTING_DATUM_TOKYO));
-    EXPECT_TRUE(unmapped.analizeGpsSettingResponse(answer(true).data(), 10, &listener)) << "the request stays queued";
-    EXPECT_EQ(listener.told, answers({5}));
+    EXPECT_EQ(mPeer->written(), commandOf(GPS_SETTING_DATUM_TOKYO));
+    EXPECT_TRUE(unmapped.analizeGpsSettingResponse(kYes.data(), 10, &mListener)) << "the request stays queued";
+    EXPECT_EQ(mListener.take(), answers({5}));
 }
 
 }  // namespace

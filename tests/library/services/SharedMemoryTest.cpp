@@ -89,7 +89,7 @@ TEST_F(SharedMemory, ObjectThatExistsIsFinishedUsedOrRefusedByItsLength) {
         const LogCapture log;
         const bool isTaken = length == 0 || length >= 12;
         EXPECT_EQ(Memory(kTestSegment).getData() != nullptr, isTaken) << length;
-        EXPECT_EQ(textsOf(log), isTaken ? Texts() : Texts{"mmap error\n"}) << length;
+        EXPECT_EQ(textsOf(log.lines()), isTaken ? Texts() : Texts{"mmap error\n"}) << length;
         const std::string contents = length == 0 ? zeros(8) : std::string(length - (isTaken ? 4 : 0), 'x');
         EXPECT_EQ(contentsOf(kTestSegment), isTaken ? "\x08\0\0\0"s + contents : contents);
         const auto mode = std::filesystem::status(objectPath(kTestSegment)).permissions();
@@ -157,7 +157,7 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
         EXPECT_TRUE(areAllFaultsTaken()) << "called as often as it was to fail";
         EXPECT_TRUE(LocationDataMemory().read(&record)) << "the next holder works";
         EXPECT_EQ(descriptors(), before);
-        const Texts texts = textsOf(log);
+        const Texts texts = textsOf(log.lines());
         EXPECT_EQ(std::accumulate(texts.begin(), texts.end(), std::string()),
                   row.texts.empty() ? "" : row.texts + unmapped);
     }

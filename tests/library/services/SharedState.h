@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/AnyListener.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchDirectory.h"
 
@@ -37,9 +36,11 @@ struct FreshSegments {
     }
 };
 
-/** What has been logged. Expects every line to come from the class and the operation that its text begins with. */
-inline Texts textsOf(const LogCapture& log) {
-    for (const LogCapture::Line& line : log.lines()) {
+/** The texts of lines, each of which must come from the class and the operation that its text begins with. */
+inline Texts textsOf(const std::vector<LogCapture::Line>& lines) {
+    Texts texts;
+    for (const LogCapture::Line& line : lines) {
+        texts.push_back(line.text);
         const std::string source = line.file.substr(line.file.rfind('/') + 1);
         if (source == "QvSharedMemory") {
             EXPECT_EQ(line.file + line.function, "QvFramework/SharedMemory/QvSharedMemoryQvSharedMemory");
@@ -50,14 +51,7 @@ inline Texts textsOf(const LogCapture& log) {
         EXPECT_EQ(line.file.substr(0, 23), "src/Public/Gps/private/") << line.text;
         EXPECT_EQ(line.tag, 1) << line.text;
     }
-    return log.texts();
+    return texts;
 }
-
-/** Records every notification, as "antenna 1". */
-class Listener final : public AnyListener {
-public:
-    void tell(const std::string& what, const std::string& text) override { told.push_back(what + " " + text); }
-    Texts told;
-};
 
 #endif
