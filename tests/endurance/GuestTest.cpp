@@ -11,7 +11,6 @@
 #include <string>
 #include <thread>
 
-#include "tests/endurance/Endurance.h"
 #include "tests/support/Processes.h"
 
 // The service as the guest of a process that knows nothing of it, brought along by a client that is loaded.
@@ -39,12 +38,18 @@ Names entriesOf(const char* directory) {
     return names;
 }
 
-std::string lineOf(const std::string& path, const std::string& name) {
-    std::ifstream file(path);
-    std::string line;
-    while (std::getline(file, line) && !line.starts_with(name + ':')) {
+Names threads() {
+    return entriesOf("/proc/self/task");
+}
+
+/** The threads that are there without the guest: a process's first one gets it a signal handler of the C library, and
+ *  may bring one of a sanitizer. */
+Names ownThreads() {
+    std::string first;
+    std::thread([&first] { first = std::to_string(gettid()); }).join();
+    while (threads().contains(first)) {  // which the kernel forgets a moment after it was joined
     }
-    return line;
+    return threads();
 }
 
 /** Mapped parts of libraries and shared objects. */
@@ -54,110 +59,63 @@ std::ptrdiff_t mappedFiles() {
     return std::count_if(Words(maps), Words(), [](const std::string& word) { return word.starts_with('/'); });
 }
 
-/** The threads that are there without the guest: a process's first one gets it a signal handler of the C library, and
- *  may bring one of a sanitizer. */
-Names ownThreads() {
-    std::string first;
-    std::thread([&first] { first = std::to_string(gettid()); }).join();
-    Names threads;
-    do {
-        threads = entriesOf("/proc/self/task");
-    } while (threads.contains(first));  // which the kernel forgets a moment after it was joined
-    return threads;
+/** Whatever can be blocked is, on a thread of the guest. The system's threads keep 32 and 33 to themselves. */
+void expectSignalsBlocked(const std::string& thread) {
+    constexpr unsigned long kAll = 0xFFFFFFFE7FFBFEFF;
+    std::ifstream status("/proc/self/task/" + thread + "/status");
+    std::string word;
+    while (status >> word && word != "SigBlk:") {
+    }
+    status >> word;
+    EXPECT_EQ(std::stoul(word, nullptr, 16) & kAll, kAll) << word;
 }
 
-class Host : public testing::Test {
-protected:
-    void load() {
-        mClient = dlopen(QVGPS_GUEST_CLIENT, RTLD_LAZY | RTLD_LOCAL);
-        ASSERT_NE(mClient, nullptr) << dlerror();
-    }
-    void unload() { EXPECT_EQ(dlclose(mClient), 0); }
-
-    template <class... Arguments>
-    void call(const char* function, Arguments... arguments) {
-        reinterpret_cast<void (*)(Arguments...)>(dlsym(mClient, function))(arguments...);
-    }
-
-    static void expectThreads(const Names& expected) {
-        constexpr std::chrono::seconds kPatience{20};
-        const auto end = std::chrono::steady_clock::now() + kPatience;
-        while (entriesOf("/proc/self/task") != expected && !isOver(end)) {
-            std::this_thread::yield();
-        }
-        EXPECT_EQ(entriesOf("/proc/self/task"), expected);
-    }
-
-    const Names mThreads = ownThreads();
-    void* mClient = nullptr;
-};
-
-TEST_F(Host, getsNoSignalOnTheGuestsThreads) {
-    load();
-    call("beginGuest", true);
-    call("promptGuest");
-    // Whatever can be blocked is. The system's threads keep 32 and 33 to themselves.
-    Names names;
-    for (const std::string& thread : entriesOf("/proc/self/task")) {
-        if (mThreads.contains(thread)) continue;
-        const std::string status = "/proc/self/task/" + thread + "/status";
-        const std::string mask = lineOf(status, "SigBlk");
-        names.insert(lineOf(status, "Name"));
-        constexpr unsigned long kAll = 0xFFFFFFFE7FFBFEFF;
-        EXPECT_EQ(std::stoul(mask.substr(mask.find('\t')), nullptr, 16) & kAll, kAll) << mask;
-    }
-    EXPECT_EQ(names, (Names{"Name:\tGpsController", "Name:\tGpsHalReceive"}));
-    call("endGuest");
-    unload();
-}
-
-TEST_F(Host, hasNothingMoreOfTheServiceAfterAHundredRoundsOfLoadingAndUnloading) {
+TEST(Host, MayLoadUnloadAndForkWithoutATraceOfTheGuest) {
     constexpr int kRounds = 100;
     constexpr int kSettled = 10;  // by then everything that is kept on purpose is there
+    const Names own = ownThreads();
+    const Names ownDescriptors = entriesOf("/proc/self/fd");
     Names descriptors;
     std::ptrdiff_t mapped = 0;
-    for (int round = 0; round < kRounds; ++round) {
-        load();
-        call("beginGuest", round % kSettled == 0);
-        call("promptGuest");
-        call("endGuest");
-        unload();
-        expectThreads(mThreads);
+    for (int round = 0; round <= kRounds; ++round) {
+        void* const client = dlopen(QVGPS_GUEST_CLIENT, RTLD_LAZY | RTLD_LOCAL);
+        ASSERT_NE(client, nullptr) << dlerror();
+        const auto function = [&](const char* name) { return dlsym(client, name); };
+        const bool hasWorker = round % kSettled == 0;
+        reinterpret_cast<void (*)(bool)>(function("beginGuest"))(hasWorker);
+        const auto prompt = reinterpret_cast<void (*)()>(function("promptGuest"));
+        prompt();
+        if (hasWorker) {
+            for (const std::string& thread : threads()) {
+                if (!own.contains(thread)) expectSignalsBlocked(thread);
+            }
+            for (const std::string& descriptor : entriesOf("/proc/self/fd")) {
+                const int flags = fcntl(std::stoi(descriptor), F_GETFD);
+                EXPECT_TRUE(ownDescriptors.contains(descriptor) || flags == -1 || flags == FD_CLOEXEC) << descriptor;
+            }
+            std::atomic<bool> isOver{false};
+            std::thread flood([&] {
+                while (!isOver)
+                    prompt();
+            });
+            for (int i = 0; i < 20; ++i) {
+                EXPECT_EQ(exitCodeOf(startProcess([] { std::exit(0); })), 0) << "its exit handlers harm no parent";
+                EXPECT_EQ(exitCodeOf(startProcess([] { execl("/bin/true", "true", nullptr); })), 0);
+            }
+            isOver = true;
+            flood.join();  // it is still answered
+        }
+        reinterpret_cast<void (*)()>(function("endGuest"))();
+        EXPECT_EQ(dlclose(client), 0);
+        while (threads() != own) {
+            std::this_thread::yield();
+        }
         if (round != kSettled) continue;
         descriptors = entriesOf("/proc/self/fd");
         mapped = mappedFiles();
     }
     EXPECT_EQ(entriesOf("/proc/self/fd"), descriptors);
     EXPECT_EQ(mappedFiles(), mapped);
-}
-
-TEST_F(Host, mayForkWhileEverythingRuns) {
-    load();
-    const Names own = entriesOf("/proc/self/fd");
-    call("beginGuest", true);
-    for (const std::string& descriptor : entriesOf("/proc/self/fd")) {
-        const int flags = fcntl(std::stoi(descriptor), F_GETFD);
-        EXPECT_TRUE(own.contains(descriptor) || flags == -1 || flags == FD_CLOEXEC) << descriptor;
-    }
-    std::atomic<bool> isOver{false};
-    std::thread flood([&] {
-        while (!isOver) {
-            call("promptGuest");
-        }
-    });
-    const auto end = endOfStorm();
-    unsigned children = 0;
-    do {
-        EXPECT_EQ(exitCodeOf(startProcess([] { std::exit(0); })), 0) << "its exit handlers end nothing of the parent's";
-        EXPECT_EQ(exitCodeOf(startProcess([] { execl("/bin/true", "true", nullptr); })), 0);
-        children += 2;
-    } while (!::isOver(end) && !HasFailure());
-    isOver = true;
-    flood.join();  // it is still answered
-    std::printf("%u children\n", children);
-    call("endGuest");
-    unload();
-    expectThreads(mThreads);
 }
 
 }  // namespace

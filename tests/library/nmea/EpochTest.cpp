@@ -41,7 +41,7 @@ TEST(Epoch, IsTriedAgainByEverySentenceAfterADeliveryThatStopped) {
     registry[1].geodeticSystem = kWgs84;
     EXPECT_TRUE(feed(manager, pubx, registry));
     EXPECT_EQ(listener.kinds(), "RMC VTG GGA GSA GSV GLL PUBX EPOCH");
-    EXPECT_THAT(listener.last("EPOCH"),
+    EXPECT_THAT(listener.received.back().second,
                 testing::HasSubstr("{SatID=5 Used=1 Elevation=10 SNR=30 Azimuth=20},{SatID=7 Elevation=10 "));
     EXPECT_EQ(spoiler.kinds(), "RMC VTG GGA GSA GSV PUBX EPOCH");
 

@@ -1,9 +1,5 @@
 #include "NmeaSupport.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 std::string Recorder::kinds() const {
     std::string text;
     for (const auto& [kind, record] : received)
@@ -11,30 +7,10 @@ std::string Recorder::kinds() const {
     return text;
 }
 
-std::string Recorder::last(std::string_view kind) const {
-    const auto found =
-        std::find_if(received.rbegin(), received.rend(), [&](const auto& it) { return it.first == kind; });
-    return found != received.rend() ? found->second : "";
-}
-
 bool feed(GpsParseNmeaManager& manager, std::string_view chunk, const Registry& registry, GeodeticSystem base) {
     const std::vector<char> exact(chunk.begin(), chunk.end());
     return manager.parseNmeaSentence(exact.data(), static_cast<unsigned int>(exact.size()), registry.data(),
                                      static_cast<unsigned int>(registry.size()), base, true);
-}
-
-Rewritten rewrite(std::string_view chunk) {
-    const std::vector<char> exact(chunk.begin(), chunk.end());
-    std::vector<char> out(GpsParseNmeaManager::REGENERATED_SIZE, '#');
-    const std::vector<char> untouched = out;
-    unsigned int size = 7777;
-    if (GpsParseNmeaManager().convertTokyoToWgs84ForNmea(exact.data(), static_cast<unsigned int>(exact.size()),
-                                                         GEODETIC_SYSTEM_WGS84, out.data(), &size)) {
-        return {true, {out.data(), size}};
-    }
-    EXPECT_EQ(out, untouched);
-    EXPECT_EQ(size, 7777U);
-    return {false, ""};
 }
 
 const std::vector<std::string> kBodies = {

@@ -18,9 +18,6 @@ public:
 
     /** The kinds in the order of arrival, "RMC VTG EPOCH". */
     std::string kinds() const;
-    /** The last record of a kind. */
-    std::string last(std::string_view kind) const;
-
     std::vector<std::pair<std::string, std::string>> received;
 };
 
@@ -28,14 +25,6 @@ using Registry = std::vector<GPS_PARSE_NMEA_LISTENER_LIST>;
 
 /** Passes a chunk to the dispatcher, in a buffer without a byte to spare. */
 bool feed(GpsParseNmeaManager& manager, std::string_view chunk, const Registry& registry, GeodeticSystem base = kWgs84);
-
-struct Rewritten {
-    bool result;
-    std::string text;
-};
-/** What a listener of WGS84 gets for a chunk of a receiver that reports Tokyo. Refusals must leave the outputs alone.
- */
-Rewritten rewrite(std::string_view chunk);
 
 /** A sentence of every kind that uses all of its record, without "$" and checksum. */
 extern const std::vector<std::string> kBodies;
