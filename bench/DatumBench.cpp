@@ -22,7 +22,7 @@ void convertTokyoToWgs84(benchmark::State& state) {
 }
 BENCHMARK(convertTokyoToWgs84);
 
-/** What no implementation of the formula can do without: its sines, cosines, arc tangents and roots. */
+/** The sines, cosines, arc tangents and roots that every implementation of the formula needs. */
 void bareTrigonometry(benchmark::State& state) {
     std::size_t i = 0;
     for (auto _ : state) {

@@ -6,7 +6,7 @@
 
 #include "Gps/Gps.h"
 
-// What a process costs that has the service loaded and its worker running, while nothing comes in.
+// Processor time of a process with the service loaded and its worker running, while nothing is received.
 
 namespace {
 

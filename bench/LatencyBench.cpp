@@ -24,8 +24,8 @@
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
 
 // The time from the last byte of a sentence written to a pseudo-terminal until a client has the sentence: through this
-// library in the client's process, and through gpsd (where it is installed) over its socket. Beside them stands the
-// time until a thread that does nothing but wait for the terminal has read it: below that no client can come.
+// library in the client's process, and through gpsd (if installed) over its socket. For comparison, the time until a
+// thread that only waits for the terminal has read it: the lower bound for any client.
 
 extern char** environ;
 

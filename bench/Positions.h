@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-/** One position in the forms that the peers want. */
+/** One position in the forms that the peers take. */
 struct BenchPosition {
     double latitudeDegrees;
     double longitudeDegrees;
@@ -11,7 +11,7 @@ struct BenchPosition {
     double longitudeDegreesMinutes;  ///< dddmm.mmmm
 };
 
-/** Positions all over Japan, in an order that gives branch prediction nothing to learn. */
+/** Positions all over Japan, in an order that branch prediction cannot learn. */
 inline const BenchPosition& benchPosition(std::size_t index) {
     constexpr std::size_t kCount = 1024;
     static const auto* const positions = [] {

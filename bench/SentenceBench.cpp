@@ -6,7 +6,7 @@
 
 namespace {
 
-/** Reads a field of what it gets, as the least that a client does. */
+/** Reads one field of each record, the minimum that a client does. */
 class ReadingListener : public GpsParseNmeaListener, public GpsNmeaListener {
 public:
     void notifyParseGgaSentence(const GPGGA* record) override { benchmark::DoNotOptimize(record->Lat); }
@@ -29,7 +29,7 @@ void countSentences(benchmark::State& state, std::size_t perIteration) {
 
 }  // namespace
 
-/** By its name the instructions are counted that all sentences take. */
+/** callgrind counts the instructions of this function by its name. */
 extern "C" [[gnu::noinline]] void parseAllSentences(GpsParseNmeaManager& manager,
                                                     const std::vector<std::string>& sentences,
                                                     const GPS_PARSE_NMEA_LISTENER_LIST& listener) {

@@ -7,7 +7,7 @@
 
 #include "QvFramework/Foundation/QvDbgOutput.h"
 
-/** The input in memory of its own, so that a read past its end is seen. */
+/** The input in its own allocation, so that a read past its end is detected. */
 class ExactBuffer {
 public:
     ExactBuffer(const std::uint8_t* data, std::size_t size) : mBytes(data, data + size) {}
@@ -19,12 +19,12 @@ private:
     std::vector<std::uint8_t> mBytes;
 };
 
-/** Messages are expected by the million: nobody reads them. */
+/** Discards the log: there are millions of messages. */
 inline void silenceLog() {
     QvDbgOutput::setSink([](void*, const char*, const char*, int, int, const char*) {}, nullptr);
 }
 
-/** For what must never be: ends the fuzzer with a finding. */
+/** Ends the fuzzer with a finding when the condition does not hold. */
 inline void require(bool condition) {
     if (!condition) __builtin_trap();
 }

@@ -15,7 +15,7 @@ public:
 
 }  // namespace
 
-/** Through the controller, as an antenna text whatever the input's first bytes are. */
+/** Passes the input through the controller, its first bytes replaced by an antenna text's address. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     silenceLog();
     static auto* const controller = new GpsController;

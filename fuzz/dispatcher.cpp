@@ -4,7 +4,7 @@
 
 namespace {
 
-/** Reads every field of what it is told. */
+/** Reads every field of every record. */
 class Reader : public AnyListener {
 public:
     void notified(const std::string&, const std::string& text) override { require(!text.empty()); }

@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     silenceLog();
     GpsParseNmeaManager manager;
     ExactBuffer chunk(data, size);
-    auto* const rebuilt = new char[GpsParseNmeaManager::REGENERATED_SIZE];  // exactly as much as callers provide
+    auto* const rebuilt = new char[GpsParseNmeaManager::REGENERATED_SIZE];  // the size that callers provide
     unsigned int length = 0;
     if (manager.convertTokyoToWgs84ForNmea(chunk.data(), chunk.size(), GEODETIC_SYSTEM_WGS84, rebuilt, &length)) {
         require(length <= GpsParseNmeaManager::REGENERATED_SIZE);

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Shared by the scripts: where things are, and what a bare Debian machine needs.
+# Shared by the scripts: paths, and the packages that a bare Debian machine needs.
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
@@ -36,7 +36,7 @@ build_preset() {
   cmake --build "$top/build/$preset" ${1:+--target "$@"}
 }
 
-# privately COMMAND...: runs it with a /dev/shm of its own, where the system allows that.
+# privately COMMAND...: runs it with a private /dev/shm, if the system allows that.
 privately() {
   local private=()
   if unshare -m true 2>/dev/null; then private=(unshare -m); elif unshare -rm true 2>/dev/null; then private=(unshare -rm); fi

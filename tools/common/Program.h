@@ -21,7 +21,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/** Keeps files from taking the place of a standard stream that the caller has closed: using that is an error. */
+/** Occupies standard streams that the caller has closed, so that no file gets their numbers; using them is an error. */
 inline void keepStandardStreams() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
@@ -37,7 +37,7 @@ inline int complain(const char* program, std::string problem, int status) {
 /**
  * Runs a tool with the options that `parse` gives, or ends with its exit status. A problem is one line on standard
  * error.
- * @return exit status: what `run` answers, 2 for bad use, 1 for any other problem
+ * @return exit status: what `run` returns, 2 for bad use, 1 for any other problem
  */
 template <class Options, class Run>
 int runProgram(const char* program, int argc, char** argv, std::variant<Options, int> (*parse)(int, char**), Run run) {

@@ -21,7 +21,7 @@
  * - `double`,
  * - a nested record, by reference to const: visit it with `visitFields` in turn,
  * - `std::span<const unsigned char>` or a span of records: an array field; of `GPGSV::Sat` the first `SatView` entries,
- *   at most all. `fieldValue(element)` makes any element a value in the sense of this list.
+ *   at most all. `fieldValue(element)` converts an element to one of these values.
  */
 
 template <class Record, class Value>
@@ -32,7 +32,7 @@ struct Field {
 template <class Record, class Value>
 Field(const char*, Value Record::*) -> Field<Record, Value>;
 
-/** An array of which only the first `count` entries mean something. */
+/** An array of which only the first `count` entries are used. */
 template <class Record, class Array, class Count>
 struct CountedField {
     const char* name;

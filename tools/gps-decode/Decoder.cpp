@@ -87,7 +87,7 @@ void Decoder::receive(const char* name, const Event::Content& content) {
     mFormat.write({name, content, mChunk, mClock.now(), mHasTime, mStarts}, mText);
 }
 
-/** Why the current sentence, which has been parsed, may have given no record. */
+/** Why the current sentence, already parsed, may have given no record. */
 Refusal Decoder::sentenceRefusal() const {
     if (!mIsChecked) {
         if (mChunk.size() > GpsParseNmeaManager::kSentenceSize) return Refusal::Length;

@@ -26,12 +26,12 @@ struct Setup {
     Selection selection;
 };
 
-/** Of chunks by why they gave no record and no status; those that did are Refusal::None. */
+/** Number of chunks by the reason why they gave no record and no status; those that did are Refusal::None. */
 using RefusalCounts = std::array<unsigned long, static_cast<std::size_t>(Refusal::Count)>;
 
 /**
- * Cuts a byte stream into chunks and dispatches them as the service does, to one listener of each kind, without
- * anything that processes share.
+ * Cuts a byte stream into chunks and dispatches them as the service does, to one listener of each kind, without using
+ * the memory that processes share.
  */
 class Decoder {
 public:
@@ -55,7 +55,7 @@ public:
     void nmeaSentenceProc(const char* chunk, unsigned length);
     void parseNmeaSentenceProc(const char* chunk, unsigned length);
     void parseGpsProductionDataProc(const char* chunk, unsigned length);
-    // An acknowledgement answers a request, and none was made.
+    // No requests are made, so an acknowledgement has no receiver.
     void responseGpsSettingProc(const char*, unsigned) { mRefusal = Refusal::Frame; }
     void responseGpsProductionProc(const char*, unsigned) {}
 
@@ -79,11 +79,11 @@ private:
     std::string mWithCr;
     std::string_view mChunk;
     sentence_text::Sentence mSentence;
-    bool mIsChecked = false;  // mSentence is what the parser takes
+    bool mIsChecked = false;  // mSentence is what the parser gets
     bool mHasTime = false;
     bool mIsDelivered = false;
     bool mHasRecord = false;
-    Refusal mRefusal = Refusal::None;  // should it have no record
+    Refusal mRefusal = Refusal::None;  // if it has no record
 
     unsigned long mDelivered = 0;
     RefusalCounts mRefusals{};

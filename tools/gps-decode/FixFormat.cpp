@@ -91,7 +91,7 @@ void FixFormat::finishFix(std::string& text) {
     writeFix(fix, text);
 }
 
-/** Whether a fix does not go on with the last one. */
+/** Whether a fix does not continue the last one. */
 bool FixFormat::isJump(const Fix& fix) const {
     if (fix.starts != mLast->starts) return true;
     if (!fix.time || !mLast->time || fix.time->hasDate != mLast->time->hasDate) return false;

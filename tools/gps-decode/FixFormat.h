@@ -5,7 +5,7 @@
 
 namespace decode {
 
-/** What the sentences of one time report about the position; values that none of them has are missing. */
+/** The position data of the sentences with one time; values that none of them has are empty. */
 struct Fix {
     struct Place {
         double latitude;  ///< degrees, north and east positive
@@ -26,13 +26,13 @@ struct Fix {
     unsigned starts = 0;         ///< of the receiver, before
 };
 
-/** "none", "2d", "3d" or "dgps", as GPX calls them; empty where the sentences leave it open. */
+/** "none", "2d", "3d" or "dgps", as GPX calls them; empty when the sentences do not show it. */
 const char* fixName(const Fix& fix);
 
 /**
- * A form made of fixes. An RMC and a GGA of the same time of day make one fix, to which the first GSA after them
- * belongs. It has no place when the RMC's status is not "A", the GGA's quality is 0 or the coordinates are none.
- * A track segment begins where the fix was lost, the receiver started, time went back or `gap` passed without a fix.
+ * A form made of fixes. An RMC, a GGA of the same time of day and the first GSA after them make one fix. It has no
+ * place when the RMC's status is not "A", the GGA's quality is 0 or the coordinates are invalid. A track segment begins
+ * where the fix was lost, the receiver started, time went back or `gap` passed without a fix.
  */
 class FixFormat : public Format {
 public:
@@ -62,7 +62,7 @@ private:
     bool isJump(const Fix& fix) const;
 
     const std::chrono::milliseconds mGap;
-    std::optional<Epoch> mEpoch;  // to which more may be added
+    std::optional<Epoch> mEpoch;  // not yet complete
     std::optional<Fix> mLast;     // of the current segment
 };
 

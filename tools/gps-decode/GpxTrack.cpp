@@ -17,13 +17,13 @@ constexpr std::string_view kEnd = "</trk>\n</gpx>\n";
 
 constexpr double kKmhPerMetrePerSecond = 3.6;
 
-/** An element with a value, where there is one. */
+/** An element with a value, if there is one. */
 template <class Value>
 std::string element(std::string_view format, const std::optional<Value>& value) {
     return value ? fmt::format(fmt::runtime(format), *value) : std::string();
 }
 
-/** The elements of a point, in the order that GPX wants. */
+/** The elements of a point, in GPX's order. */
 std::string elementsOf(const Fix& fix) {
     std::string text = element("<ele>{:.3f}</ele>", fix.altitude);
     if (fix.time && fix.time->hasDate) text += fmt::format("<time>{}</time>", isoText(*fix.time));

@@ -4,8 +4,8 @@
 namespace decode {
 
 /**
- * While this object exists, SIGINT, SIGTERM and SIGHUP ask the program to end instead of ending it; a second one of the
- * same kind ends it at once. One that was ignored before stays so. One object at a time.
+ * While this object exists, SIGINT, SIGTERM and SIGHUP ask the program to end instead of ending it; a second signal of
+ * the same kind ends it at once. A signal that was ignored before stays ignored. One object at a time.
  */
 class Interrupt {
 public:
@@ -14,7 +14,7 @@ public:
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
-    /** Waits until `fd` can be read. False when the program has been asked to end, also earlier. */
+    /** Waits until `fd` can be read. False when the program has been asked to end, now or earlier. */
     bool waitToRead(int fd) const;
 
     /** The signal that came; 0 for none. */

@@ -11,7 +11,7 @@ namespace decode {
 
 namespace {
 
-/** Writes values to a text; objects hold whatever a function writes between their braces. */
+/** Writes values to a text; a function writes the content of an object. */
 class JsonWriter {
 public:
     explicit JsonWriter(std::string& text) : mText(text) {}

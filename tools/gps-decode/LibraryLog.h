@@ -5,8 +5,8 @@
 
 namespace decode {
 
-/** The library's messages while this object exists: the parsers' ones name the field for which they refused a sentence.
- *  One object at a time. */
+/** Receives the library's messages while this object exists; those of the parsers name a missing field. One object at a
+ *  time. */
 class LibraryLog {
 public:
     /** @param isShown on standard error, too */

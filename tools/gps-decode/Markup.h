@@ -15,7 +15,7 @@ void put(std::string& text, fmt::format_string<Values...> format, Values&&... va
     fmt::format_to(std::back_inserter(text), format, std::forward<Values>(values)...);
 }
 
-/** A text as XML and HTML want it; bytes that no XML may contain become "?". */
+/** A text escaped for XML and HTML; bytes that XML does not allow become "?". */
 inline std::string escaped(std::string_view text) {
     std::string markup;
     for (const char byte : text) {

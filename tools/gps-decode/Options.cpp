@@ -67,7 +67,7 @@ constexpr struct {
                {"production", "notifyReceiveGpsProductionData"},
                {"check", "notifyReceiveGpsProductionCheckData"}};
 
-/** Option values as typed; parseOptions turns them into what they mean. */
+/** Option values as typed; parseOptions converts them. */
 struct Typed {
     std::string base = "wgs84";
     std::string wanted = "wgs84";
@@ -77,7 +77,7 @@ struct Typed {
     unsigned gap = 10;
 };
 
-/** Options of which only one can be given: each chooses a form of output. */
+/** Options that exclude each other: each chooses a form of output. */
 void addForms(CLI::App& app, Options& options) {
     using Form = Options::Form;
     const auto add = [&](const char* name, Form form, const char* help) {
@@ -87,7 +87,7 @@ void addForms(CLI::App& app, Options& options) {
             ->option_text(" ");
     };
     CLI::Option* const all[] = {
-        add("--raw", Form::Raw, "Write the very bytes that the raw-sentence listener gets"),
+        add("--raw", Form::Raw, "Write exactly the bytes that the raw-sentence listener gets"),
         add("--gpx", Form::Gpx, "Write the positions as a GPX track"),
         add("--csv", Form::Csv, "Write the positions as comma-separated values"),
         app.add_option_function<std::string>(
@@ -113,7 +113,7 @@ void addOptions(CLI::App& app, Options& options, Typed& typed) {
     app.add_option("--base", typed.base, "Datum in which the receiver reports: wgs84 (default) or tokyo")
         ->option_text("DATUM")
         ->check(CLI::IsMember(kDatums));
-    app.add_option("--want", typed.wanted, "Datum that the listeners want: wgs84 (default) or tokyo")
+    app.add_option("--want", typed.wanted, "Datum of the listeners: wgs84 (default) or tokyo")
         ->option_text("DATUM")
         ->check(CLI::IsMember(kDatums));
     app.add_flag("--unfinished", typed.isUnfinished, "The receiver has not finished changing its datum");

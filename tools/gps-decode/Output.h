@@ -6,13 +6,13 @@
 
 namespace decode {
 
-/** The reader of standard output has gone: the rest is of no use. */
+/** The reader of standard output has closed it. */
 struct ReaderGone {};
 
 /** Standard output or a file, written from front to end. Errors are thrown as std::system_error that names it. */
 class Output {
 public:
-    /** Opens the file, which loses its contents. @param path "-" for standard output */
+    /** Opens and truncates the file. @param path "-" for standard output */
     explicit Output(const std::string& path);
     ~Output();
     Output(const Output&) = delete;

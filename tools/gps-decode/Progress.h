@@ -7,8 +7,8 @@
 namespace decode {
 
 /**
- * A line on standard error that shows how far a long input has been read; it is gone when this object is. There is none
- * unless standard error is a terminal, standard output is not, and the input is known to be long.
+ * A line on standard error that shows how far a long input has been read; the destructor removes it. Shown only when
+ * standard error is a terminal, standard output is not, and the input is known to be long.
  */
 class Progress {
 public:
@@ -18,7 +18,7 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /** So many more bytes have been read. */
+    /** Adds a number of bytes read. */
     void advance(std::size_t bytes);
 
 private:

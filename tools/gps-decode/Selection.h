@@ -20,7 +20,7 @@ struct Selection {
         return names.empty() || std::find(names.begin(), names.end(), name) != names.end();
     }
 
-    /** Both ends belong to the range. Without a time nothing is in a range. */
+    /** Both ends belong to the range. No range includes an event without a time. */
     bool includesTime(const std::optional<UtcTime>& time) const {
         if (!from && !to) return true;
         if (!time) return false;

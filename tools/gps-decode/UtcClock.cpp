@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/** The number that a text of digits alone is, within limits. */
+/** The value of a text of digits only, within limits. */
 std::optional<int> numberOf(std::string_view text, int lowest, int highest) {
     int number = 0;
     for (const char digit : text) {

@@ -24,8 +24,8 @@ std::string isoText(const UtcTime& time);
 std::string_view fieldOf(std::string_view sentence, unsigned number);
 
 /**
- * The time that the sentences of a stream report. A date holds for the sentences after it that have a time only; a
- * time of day that falls by more than twelve hours has passed midnight.
+ * The time that the sentences of a stream report. A date also holds for later sentences that have only a time; a time
+ * of day that drops by more than twelve hours has passed midnight.
  */
 class UtcClock {
 public:

@@ -48,7 +48,7 @@ std::unique_ptr<decode::Format> formatOf(const Options& options, const std::stri
     return std::make_unique<decode::JsonLines>();
 }
 
-/** Feeds the input to the decoder, and writes what comes of every block before it waits for the next one. */
+/** Feeds the input to the decoder, and writes the output of every block before it waits for the next one. */
 void decodeAll(decode::Input& input, const decode::Interrupt& interrupt, decode::Decoder& decoder, std::string& text,
                decode::Output& output) {
     decode::Progress progress(input.size());
@@ -96,7 +96,7 @@ int decodeStream(const Options& options) {
     return interrupt.signal() == 0 ? 0 : kSignalStatus + interrupt.signal();
 }
 
-/** A reader of the output who has had enough is no problem. */
+/** It is no problem when the reader closes the output. */
 int run(const Options& options) {
     try {
         return decodeStream(options);

@@ -27,7 +27,7 @@ std::string screenSummary(const MonitorState& state) {
                        state.counts[Notification("notifyParseNmeaSentence").index()]);
 }
 
-/** What was asked for and did not happen, a line each. */
+/** The requests that failed, a line each. */
 std::vector<std::string> problems(const Options& options, const MonitorState& state) {
     std::vector<std::string> lines;
     auto request = state.requests.begin();

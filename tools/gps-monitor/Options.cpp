@@ -29,7 +29,7 @@ std::string footer() {
     return text;
 }
 
-/** Values of options that are not yet what Options holds. */
+/** Option values as typed; parseOptions converts them. */
 struct Texts {
     std::string datum = "wgs84";
     std::string coordinates = std::string(kCoordinateFormatNames[0]);
@@ -43,7 +43,7 @@ CLI::IsMember memberOf(const Names& names) {
     return CLI::IsMember(std::vector<std::string>(names.begin(), names.end()));
 }
 
-/** The enumerator whose name, one of `names`, was given. */
+/** The enumerator with this name, which is one of `names`. */
 template <class Choice, class Names>
 Choice choice(const Names& names, const std::string& name) {
     return static_cast<Choice>(std::find(names.begin(), names.end(), name) - names.begin());

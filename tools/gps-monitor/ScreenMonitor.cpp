@@ -13,9 +13,9 @@ namespace monitor {
 namespace {
 
 constexpr std::chrono::milliseconds kShortestRedraw{100};
-constexpr std::chrono::seconds kLongestRedraw{1};  // ages and the link's status change by themselves
+constexpr std::chrono::seconds kLongestRedraw{1};  // ages and the link's status change without an event
 
-/** The screen at work: draws what changes, and does what keys and signals ask for. */
+/** Draws the screen when the model changes, and carries out keys and signals. */
 class Screen {
 public:
     Screen(const Options& options, Model& model, Signals& signals, Terminal& terminal)

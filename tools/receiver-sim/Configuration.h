@@ -10,7 +10,7 @@
 
 namespace sim {
 
-/** What commands change and what a restart takes back. The sections are those that can be saved one by one. */
+/** The state that commands change and a restart resets. Its sections can be saved separately. */
 struct Configuration {
     struct Port {
         unsigned baud;
@@ -21,17 +21,17 @@ struct Configuration {
     struct Navigation {
         Milliseconds interval;  ///< from one epoch to the next
         Datum datum;
-        unsigned referenceWeek;  ///< GPS week from which on, for 1024 weeks, dates are right
+        unsigned referenceWeek;  ///< first GPS week of the 1024 weeks with right dates
     };
     Port port;
     Messages messages;
     Navigation navigation;
 };
 
-/** GPS week of the receiver's firmware, of 27 June 2012. */
+/** GPS week of the receiver's firmware: 27 June 2012. */
 constexpr unsigned kFirmwareWeek = 1694;
 
-/** As the receiver leaves the factory: WGS84, the default rates, the given speed and interval. */
+/** The factory settings: WGS84, the default rates, the given speed and interval. */
 Configuration defaultConfiguration(unsigned baud, Milliseconds interval);
 
 /** Copies the sections whose bit is set in a mask of the save command: 0 port, 1 messages, 3 navigation. */

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/** Binds a socket name made from the path: the name is free again as soon as its owner ends, however it ends. */
+/** Binds a socket name made from the path, which the kernel frees when its owner ends, also when it is killed. */
 Descriptor claimed(const std::string& path) {
     Descriptor claim(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     const std::string name = "receiver-sim " + std::to_string(std::hash<std::string>()(fs::absolute(path)));
@@ -27,7 +27,7 @@ Descriptor claimed(const std::string& path) {
     return claim;
 }
 
-/** Whether the path is a link to nowhere or to a pseudo-terminal. */
+/** Whether the path is a dangling link or one to a pseudo-terminal. */
 bool isStaleLink(const std::string& path) {
     std::error_code error;
     const fs::path target = fs::read_symlink(path, error);

@@ -7,16 +7,16 @@
 
 namespace sim {
 
-/** A symbolic link to the terminal, as long as the object lives. */
+/** A symbolic link to the terminal for the lifetime of the object. */
 class DeviceSymlink {
 public:
     /**
-     * Replaces a link that leads nowhere or to a pseudo-terminal, unless a running simulator made it: a killed one
-     * leaves its link, and the terminal's name may belong to another program by then.
+     * Replaces a dangling link or one to a pseudo-terminal, unless a running simulator made it: a killed simulator
+     * leaves its link, and the terminal may belong to another program by then.
      * @throws tool::BadUse when the path is in use by a running simulator, is anything else, or cannot be created
      */
     DeviceSymlink(const std::string& path, const std::string& device);
-    /** Removes the link, unless it leads elsewhere now. */
+    /** Removes the link, unless it has been changed. */
     ~DeviceSymlink();
     DeviceSymlink(const DeviceSymlink&) = delete;
     DeviceSymlink& operator=(const DeviceSymlink&) = delete;

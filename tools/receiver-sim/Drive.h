@@ -6,7 +6,7 @@
 
 namespace sim {
 
-/** Where the vehicle truly is, in WGS84, and how it moves. */
+/** The vehicle's true position, in WGS84, and its motion. */
 struct Motion {
     Geodetic position;
     double speed;   ///< metres per second over ground

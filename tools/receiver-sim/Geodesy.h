@@ -17,7 +17,7 @@ struct Cartesian {
     double z;
 };
 
-/** An ellipsoid and where its centre lies, in metres, as seen from the centre of WGS84. */
+/** An ellipsoid and its centre in WGS84's Cartesian axes, in metres. */
 struct Datum {
     double semiMajorAxis;
     double inverseFlattening;

@@ -21,7 +21,7 @@ constexpr char kFooter[] =
 
 const std::map<std::string, Antenna> kAntennas{{"ok", Antenna::Ok}, {"open", Antenna::Open}, {"short", Antenna::Short}};
 
-/** Option values as typed; parseOptions turns them into what they mean. */
+/** Option values as typed; parseOptions converts them. */
 struct Typed {
     unsigned rate = 1;
     std::vector<std::string> antenna{"ok"};
@@ -73,7 +73,7 @@ void addReceiverOptions(CLI::App& app, Options& options, Typed& typed) {
     app.add_option("--antenna-every", typed.antennaEvery, "How long each of them lasts (default 5)")
         ->option_text("SECONDS")
         ->check(CLI::Range(0.001, 1e6));
-    app.add_option("--fix-loss", typed.fixLoss, "Lose the fix AT seconds after the start, for so many SECONDS")
+    app.add_option("--fix-loss", typed.fixLoss, "Lose the fix AT seconds after the start, for SECONDS")
         ->option_text("AT,SECONDS")
         ->check(fixLossProblem);
     auto* all = app.add_flag("--nak", typed.refusesAll, "Refuse every configuration message");
@@ -88,9 +88,9 @@ void addReplayOptions(CLI::App& app, Options& options) {
                     ->option_text("FILE")
                     ->check(CLI::ExistingFile)
                     ->excludes("--antenna", "--antenna-every", "--fix-loss", "--start-time", "--truth");
-    auto* loop = app.add_flag("--loop", options.isLooping, "Replay the log again and again")->needs(log);
+    auto* loop = app.add_flag("--loop", options.isLooping, "Repeat the log")->needs(log);
     app.add_flag("--fast", options.isFast, "Replay as fast as the client reads")->needs(log)->excludes("--no-wait");
-    app.add_flag("--exit-at-end", options.endsWithLog, "End once the log is out and no client is there any more")
+    app.add_flag("--exit-at-end", options.endsWithLog, "End after the log, once no client is there")
         ->needs(log)
         ->excludes(loop);
 }
@@ -100,11 +100,11 @@ void addRunOptions(CLI::App& app, Options& options, Typed& typed) {
                    "UTC of the first epoch, such as 2024-05-01T12:00:00Z (default: now)")
         ->option_text("TIME")
         ->check(isoTimeProblem);
-    app.add_option("--seconds", typed.seconds, "End so long after the start of the receiver")
+    app.add_option("--seconds", typed.seconds, "End this many seconds after the start of the receiver")
         ->option_text("N")
         ->check(CLI::Range(0.001, 1e9));
     app.add_option("--link", options.link, "Make a symbolic link to the terminal")->option_text("PATH");
-    app.add_flag("--no-wait", typed.doesNotWait, "Start, and go on, whether or not a client is there");
+    app.add_flag("--no-wait", typed.doesNotWait, "Start and continue whether or not a client is there");
     app.add_option("--report", options.reportFile, "Write all that went over the wire, as JSON Lines")
         ->option_text("FILE");
     app.add_option("--truth", options.truthFile, "Write time, WGS84 latitude and longitude of every epoch")

@@ -21,12 +21,12 @@ namespace sim {
  *     {"event":"dropped","bytes":580}                            a client that read nothing missed bytes
  *     {"event":"end"}                                            the log is at its end
  *
- * What was sent while the client's end had another speed also has "garbled":true. What was sent
- * without a client is not reported.
+ * Lines about bytes sent while the client's end had another speed also have "garbled":true. Bytes sent without a client
+ * are not reported.
  */
 using Report = nlohmann::ordered_json;
 
-/** One step of what happens at the receiver's port; the steps are carried out strictly in order. */
+/** One step at the receiver's port; steps are carried out strictly in order. */
 struct PortAction {
     std::string bytes;  ///< to send; may be empty
     unsigned baud = 0;  ///< the port's speed from the end of this step on; 0: as it is

@@ -22,7 +22,7 @@ int checked(int result, const char* what) {
     return result;
 }
 
-/** With no hold left on the client's end the master reports a hang-up. */
+/** When nothing holds the client's end open, the master reports a hang-up. */
 bool isHungUp(int master) {
     pollfd entry{master, 0, 0};
     poll(&entry, 1, 0);
@@ -76,8 +76,8 @@ unsigned PtyPort::takeEvents() {
 }
 
 void PtyPort::updatePresence() {
-    // A client that has just come may be about to lock the terminal for itself, which must not catch the simulator
-    // without its own hold; so an opening is taken at its word, and only a closing is looked into.
+    // A client that has just opened the terminal may be about to lock it, while the simulator must hold it open. So an
+    // opening is not checked; only a closing is.
     const unsigned events = takeEvents();
     if ((events & IN_CLOSE) != 0) {
         checkPresence();
@@ -87,7 +87,7 @@ void PtyPort::updatePresence() {
 }
 
 void PtyPort::checkPresence() {
-    // The lock outlives the client that set it, and would keep everybody out, the simulator included.
+    // The lock outlives the client that set it, and would exclude all others, the simulator included.
     int isLocked = 0;
     ioctl(mSlave.get(), TIOCGEXCL, &isLocked);
     ioctl(mSlave.get(), TIOCNXCL);
@@ -98,7 +98,7 @@ void PtyPort::checkPresence() {
     takeEvents();  // the simulator's own
     if (mHasClient && isLocked != 0) ioctl(mSlave.get(), TIOCEXCL);
     if (hadClient && !mHasClient) {
-        tcflush(mSlave.get(), TCIFLUSH);  // the next client is not to read what this one has left
+        tcflush(mSlave.get(), TCIFLUSH);  // the next client must not read this one's leftovers
         makeRaw();
     }
 }

@@ -13,8 +13,8 @@ namespace sim {
 class PtyPort {
 public:
     /**
-     * Raw, and with its terminal speed set to the receiver's, so that a client that sets nothing reads plain text.
-     * @throws std::system_error when there is no pseudo-terminal to be had
+     * Raw, with its terminal speed set to the receiver's, so that a client that sets nothing reads plain text.
+     * @throws std::system_error when no pseudo-terminal is available
      */
     explicit PtyPort(unsigned baud);
 
@@ -30,14 +30,14 @@ public:
     /** To be called when the presence descriptor is readable. */
     void updatePresence();
     /**
-     * Looks whether a client has the terminal open. To be called now and then, because a client that comes or goes
-     * during this very look raises no event.
+     * Checks whether a client has the terminal open. To be called regularly, because a client that comes or goes during
+     * this check raises no event.
      */
     void checkPresence();
 
     /** What the client has sent; empty when there is nothing. */
     std::string read();
-    /** Hands bytes to the client, as many as there is room for, and returns their number. */
+    /** Sends bytes to the client, as many as fit, and returns their number. */
     std::size_t write(std::string_view bytes);
 
     /** Whether the client's end has this speed. */
@@ -49,7 +49,7 @@ private:
     unsigned takeEvents();
 
     Descriptor mMaster;
-    // The client's end, held open to undo what a client leaves in it: modes, an exclusive lock, unread bytes.
+    // The client's end, held open to reset what a client leaves in it: modes, an exclusive lock, unread bytes.
     Descriptor mSlave;
     Descriptor mWatch;
     std::string mDevicePath;

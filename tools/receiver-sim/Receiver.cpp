@@ -27,7 +27,7 @@ constexpr std::array kStartTexts{"u-blox ag - www.u-blox.com", "HW  UBX-G70xx   
 
 constexpr std::array kAntennaNames{"OK", "OPEN", "SHORT"};
 
-/** Where a test result holds a value, and the value. */
+/** A value in a test result, and its position. */
 struct ResultField {
     std::size_t offset;
     std::size_t width;
@@ -40,7 +40,7 @@ struct CheckResult {
     std::vector<ResultField> fields;
 };
 
-/** What the receiver finds when it checks itself. The second result lists two entries of 28 bytes and one of 36. */
+/** Results of the receiver's self-check. The second result lists two entries of 28 bytes and one of 36. */
 const CheckResult kCheckResults[] = {
     {{0x0A, 0x20},
      52,
@@ -70,8 +70,8 @@ const CheckResult kCheckResults[] = {
 };
 
 /**
- * The time with the date that a receiver works out. Satellites send the week modulo 1024; the receiver takes it for the
- * first such week from its reference week on.
+ * The time with the date that a receiver computes. Satellites send the week modulo 1024; the receiver assumes the first
+ * matching week from its reference week on.
  */
 UtcTime withDateFrom(unsigned referenceWeek, UtcTime time) {
     constexpr int kWeeksSent = 1024;
@@ -237,7 +237,7 @@ void Receiver::obeyFrame(const std::string& frame) {
 }
 
 Receiver::Answer Receiver::obeyMessageRate(std::string_view payload) {
-    // With rates for all six ports, with the rate for the port that it comes by, or asking for the rates.
+    // With rates for all six ports, with a rate for the port in use, or as a poll of the rates.
     constexpr std::size_t kAllPorts = 8;
     constexpr std::size_t kThisPort = 3;
     constexpr std::size_t kPoll = 2;
@@ -259,7 +259,7 @@ Receiver::Answer Receiver::obeyDatum(std::string_view payload) {
                       readNumber<double>(payload, 8),
                       {readNumber<float>(payload, 16), readNumber<float>(payload, 20), readNumber<float>(payload, 24)}};
     const bool isShiftOnly = std::all_of(payload.begin() + 28, payload.end(), [](char byte) { return byte == 0; });
-    // The limits are those of the receiver; they also keep out what is not a number.
+    // The receiver's limits; they also exclude NaN.
     const bool isPossible = datum.semiMajorAxis >= 6.3e6 && datum.semiMajorAxis <= 6.5e6 &&
                             datum.inverseFlattening > 1.0 && datum.inverseFlattening <= 500.0 &&
                             std::abs(datum.centre.x) <= 5000.0 && std::abs(datum.centre.y) <= 5000.0 &&

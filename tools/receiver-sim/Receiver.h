@@ -20,7 +20,7 @@ enum class Antenna { Ok, Open, Short };
 /**
  * The receiver without its port: it composes the sentences of each epoch and obeys commands.
  *
- * It has no thread and no clock. Its owner passes in bytes and time, and carries out the resulting actions.
+ * It has no thread and no clock. Its owner passes bytes and time, and carries out the resulting actions.
  */
 class Receiver {
 public:
@@ -42,23 +42,23 @@ public:
 
     /** Takes bytes that a client has sent. */
     void receive(std::string_view bytes);
-    /** Whether a command has begun whose rest is missing; receivePause() then gives it up. */
+    /** Whether a command is incomplete; receivePause() then drops it. */
     bool isMidCommand() const { return mFramer.isUnfinished(); }
     void receivePause();
 
     /** When the next epoch is due: the first multiple of the interval after the last one. */
     UtcTime nextEpoch() const;
 
-    /** Sends the epoch of the last multiple of the interval up to `now`; epochs that were missed are left out. */
+    /** Sends the epoch of the last multiple of the interval up to `now`; missed epochs are skipped. */
     struct Truth {
         UtcTime time;
-        Geodetic position;  ///< WGS84, whatever the receiver reports
+        Geodetic position;  ///< WGS84, also when the receiver reports another datum
     };
     Truth runEpoch(UtcTime now);
 
     const Configuration& configuration() const { return mCurrent; }
 
-    /** What has come up since the last call. */
+    /** The actions since the last call. */
     std::vector<PortAction> takeActions();
 
 private:

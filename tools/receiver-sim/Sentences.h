@@ -15,9 +15,9 @@ namespace sim {
 /** What the receiver knows at one epoch. Without a fix it still knows the time and which satellites are in view. */
 struct Fix {
     bool isValid;
-    UtcTime time;            ///< with the date that the receiver works out, which may be wrong by its week rollover
+    UtcTime time;            ///< with the date that the receiver computes, which may be wrong by its week rollover
     Geodetic position;       ///< in the datum that the receiver reports
-    double geoidSeparation;  ///< metres from that datum's ellipsoid up to the sea level
+    double geoidSeparation;  ///< metres of the sea level above that datum's ellipsoid
     Motion motion;
     std::vector<Satellite> sky;
 };
@@ -25,7 +25,7 @@ struct Fix {
 /** A kind of sentence that the receiver can send with every epoch. */
 struct SentenceKind {
     MessageId id;
-    unsigned char defaultRate;  ///< sent with every so-many-eth epoch; 0: not sent
+    unsigned char defaultRate;  ///< epochs from one to the next; 0: not sent
     std::vector<std::string> (*compose)(const Fix&);
 };
 

@@ -18,7 +18,7 @@
 
 namespace sim {
 
-/** Runs a receiver, and perhaps a log in place of its drive, at a port in real time. */
+/** Runs a receiver, with its drive or a log, at a port in real time. */
 class Simulator {
 public:
     /** @throws tool::BadUse when a file or link that the options name cannot be used */
@@ -26,7 +26,7 @@ public:
 
     const std::string& devicePath() const { return mPort.devicePath(); }
 
-    /** Returns when the options' time is over or a signal to end has come. */
+    /** Returns after the options' time or on a signal to end. */
     void run();
 
 private:

@@ -44,7 +44,7 @@ std::optional<Satellite> observed(unsigned number, const Cartesian& satellite, c
     return Satellite{number, elevation, azimuth, 0};
 }
 
-/** Stronger the higher, with a flicker of a few dB. */
+/** Stronger at higher elevation, with variations of a few dB. */
 unsigned signalOf(const Satellite& satellite, double seconds) {
     if (satellite.elevation < kLowestTracked) return 0;
     const double flicker = 1.5 * std::sin(seconds / 7.0 + satellite.number);

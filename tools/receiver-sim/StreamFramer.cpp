@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kMaxPayload = 8192;
 constexpr std::size_t kMaxSentence = 1024;
 
-/** What the bytes start with, and how many of them that is; empty when more bytes are needed. */
+/** The kind and length of the piece at the start of the bytes; empty when more bytes are needed. */
 struct Start {
     Piece::Kind kind;
     std::size_t length;

@@ -7,11 +7,11 @@
 
 namespace sim {
 
-/** A stretch of a byte stream. */
+/** A part of a byte stream. */
 struct Piece {
     enum class Kind {
         Sentence,  ///< from "$" through the line feed
-        Frame,     ///< a binary frame whose checksum holds, or the order that switches to production mode
+        Frame,     ///< a binary frame whose checksum holds, or the command that switches to production mode
         Other,     ///< bytes that belong to neither
     };
     Kind kind;
@@ -24,7 +24,7 @@ public:
     /** The pieces that are complete with these bytes. */
     std::vector<Piece> push(std::string_view bytes);
 
-    /** Gives up waiting for the rest of what has begun, and examines the bytes after its start anew. */
+    /** Gives up an incomplete piece and scans the bytes after its start again. */
     std::vector<Piece> giveUp();
 
     bool isUnfinished() const { return !mBuffer.empty(); }

@@ -26,7 +26,7 @@ constexpr std::string_view kUbxSync{"\xB5\x62", 2};
 constexpr std::size_t kUbxHeaderSize = 6;
 constexpr std::size_t kUbxOverhead = kUbxHeaderSize + 2;
 
-/** The order that switches to production mode: it announces 20 bytes of payload, brings 14 and has no checksum. */
+/** The command that switches to production mode: announces 20 bytes of payload, has 14 and no checksum. */
 constexpr std::string_view kSwitchToProduction{
     "\xB5\x62\x06\x45\x14\x00\x00\x00\x00\x00\x00\x01\x00\x00\x01\x00\x1E\x00\xE8\x03", 20};
 

@@ -9,7 +9,7 @@ namespace decode {
 
 /**
  * What happened over time, in a bounded number of buckets of equal width. When time passes the last bucket, the width
- * doubles and neighbours merge. A default-constructed Bucket is empty; `Bucket::merge` takes over what a later one has.
+ * doubles and neighbours merge. A default-constructed Bucket is empty; `Bucket::merge` adds a later one.
  */
 template <class Bucket>
 class Buckets {
@@ -101,7 +101,7 @@ struct WorstState {
     void merge(const WorstState& later) { state = std::max(state, later.state); }
 };
 
-/** A set of flags, of which the lowest means that there is a set. */
+/** A set of flags; the lowest means that the set exists. */
 struct Flags {
     unsigned bits = 0;
 

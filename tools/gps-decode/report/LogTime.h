@@ -9,8 +9,8 @@
 namespace decode {
 
 /**
- * Positions on a time axis that never goes back. Where the receiver's time goes back or jumps ahead by more than ten
- * minutes, as between two drives, the axis goes on with a new section.
+ * Positions on a time axis that never goes back. When the receiver's time goes back or jumps ahead by more than ten
+ * minutes, as between two drives, a new section of the axis begins.
  */
 class LogTime {
 public:

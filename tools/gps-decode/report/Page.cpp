@@ -227,7 +227,7 @@ void writeSky(const LogSummary& log, std::string& text) {
         "R GLONASS, E Galileo, C BeiDou.</figcaption></figure></section>\n";
 }
 
-/** Begins a table, or writes instead of it that there is nothing. */
+/** Begins a table, or writes `nothing` when it is empty. */
 bool beginTable(const char* title, bool isEmpty, const char* nothing, std::initializer_list<const char*> columns,
                 std::string& text) {
     put(text, "<section><h2>{}</h2>", title);

@@ -117,7 +117,7 @@ void Report::addOutage(const Fix& fix) {
     if (!mOutage) mOutage = {mLog.time.position(), {}, fix.time, std::nullopt};
 }
 
-/** Keeps the longest ones. */
+/** Keeps the longest outages. */
 void Report::closeOutage(const std::optional<UtcTime>& to) {
     if (!mOutage) return;
     mOutage->length = mLog.time.position() - mOutage->begin;
@@ -132,7 +132,7 @@ void Report::closeOutage(const std::optional<UtcTime>& to) {
     mLog.outages.resize(kMostOutages);
 }
 
-/** An epoch is what comes with one time. */
+/** An epoch is all sentences with one time. */
 void Report::addToEpoch(const Event& event) {
     const unsigned bit = kindBit(event.content);
     if (bit == 0) return;
@@ -144,7 +144,7 @@ void Report::addToEpoch(const Event& event) {
     mEpochKinds |= bit;
 }
 
-/** The last epoch of a log is never finished, and the first one does not count: they may be cut. */
+/** Called for all but the last epoch. The first and the last may be incomplete and do not count. */
 void Report::finishEpoch() {
     if (!mEpoch || !std::exchange(mIsAfterFirstEpoch, true)) return;
     ++mLog.wholeEpochs;

@@ -8,9 +8,9 @@
 namespace decode {
 
 /**
- * A path in the plane as it looks: of the points in one cell of a grid the first is kept, and a way between two cells
- * that was gone before is not drawn again. When there are too many ways, the cells double, so that size is bounded and
- * extents are kept.
+ * A path in the plane, reduced for drawing: in each cell of a grid only the first point is kept, and a line between the
+ * same two cells is kept once. When there are too many lines, the cells double in width, which bounds the size and
+ * keeps the extents.
  */
 class SparsePath {
 public:
@@ -21,12 +21,12 @@ public:
     using Line = std::vector<Point>;
 
     /** @param cell width of the cells at first
-     *  @param capacity ways between two points that are kept */
+     *  @param capacity most lines between two points that are kept */
     SparsePath(double cell, std::size_t capacity) : mCell(cell), mCapacity(capacity) {}
 
     /** @param isJoined to the point before */
     void add(Point point, bool isJoined);
-    /** Of one or more points each. */
+    /** Each of one or more points. */
     const std::vector<Line>& lines() const { return mLines; }
 
 private:

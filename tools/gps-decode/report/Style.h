@@ -3,7 +3,7 @@
 
 namespace decode {
 
-/** The look of a report: light, dark where the reader's screen is, and light again on paper. */
+/** The style of a report: light or dark as the browser is set, always light on paper. */
 inline constexpr char kStyle[] = R"(
 :root{color-scheme:light dark;--bg:#fff;--fg:#1b1f24;--dim:#5d6670;--grid:#d5dae0;--line:#1f6fb2;--good:#4c9a6a;--warn:#e0a32e;
 --bad:#c8402f;--s1:#dfe3e8;--s2:#b5d3ec;--s3:#6baed6;--s4:#2171b5;--s5:#08306b;--G:#1f6fb2;--R:#c8402f;--E:#2c8a57;--C:#b3700b;--O:#7b52ab}

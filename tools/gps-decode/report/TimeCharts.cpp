@@ -28,7 +28,7 @@ double xOf(const LogSummary& log, milliseconds position) {
     return kWidth * static_cast<double>(position.count()) / static_cast<double>(lengthOf(log).count());
 }
 
-/** Labels of the time axis: at round times, about six of them, with as much of the time as the step needs. */
+/** Labels of the time axis: about six, at round times, as precise as the step needs. */
 void writeTimeAxis(const LogSummary& log, std::string& text) {
     constexpr milliseconds kSteps[] = {1s, 2s, 5s, 10s, 30s, 1min, 2min, 5min, 10min, 30min,
                                        1h, 2h, 6h, 12h, 24h, 48h,  120h, 240h, 720h};
@@ -74,7 +74,7 @@ void writeBackground(const LogSummary& log, std::string& text) {
         if (section.begin > 0ms) mark(section.begin);
 }
 
-/** A scale of round numbers that holds a range of values. */
+/** A scale of round numbers that covers a range of values. */
 struct Scale {
     double low;
     double high;
@@ -95,7 +95,7 @@ std::string curvePath(const LogSummary& log, const Buckets<Extremes>& curve, con
         const double x = xOf(log, position);
         const char join = path.empty() || bucket.beginsLine ? 'M' : 'L';
         put(path, "{}{:.1f} {:.1f}", join, x, scale.yOf(bucket.first));
-        if (join == 'M' && bucket.count == 1) path += "h.1";  // a dot, should nothing follow
+        if (join == 'M' && bucket.count == 1) path += "h.1";  // a dot, in case nothing follows
         if (bucket.count == 1) return;
         for (const double value : {bucket.lowest, bucket.highest, bucket.last})
             put(path, "V{:.1f}", scale.yOf(value));
@@ -183,7 +183,7 @@ void writeLegend(std::span<const char* const> colours, std::span<const char* con
     text += "</p>\n";
 }
 
-/** How long a value holds that is not renewed. */
+/** How long a value holds when no other follows. */
 template <class Bucket>
 milliseconds holdOf(const Buckets<Bucket>& buckets) {
     return std::max<milliseconds>(10s, 2 * buckets.width());

@@ -10,12 +10,12 @@ void writeCurves(const LogSummary& log, std::string& text);
 void writeStates(const LogSummary& log, std::string& text);
 void writeSignals(const LogSummary& log, std::string& text);
 
-/** "G05": a letter for the satellite system, or the talker where it has none, and the number. */
+/** "G05": a letter for the satellite system, or the talker if it has none, and the number. */
 std::string satelliteName(const std::string& talker, unsigned number);
 /** The letter alone; "O" for other systems. */
 char systemLetter(const std::string& talker);
 
-/** A round number (1, 2 or 5 times a power of ten) that is at least so much. */
+/** A round number (1, 2 or 5 times a power of ten) that is at least `least`. */
 double roundStep(double least);
 
 }  // namespace decode

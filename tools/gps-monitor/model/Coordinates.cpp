@@ -17,7 +17,7 @@ std::string coordinate(double value, int degreeDigits, std::string_view letters,
     if (std::isnan(degrees)) return "??";
     if (format == CoordinateFormat::degrees) return fmt::format("{:.7f}", degrees);
 
-    // Rounded as a whole, so that no 60 can appear: units of 0.00001 minutes or of 0.001 seconds.
+    // Rounded before it is split, so that no 60 can appear: units of 0.00001 minutes or of 0.001 seconds.
     const bool hasSeconds = format == CoordinateFormat::seconds;
     const long long perMinute = hasSeconds ? 60000 : 100000;
     const long long units = std::llround(std::fabs(degrees) * 60 * static_cast<double>(perMinute));

@@ -8,7 +8,7 @@
 
 namespace monitor {
 
-/** A position as sentences give it: ddmm.mmmm and dddmm.mmmm, negative for south and west. */
+/** A position as in sentences: ddmm.mmmm and dddmm.mmmm, negative for south and west. */
 struct Position {
     double lat;
     double lon;
@@ -17,11 +17,11 @@ struct Position {
 enum class CoordinateFormat { minutes, degrees, seconds };
 enum class SpeedUnit { kmh, knots, mph, metresPerSecond };
 
-/** What the options call them, in the order of the enumerators. */
+/** Option values, in the order of the enumerators. */
 inline constexpr std::array<std::string_view, 3> kCoordinateFormatNames{"minutes", "degrees", "dms"};
 inline constexpr std::array<std::string_view, 4> kSpeedUnitNames{"kmh", "knots", "mph", "m/s"};
 
-/** Degrees of ddmm.mmmm or dddmm.mmmm; not a number beyond 18000. */
+/** Degrees of ddmm.mmmm or dddmm.mmmm; NaN beyond 18000. */
 double toDegrees(double value);
 
 /** "35°39.12340' N  139°45.67890' E", "35.6520567  139.7613150" or "35°39'07.404" N  139°45'40.734" E"; question marks

@@ -18,8 +18,8 @@ struct LinkStatus {
 
 struct LinkFacts {
     std::string device;                             ///< path of the receiver's device; empty when none is named
-    std::string startMessage;                       ///< what was logged last while the library started
-    Clock::time_point start;                        ///< when that was
+    std::string startMessage;                       ///< the last message logged while the library started
+    Clock::time_point start;                        ///< when the library started
     std::optional<Clock::time_point> lastSentence;  ///< when the last sentence came
 };
 

@@ -13,7 +13,7 @@ namespace monitor {
 /** The one MonitorState, shared by the threads that notify, those that request and the one that draws. */
 class Model {
 public:
-    /** Changes the state by `change(MonitorState&)`, which must not block, and notifies those who wait. */
+    /** Changes the state by `change(MonitorState&)`, which must not block, and wakes waiting threads. */
     template <class Change>
     void update(Change change) {
         {
@@ -29,7 +29,7 @@ public:
         return mState;
     }
 
-    /** Waits until `condition(const MonitorState&)` holds; false when time ran out or a stop was asked for. */
+    /** Waits until `condition(const MonitorState&)` holds; false on time-out or when a stop was requested. */
     template <class Condition>
     bool waitUntil(std::stop_token stop, std::chrono::milliseconds longest, Condition condition) {
         std::unique_lock lock(mMutex);

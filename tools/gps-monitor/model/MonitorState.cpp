@@ -73,7 +73,7 @@ void addRequest(MonitorState& state, Request request) {
 }
 
 bool settleRequest(MonitorState& state, std::string_view name, Answer answer) {
-    // The newest: requests of one name are made one after another, and an answer may still come after the wait for it.
+    // The newest: requests of one name are made one after another, and an answer may come after its wait has ended.
     const auto request = std::find_if(state.requests.rbegin(), state.requests.rend(), [name](const Request& candidate) {
         const bool isOpen = candidate.answer == Answer::waiting || candidate.answer == Answer::unanswered;
         return isOpen && candidate.name == name;

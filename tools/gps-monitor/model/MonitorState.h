@@ -30,9 +30,9 @@ struct Motion {
     double course;  ///< degrees from true north
 };
 
-/** What has become of a request. */
+/** The outcome of a request. */
 enum class Answer {
-    none,  ///< sent; no answer is notified for it
+    none,  ///< sent; it has no answer
     waiting,
     acknowledged,
     answered,
@@ -78,11 +78,11 @@ struct MonitorState {
     std::optional<Timed<Position>> position;
     std::optional<Timed<Altitude>> altitude;
     std::optional<Timed<Motion>> motion;
-    bool hadFix = false;                         ///< as updateFix() found last
+    bool hadFix = false;                         ///< as of the last updateFix()
     std::optional<Clock::time_point> fixLostAt;  ///< time of the last position before the fix was lost
     Track track;
 
-    std::optional<Timed<Position>> otherPosition;  ///< in the datum that the monitor did not ask for
+    std::optional<Timed<Position>> otherPosition;  ///< in the datum that was not asked for
     Satellites satellites;
 
     std::optional<GpsConnectionStatus> antenna;
@@ -90,7 +90,7 @@ struct MonitorState {
     std::deque<Request> requests;  ///< oldest first
     std::optional<Timed<LOCATION_DATA>> location;
     std::deque<LogLine> log;      ///< oldest first
-    std::string lastLogMessage;   ///< without where it comes from
+    std::string lastLogMessage;   ///< without its place in the source
     std::deque<RawSentence> raw;  ///< oldest first
     std::optional<Recording> recording;
     std::string recordingProblem;  ///< why a recording ended early; empty when none did
@@ -112,7 +112,7 @@ std::optional<std::string> updateFix(MonitorState& state, Clock::time_point now)
 
 void addRequest(MonitorState& state, Request request);
 
-/** Gives the newest request of this name that still lacks an answer this one. False when there is none. */
+/** Answers the newest waiting request of this name. False when there is none. */
 bool settleRequest(MonitorState& state, std::string_view name, Answer answer);
 
 bool isWaiting(const MonitorState& state, std::string_view name);

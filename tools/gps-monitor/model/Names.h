@@ -40,7 +40,7 @@ inline constexpr std::array<std::string_view, 22> kNotificationNames{
     "notifyReceiveGpsProductionCheckData",
 };
 
-/** One of kNotificationNames; a name that is not among them does not compile. */
+/** One of kNotificationNames; any other name does not compile. */
 class Notification {
 public:
     consteval Notification(const char* name) : mIndex(find(name)) {}
@@ -69,13 +69,13 @@ inline constexpr std::string_view kSetLocationData = "setLocationData";
 
 struct Setting {
     std::string_view name;         ///< of the enumerator
-    std::string_view description;  ///< empty when no command belongs to it
+    std::string_view description;  ///< empty when it has no command
 };
 
 /** The enumerators of GpsSetting, in order from 0. */
 extern const std::array<Setting, 36> kSettings;
 
-/** The enumerator's name; the number of a value that has none. */
+/** The enumerator's name, or the number of a value without a name. */
 std::string settingName(GpsSetting setting);
 std::string connectionStatusName(GpsConnectionStatus status);
 
@@ -86,7 +86,7 @@ std::optional<GpsSetting> findSetting(std::string_view name);
 std::string_view datumName(GeodeticSystem datum);
 GeodeticSystem otherDatum(GeodeticSystem datum);
 
-/** Short name of the satellite system that a talker names. */
+/** Short name of a satellite system. */
 std::string_view systemName(SatelliteType system);
 
 }  // namespace monitor

@@ -28,7 +28,7 @@ struct Satellite {
     Clock::time_point time;
     SignalHistory history{};
 
-    /** False when the receiver gives angles that no place in the sky has. */
+    /** False when the angles are out of range. */
     bool hasPlace() const { return elevation <= 90 && azimuth <= 360; }
 };
 
@@ -52,8 +52,8 @@ private:
     std::array<std::optional<Timed<GPGSV>>, SATELLITE_TYPE_GNSS + 1> mSystems;  // by SatelliteType
     std::map<std::pair<SatelliteType, unsigned>, Signal> mSignals;              // by system and number
 
-    // Satellites that the GSA sentences list: those of this epoch so far, and those of the epoch before, which stand
-    // until this one is complete.
+    // Satellites that the GSA sentences list: of this epoch so far, and of the epoch before, used until this one is
+    // complete.
     std::bitset<256> mUsedNow;
     std::bitset<256> mUsedBefore;
 };

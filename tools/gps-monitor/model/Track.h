@@ -13,8 +13,7 @@ struct TrackPoint {
     bool startsSegment;
 };
 
-/** The positions since the start. When there are too many, every second one is dropped, and fewer are kept from then.
- */
+/** The positions since the start. When there are too many, every second one is dropped, also from then on. */
 class Track {
 public:
     void add(const Position& position, bool startsSegment);
@@ -23,7 +22,7 @@ public:
 
 private:
     std::vector<TrackPoint> mPoints;
-    unsigned mInterval = 1;  // one position of so many is kept
+    unsigned mInterval = 1;  // every mInterval-th position is kept
     unsigned mSkipped = 0;
 };
 

@@ -11,7 +11,7 @@
 namespace monitor {
 
 /**
- * Writes a record's fields as " Name=value" each, in order. The fields of a nested record have its name and a dot
+ * Writes each field of a record as " Name=value", in order. The fields of a nested record have its name and a dot
  * before theirs ("Gga.Lat"), those of an array of records also the index ("Sat.0.SNR"); an array of numbers is one
  * field with commas ("SatUsed=1,2,0"). A double is the shortest text that reads back as the same number.
  */

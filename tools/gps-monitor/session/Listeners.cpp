@@ -140,7 +140,7 @@ void Listeners::notyfyGpsColdStartRequestResponse(bool acknowledged) {
     handleAnswer("notyfyGpsColdStartRequestResponse", acknowledged, kColdStart);
 }
 
-// What the check finds is shown among the log lines.
+// The results of the check are shown in the log.
 template <class Record>
 void Listeners::handleCheckResult(Notification notification, const Record& record) {
     const std::string text = fieldText(record);

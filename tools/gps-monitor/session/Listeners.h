@@ -13,8 +13,8 @@ namespace monitor {
 /** Logs a fix that was lost or regained in the model and, when there is one, to the writer. */
 void watchFix(Model& model, PlainWriter* writer);
 
-/** Listens to everything: writes a line for every notification when there is a writer, keeps the model current, and
- *  records the raw sentences. */
+/** Handles all notifications: updates the model, writes a line for each when there is a writer, and records the raw
+ *  sentences. */
 class Listeners : public GpsNmeaListener,
                   public GpsParseNmeaListener,
                   public GpsLocationDataListener,
@@ -71,7 +71,7 @@ private:
     Recorder& mRecorder;
 };
 
-/** Listens to the raw sentences in a second datum: keeps the position in it, and when the last sentence came. */
+/** Handles the raw sentences in a second datum: stores the position and the time of the last sentence. */
 class OtherDatumListener : public GpsNmeaListener {
 public:
     explicit OtherDatumListener(Model& model) : mModel(model) {}

@@ -25,13 +25,13 @@ public:
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
-    /** Stops, or starts again: with the file recorded to before, or else one named after the time in UTC. */
+    /** Stops, or starts again: with the file used before, or else one named after the time in UTC. */
     void toggle();
 
     void write(std::string_view sentence);
 
 private:
-    // Called with mMutex held, but for the constructor and the destructor.
+    // Called with mMutex held, except in the constructor and the destructor.
     void open();
     void close();
     void fail(const std::string& reason);

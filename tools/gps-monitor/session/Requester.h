@@ -44,7 +44,7 @@ private:
     /** Makes a request that is answered: adds it to the model, sends it and waits. True when it was sent. */
     bool ask(const std::stop_token& stop, std::string_view operation, const Request& request,
              const std::function<bool()>& send);
-    /** Makes a request and does not wait: it has no answer, or had it before it returned. */
+    /** Makes a request without waiting: it has no answer, or had it before it returned. */
     void post(std::string_view operation, const std::function<bool()>& send);
     void checkProduction(const std::stop_token& stop);
 

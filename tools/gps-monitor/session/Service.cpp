@@ -8,7 +8,7 @@ namespace monitor {
 
 namespace {
 
-/** The place in the source that a message names, as it precedes the message. */
+/** A message's place in the source, as written before the message. */
 std::string where(std::string_view file, int line, const char* function) {
     if (file.empty()) return "";
     return fmt::format("{}:{} {}: ", tool::printable(file), line, tool::printable(function));
@@ -49,8 +49,8 @@ Service::Service(Model& model, PlainWriter* writer, Recorder& recorder, Geodetic
     mGps->registerGpsConnectionListener(&mListeners);
     mGps->registerGpsParseNmeaListener(&mListeners, datum);
     mGps->registerGpsNmeaListener(&mListeners, datum);
-    // The other datum is watched through raw sentences: a raw listener that gets nothing has no effect on others,
-    // whereas a parse listener that gets nothing keeps every epoch from being finished.
+    // The other datum is watched through raw sentences: a raw listener that cannot be served has no effect on others,
+    // whereas a parse listener that cannot be served keeps every epoch from being finished.
     mGps->registerGpsNmeaListener(&mOtherDatumListener, otherDatum(datum));
 }
 

@@ -6,7 +6,7 @@
 
 namespace monitor {
 
-/** The library in use: started and listened to by the constructor, left and ended by the destructor. */
+/** Uses the library: the constructor starts it and registers listeners, the destructor unregisters them and ends it. */
 class Service {
 public:
     /**

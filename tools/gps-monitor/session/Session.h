@@ -9,7 +9,7 @@
 
 namespace monitor {
 
-/** The library at work on what the command line asks for, from construction to destruction. */
+/** Runs the library as the command line requests, from construction to destruction. */
 class Session {
 public:
     /** @param writer null while the screen shows what happens. Throws when the file to record to cannot be opened. */
@@ -20,7 +20,7 @@ public:
 
     LinkStatus link(const MonitorState& state) const;
 
-    /** When the run is to end by itself; the largest time point when it is not. */
+    /** When the run ends without a signal or key; the largest time point if it has no limit. */
     Clock::time_point end() const { return mEnd; }
     bool isOver() const { return Clock::now() >= mEnd; }
 

@@ -8,7 +8,7 @@
 
 namespace monitor {
 
-/** Does something at once and then again and again on a thread of its own, until this object goes. */
+/** Calls a function at once and then repeatedly, on its own thread, until this object is destroyed. */
 class Periodic {
 public:
     template <class Action>

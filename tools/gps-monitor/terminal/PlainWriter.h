@@ -11,7 +11,7 @@ namespace monitor {
 /**
  * Writes whole lines to a file descriptor, in the order of the calls. Any thread.
  *
- * A slow reader blocks the writing thread; the first failed write ends the output. After stop() a reader that takes
+ * A slow reader blocks the writing thread; the first failed write ends the output. After stop(), a reader that reads
  * nothing for a second counts as gone, so that the program can end.
  */
 class PlainWriter {
@@ -26,7 +26,7 @@ public:
     /** Set when the reader is gone or a write failed. */
     const EventFd& ended() const { return mEnded; }
 
-    /** Throws std::system_error when a write failed for another reason than a reader that is gone. */
+    /** Throws std::system_error when a write failed, unless because the reader is gone. */
     void check() const;
 
 private:

@@ -6,7 +6,7 @@
 namespace monitor {
 
 /**
- * Turns signals into something that poll(2) can wait for: those that end the program, SIGWINCH and SIGTSTP. They are
+ * Makes signals available to poll(2): those that end the program, SIGWINCH and SIGTSTP. They are
  * blocked in the thread that creates this object and in all threads that it starts afterwards, so no handler ever runs.
  * SIGPIPE is ignored.
  */

@@ -18,7 +18,7 @@ namespace monitor {
 namespace {
 
 constexpr int kBackspace = 0x7F;
-constexpr int kEscapeDelay = 25;  // ms until an escape character counts as a key of its own
+constexpr int kEscapeDelay = 25;  // ms until an escape character counts as a key
 
 struct Look {
     short colour;
@@ -43,7 +43,7 @@ void defineColours() {
     }
 }
 
-/** What stands for a glyph where the locale's character set lacks it. */
+/** The ASCII replacement of a glyph that the locale's character set lacks. */
 wchar_t asciiFor(char32_t glyph) {
     constexpr std::u32string_view kGlyphs = U"─│┌┐└┘├┤·•●°░▁▂▃▄▅▆▇█";
     constexpr std::wstring_view kStandIns = L"-|++++||.*@ :__ooooO#";

@@ -10,10 +10,10 @@ namespace monitor {
 /** The terminal as a full screen. One object at a time, used by one thread. */
 class Terminal {
 public:
-    /** Takes the terminal over; null when standard output is none, or none that can be drawn on. */
+    /** Takes the terminal over; null when standard output is no terminal, or one that cannot be drawn on. */
     static std::unique_ptr<Terminal> open();
 
-    /** Gives the terminal back as it was. */
+    /** Restores the terminal. */
     ~Terminal();
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
@@ -21,7 +21,7 @@ public:
     int width() const;
     int height() const;
 
-    /** Takes over the size that the terminal has now. */
+    /** Adopts the terminal's present size. */
     void resize();
 
     /** Shows the canvas; only what has changed is sent. */
@@ -33,7 +33,7 @@ public:
     /** The next key that was pressed, as its ASCII character where it has one, or a negative number. Does not wait. */
     int readKey();
 
-    /** Stops the process as Ctrl-Z does, with the terminal given back meanwhile. */
+    /** Stops the process as Ctrl-Z does; the terminal is restored meanwhile. */
     void suspend();
 
 private:

@@ -7,7 +7,7 @@ namespace monitor {
 
 namespace {
 
-/** Takes the next character off well-formed UTF-8 text of at most three bytes a character. */
+/** Removes the next character from well-formed UTF-8 text of at most three bytes a character. */
 char32_t takeCharacter(std::string_view& utf8) {
     const auto lead = static_cast<unsigned char>(utf8.front());
     const std::size_t length = std::min<std::size_t>(lead < 0x80 ? 1 : lead < 0xE0 ? 2 : 3, utf8.size());

@@ -6,7 +6,7 @@
 
 namespace monitor {
 
-/** What a piece of the screen is; the terminal chooses how it looks. */
+/** Meaning of a part of the screen; the terminal chooses its look. */
 enum class Style : unsigned char { normal, title, rule, label, strong, good, warning, bad, faint };
 
 struct Cell {
@@ -44,10 +44,10 @@ private:
     std::vector<Cell> mCells;
 };
 
-/** A part of a canvas with coordinates of its own. What would fall outside is not drawn. */
+/** A part of a canvas with its own coordinates; nothing is drawn outside it. */
 class Panel {
 public:
-    /** The part of `canvas` that `area` covers; it may reach over the canvas's edges. */
+    /** The part of `canvas` that `area` covers; it may extend past the canvas's edges. */
     Panel(Canvas& canvas, Rect area) : mCanvas(canvas), mArea(area) {}
 
     int width() const { return mArea.width; }

@@ -33,7 +33,7 @@ inline constexpr int kCtrlL = 'L' & 0x1F;
 
 struct Key {
     int key;
-    std::string_view name;         ///< as a keyboard shows it
+    std::string_view name;         ///< as on a keyboard
     std::string_view label;        ///< for the help line; empty when it is not shown there
     std::string_view description;  ///< for the overlay, --help and the question
     Action action;

@@ -23,7 +23,7 @@ struct Layout {
 /**
  * From 80 by 24 on all panels but the satellite table (from 100 columns), the counts (138 columns) and the raw
  * sentences (38 rows); below that a single column.
- * @param isRawLarge the raw sentences take the place of all panels below the signals
+ * @param isRawLarge the raw sentences replace all panels below the signals
  */
 Layout makeLayout(int width, int height, bool isRawLarge);
 

@@ -52,7 +52,7 @@ std::string date(int year, const Record& record) {
     return fmt::format("{:04}-{:02}-{:02} ", year, record.Month, record.Day);
 }
 
-/** The fraction's digits are all that a record keeps of it; receivers send at least two of them. */
+/** A record keeps only the digits of the fraction; receivers send at least two. */
 template <class Record>
 std::string timeOfDay(const Record& record) {
     return fmt::format("{:02}:{:02}:{:02}.{:02} UTC", record.Hour, record.Minute, record.Second, record.MilliSecond);
@@ -87,7 +87,7 @@ Line dopLine(const View& view) {
     return {"DOP", fmt::format("P {:.2f}   H {:.2f}   V {:.2f}", gsa.PDOP, gsa.HDOP, gsa.VDOP), Style::normal, time};
 }
 
-/** The antenna's status comes when it changes: it is as old as the last sentence. */
+/** The antenna's status is sent when it changes, so it is as old as the last sentence. */
 Line antennaLine(const View& view) {
     const MonitorState& state = view.state;
     if (!state.antenna) return {"Antenna"};

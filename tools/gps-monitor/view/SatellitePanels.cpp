@@ -23,7 +23,7 @@ std::string snrText(const Satellite& satellite) {
     return satellite.snr > 0 ? std::to_string(satellite.snr) : "-";
 }
 
-/** As many as there is room for: untracked satellites give way first, then those that are not used. */
+/** As many as fit: untracked satellites are dropped first, then those that are not used. */
 std::vector<Satellite> chooseShown(std::vector<Satellite> satellites, int room) {
     const auto dropLast = [&](auto isDispensable) {
         for (std::size_t i = satellites.size(); i > 0 && std::ssize(satellites) > room; --i) {

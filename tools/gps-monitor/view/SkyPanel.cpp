@@ -36,13 +36,13 @@ private:
     double mRadius;
 };
 
-/** Writes labels that neither touch nor cover one another. */
+/** Writes labels that do not touch each other. */
 class Labels {
 public:
     explicit Labels(Panel& panel)
         : mPanel(panel), mTaken(static_cast<std::size_t>(panel.width()) * static_cast<std::size_t>(panel.height())) {}
 
-    /** As near to a place as there is room; a dot where there is none. */
+    /** As near to a place as possible; a dot when there is no room. */
     void write(Place place, std::string_view text, Style style) {
         constexpr Place kShifts[] = {{0, 0},  {-1, 0},  {1, 0},  {0, -1}, {0, 1},
                                      {-2, 0}, {-1, -1}, {-1, 1}, {1, -1}, {1, 1}};

@@ -10,10 +10,10 @@ namespace monitor {
 
 namespace {
 
-// A braille character has two columns of four dots, so that dots are as far apart across as down.
+// A braille character has two columns of four dots, equally far apart across and down.
 constexpr int kDotsAcross = 2;
 constexpr int kDotsDown = 4;
-constexpr double kSmallestExtent = 20;  // metres: a parked car's noise shall not fill the panel
+constexpr double kSmallestExtent = 20;  // metres, so that a parked car's noise does not fill the panel
 constexpr double kMetresPerDegree = 6371000 * std::numbers::pi / 180;
 
 /** A panel as a grid of dots. */

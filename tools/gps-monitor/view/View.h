@@ -25,7 +25,7 @@ struct View {
 /** Draws the whole screen, arranged for the canvas's size. */
 void drawScreen(Canvas& canvas, const View& view);
 
-// The panels, drawn into an area of their own.
+// The panels.
 void drawPosition(Panel panel, const View& view);
 void drawSignals(Panel panel, const View& view, const std::vector<Satellite>& satellites);
 void drawSky(Panel panel, const View& view, const std::vector<Satellite>& satellites);
