@@ -37,7 +37,7 @@ private:
 TEST(PlainOutput, HasTheOutcomeOfEveryRequestWithoutAReceiver) {
     Monitor monitor({"--device", "/nonexistent/gps", "--set-location", "--setting", "gps_setting_save_config",
                      "--setting", "GPS_SETTING_UNASSIGNED_24"});
-    monitor.expect({"status no receiver: cannot use /nonexistent/gps: No such file or directory\n",
+    monitor.expect({"status no receiver: /nonexistent/gps: No such file or directory\n",
                     "notifyGpsVersionInfo 128 u-blox 7c\n", "requestGpsSetting GPS_SETTING_SAVE_CONFIG false\n",
                     "log src/Public/Gps/private/Setting/GpsSettingManager:", "GPS_SETTING_UNASSIGNED_24 false\n",
                     "notifyGpsConnectionStatus GPS_CONNECTION_STATUS_OK\n", "setLocationData true\n",

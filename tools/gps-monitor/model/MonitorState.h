@@ -90,7 +90,7 @@ struct MonitorState {
     std::deque<Request> requests;  ///< oldest first
     std::optional<Timed<LOCATION_DATA>> location;
     std::deque<LogLine> log;      ///< oldest first
-    std::string lastLogMessage;   ///< without its place in the source
+    std::string lastLogMessage;   ///< of the thread that uses the library, without its place in the source
     std::deque<RawSentence> raw;  ///< oldest first
     std::optional<Recording> recording;
     std::string recordingProblem;  ///< why a recording ended early; empty when none did

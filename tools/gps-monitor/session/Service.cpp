@@ -32,7 +32,7 @@ void Service::LogSink::log(void* sink, const char* file, const char* function, i
     const std::string entry = where(path.substr(path.rfind('/') + 1), line, function) + message;
     self.mModel.update([&](MonitorState& state) {
         addLog(state, entry, std::time(nullptr));
-        state.lastLogMessage = message;
+        if (std::this_thread::get_id() == self.mThread) state.lastLogMessage = message;
     });
 }
 

@@ -1,6 +1,8 @@
 #ifndef GPS_MONITOR_SERVICE_H
 #define GPS_MONITOR_SERVICE_H
 
+#include <thread>
+
 #include "Gps/Gps.h"
 #include "tools/gps-monitor/session/Listeners.h"
 
@@ -37,6 +39,7 @@ private:
 
         Model& mModel;
         PlainWriter* mWriter;
+        const std::thread::id mThread = std::this_thread::get_id();
     };
 
     LogSink mLogSink;
