@@ -78,16 +78,19 @@ QvSharedMemory<T, N>::~QvSharedMemory() {
 
 template <class T, unsigned N>
 bool QvSharedMemory<T, N>::open(const char* objectName) {
-    mFd = qv_above_standard(shm_open(objectName, O_RDWR | O_CREAT | O_EXCL, kMode));
+    const auto openWith = [objectName](int flags) {
+        return qv_above_standard([&] { return shm_open(objectName, flags, kMode); });
+    };
+    mFd = openWith(O_RDWR | O_CREAT | O_EXCL);
     mIsCreator = mFd != -1;
     if (mIsCreator) return true;
     if (errno != EEXIST) {
         report(__LINE__, "shm_open error\n");
         return false;
     }
-    mFd = qv_above_standard(shm_open(objectName, O_RDWR | O_CREAT, kMode));
+    mFd = openWith(O_RDWR | O_CREAT);
     // With fs.protected_regular set, O_CREAT is refused for another user's object in spite of its mode.
-    if (mFd == -1 && errno == EACCES) mFd = qv_above_standard(shm_open(objectName, O_RDWR, kMode));
+    if (mFd == -1 && errno == EACCES) mFd = openWith(O_RDWR);
     struct stat status {};
     // Empty while the lock is held: its creator died before sizing it, so this process becomes the creator.
     mIsCreator = mFd != -1 && fstat(mFd, &status) == 0 && status.st_size == 0;

@@ -16,7 +16,7 @@ constexpr int kNoFile = -1;
 
 /** A descriptor for reading, or -1 with the reason in errno. */
 int openRegularFile(const char* path) {
-    const int file = qv_above_standard(::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    const int file = qv_above_standard([path] { return ::open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); });
     if (file == kNoFile) return kNoFile;
     struct stat status {};
     if (fstat(file, &status) == 0 && S_ISREG(status.st_mode)) return file;

@@ -79,7 +79,7 @@ void release(int device) {
  * would keep it after its holder is killed.
  */
 int openDevice(const char* path, unsigned speed) {
-    const int device = qv_above_standard(::open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    const int device = qv_above_standard([path] { return ::open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC); });
     if (device == kNoDevice) return kNoDevice;
     if (flock(device, LOCK_EX | LOCK_NB) != 0) {
         const int reason = errno == EWOULDBLOCK ? EBUSY : errno;
@@ -96,7 +96,7 @@ int openDevice(const char* path, unsigned speed) {
 
 GpsHalSerialLink::GpsHalSerialLink(std::string device, unsigned speed)
     : mPath(std::move(device)),
-      mWakeUp(qv_above_standard(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))),
+      mWakeUp(qv_above_standard([] { return eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK); })),
       mDevice(kNoDevice),
       mSpeed(speed) {}
 

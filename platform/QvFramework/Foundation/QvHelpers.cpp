@@ -8,6 +8,9 @@
 #include <cstring>
 #include <ctime>
 
+#include "QvFramework/Foundation/QvSync.h"
+#include "QvFramework/Foundation/QvSyncGuard.h"
+
 void qv_msleep(unsigned int ms) {
     timespec left{static_cast<time_t>(ms / 1000), static_cast<long>(ms % 1000) * 1000000L};
     while (nanosleep(&left, &left) != 0 && errno == EINTR) {
@@ -26,13 +29,21 @@ char* qv_strncpy(char* destination, std::size_t size, const char* source, std::s
     return destination;
 }
 
-int qv_above_standard(int fd) {
-    if (fd < STDIN_FILENO || fd > STDERR_FILENO) return fd;
-    const int higher = fcntl(fd, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+int qv_above_standard(const std::function<int()>& open) {
+    static QvSync& sync = *new QvSync;  // never destroyed: threads may use it after the static destructors
+    QvSyncGuard guard(sync);            // no other thread closes a placeholder before `open` has returned
+    int placeholders[] = {-1, -1, -1};
+    int result = 0;
+    for (int fd = STDIN_FILENO; fd <= STDERR_FILENO && result != -1; ++fd) {
+        if (fcntl(fd, F_GETFD) == -1) result = placeholders[fd] = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    }
+    if (result != -1) result = open();
     const int error = errno;
-    close(fd);
+    for (const int placeholder : placeholders) {
+        if (placeholder != -1) close(placeholder);
+    }
     errno = error;
-    return higher;
+    return result;
 }
 
 int qv_get_last_err() {

@@ -2,6 +2,7 @@
 #define QVFRAMEWORK_FOUNDATION_QV_HELPERS_H
 
 #include <cstddef>
+#include <functional>
 
 /** Sleeps at least the given milliseconds; signals do not shorten it. */
 void qv_msleep(unsigned int ms);
@@ -12,11 +13,11 @@ char* qv_strcpy(char* destination, std::size_t size, const char* source);
 char* qv_strncpy(char* destination, std::size_t size, const char* source, std::size_t count);
 
 /**
- * Replaces a newly opened descriptor that is 0, 1 or 2, which the host may have closed, by a higher one
- * (close-on-exec): what the host prints must never reach a file, a device or shared memory.
- * @return the descriptor to use; -1, with `errno`, when `fd` is -1 or there is no higher one
+ * Calls `open`, which opens one descriptor, while /dev/null takes the place of those of 0, 1 and 2 that the host has
+ * closed: what the host prints must not reach a file, a device or shared memory, not even for a moment.
+ * @return the result of `open`; -1, with `errno`, when /dev/null could not be opened
  */
-int qv_above_standard(int fd);
+int qv_above_standard(const std::function<int()>& open);
 
 /** The calling thread's last error number. */
 int qv_get_last_err();

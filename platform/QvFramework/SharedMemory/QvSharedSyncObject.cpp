@@ -100,9 +100,9 @@ bool publish(int fd, const std::string& path) {
 
 int openObject(const std::string& path) {
     for (;;) {
-        int fd = qv_above_standard(open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+        int fd = qv_above_standard([&] { return open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK); });
         if (fd != -1 || errno != ENOENT) return fd;
-        fd = qv_above_standard(open(kDirectory, O_TMPFILE | O_RDWR | O_CLOEXEC, kMode));
+        fd = qv_above_standard([] { return open(kDirectory, O_TMPFILE | O_RDWR | O_CLOEXEC, kMode); });
         if (fd == -1 || publish(fd, path)) return fd;
         close(fd);
         if (errno != EEXIST) return -1;  // else another process was first

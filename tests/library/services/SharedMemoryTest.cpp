@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <numeric>
+#include <thread>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/Setting/GpsSettingManager.h"
@@ -74,10 +75,20 @@ TEST_F(SharedMemory, SegmentWithoutItsLockCountsAsUnmapped) {
     EXPECT_NE(Memory("QVSDK_TestUnlocked").getData(), nullptr) << "the next holder works";
 }
 
-TEST_F(SharedMemory, StandardErrorThatTheHostHasClosedIsNotTaken) {
+TEST_F(SharedMemory, StandardErrorThatTheHostHasClosedIsNotTakenEvenForAMoment) {
     expectInProcess([] {
         close(STDERR_FILENO);
-        EXPECT_NE(Memory("QVSDK_TestClosed").getData(), nullptr);
+        std::jthread logger([](const std::stop_token& end) {
+            while (!end.stop_requested())
+                EXPECT_NE(write(STDERR_FILENO, "text", 4), 0);
+        });
+        for (int round = 0; round < 300; ++round) {
+            const std::string name = "QVSDK_TestClosed" + std::to_string(round);
+            EXPECT_NE(Memory(name.c_str()).getData(), nullptr);
+            std::filesystem::remove(objectPath(name));
+            std::filesystem::remove(objectPath(name + ".lock"));
+        }
+        logger = {};
         EXPECT_EQ(dup(STDOUT_FILENO), STDERR_FILENO) << "it is still closed";
     });
 }
