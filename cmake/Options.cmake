@@ -6,11 +6,11 @@ add_library(QvGpsOptions INTERFACE)
 target_compile_options(QvGpsOptions INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
-  # GCC 12 reports overlaps in the additions of its own strings (its bug 105651).
+  # GCC 12 reports false overlaps in std::string additions (GCC bug 105651).
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
-  # Position arithmetic gives the same bits whether or not the processor can fuse multiply and add.
+  # No fused multiply-add, so that position arithmetic gives the same bits on every processor.
   -ffp-contract=off
-  # The same sources give the same bytes in whatever directory they are built.
+  # The same sources give the same bytes in any build directory.
   -ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 
 if(QVGPS_SANITIZE)

@@ -1,6 +1,5 @@
-// Sets the receiver to the Tokyo datum and prints each position as two listeners get it, until Enter is pressed: as the
-// receiver reports it, and converted back to WGS84. The receiver, and every process that uses it, stays in the Tokyo
-// datum afterwards.
+// Sets the receiver to the Tokyo datum and prints each position twice, until Enter is pressed: as the receiver reports
+// it, and converted back to WGS84. The receiver stays in the Tokyo datum afterwards, for every process that uses it.
 
 #include <cstdio>
 #include <cstring>

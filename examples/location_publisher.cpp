@@ -1,5 +1,5 @@
-// Publishes a location once a second, ten times, and prints what comes back. Every process with location listeners gets
-// the same.
+// Publishes a location once a second, ten times, and prints what its listener gets. Location listeners in all other
+// processes get the same.
 
 #include <chrono>
 #include <cstdio>

@@ -1,6 +1,6 @@
 // Prints once a second whether the vehicle's position can be trusted: it must come from a valid fix of good geometry
-// and be recent. A receiver that loses its fix goes on sending, and one that is unplugged sends nothing at all, so a
-// client must look at both the status and the age. Ends after the given number of seconds (default 60).
+// and be recent. A receiver that loses its fix keeps sending, and one that is unplugged sends nothing, so a client must
+// check both the status and the age. Ends after the given number of seconds (default 60).
 
 #include <chrono>
 #include <cstdio>
@@ -12,7 +12,7 @@
 
 typedef std::chrono::steady_clock Clock;
 
-/** The newest valid position. Notifications come on the receive thread, the question on the main thread. */
+/** The newest valid position: set on the receive thread, read on the main thread. */
 class LastPosition : public GpsParseNmeaListener {
 public:
     void print() const {

@@ -27,7 +27,7 @@ GpsSettingManager& manager() {
 
 }  // namespace
 
-/** Every piece begins with its length: 0 requests a setting, anything else is a received frame of so many bytes. */
+/** Every piece begins with its length: 0 requests a setting, any other value is the size of a received frame. */
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     silenceLog();
     Listener listener;

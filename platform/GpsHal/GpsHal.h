@@ -56,7 +56,7 @@ public:
     bool sendData(const void* data, unsigned length);
 
     /**
-     * Commands to the HAL itself. Code 0 sets the speed of its own end of the link: value 0, 2 or 4 for 9600, 38400
+     * Commands to the HAL itself. Code 0 sets the speed of the HAL's end of the link: value 0, 2 or 4 for 9600, 38400
      * or 115200 baud. False for any other code or value, and without an open link.
      */
     bool sendCommand(unsigned code, unsigned& value);

@@ -16,7 +16,7 @@ class GpsHalMemoryPeer {
 public:
     using WriteHook = std::function<bool(std::string_view)>;
 
-    /** Sends bytes to the library and returns at once. They wait, without limit, until the link is open and reads. */
+    /** Sends bytes to the library and returns at once. They are kept until the link is open and reads them. */
     void send(std::string_view bytes);
     /** Waits until every byte sent so far was read and the reader has come back for more, that is until all observers
      *  have been notified of the last chunk. False after `ms` milliseconds without that. */

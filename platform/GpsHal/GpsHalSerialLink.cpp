@@ -43,7 +43,7 @@ bool drain(int device) {
     return true;
 }
 
-/** Sets raw mode and the speed at once. */
+/** Sets raw mode and the speed. */
 bool configure(int device, unsigned value) {
     const auto* const row = std::ranges::find(kGpsHalSpeeds, value, &GpsHalSpeed::value);
     termios settings{};

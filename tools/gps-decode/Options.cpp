@@ -13,7 +13,7 @@ constexpr char kDescription[] =
     "Decodes the byte stream that a receiver sent, by the rules of the GPS service, and writes what its listeners\n"
     "would get: one of raw sentences, one of parsed sentences, one of the antenna status and one of production\n"
     "results. Standard output is one JSON object a line for each notification, in order; other options write a track,\n"
-    "a table or a page instead. Nothing that processes share is touched.";
+    "a table or a page instead. The memory that processes share is not used.";
 
 constexpr char kFooter[] =
     "TIME is UTC, such as 2026-11-16T01:02:03 or, on any day, 01:02:03. EVENT is raw, epoch, gga, gll, gsa, gsv, rmc,\n"
@@ -25,10 +25,10 @@ constexpr char kFooter[] =
     "\n"
     "The last line on standard error counts, for the whole stream,\n"
     "  chunks         NMEA sentences (\"$\" to line feed) and UBX frames with a good checksum found in the stream;\n"
-    "  delivered      chunks for which at least one of the four listeners was notified, whether or not it is written;\n"
+    "  delivered      chunks for which at least one of the four listeners was notified, also if not written;\n"
     "  refused        all other chunks;\n"
     "  bytes dropped  bytes of the stream that belong to no chunk, an unfinished chunk at its end included.\n"
-    "A line before it, if there are any, counts the chunks that gave no record and no antenna status, by reason:\n"
+    "If there are chunks that gave no record and no antenna status, the line before it counts them by reason:\n"
     "  checksum  the checksum of a sentence is missing or wrong;\n"
     "  length    a sentence is longer than 128 characters;\n"
     "  line end  a sentence ends in LF alone;\n"
@@ -37,7 +37,7 @@ constexpr char kFooter[] =
     "  kind      there is no record for a sentence of this kind;\n"
     "  text      a text of the receiver other than the antenna status;\n"
     "  frame     a UBX frame that is no production result.\n"
-    "The raw-sentence listener gets sentences of the first four and of unknown kind all the same.\n"
+    "The raw-sentence listener also gets those of the first four reasons and of unknown kind.\n"
     "\n"
     "A track has one point for each time with an RMC or GGA fix, the elevation from GGA and the date from RMC or ZDA.\n"
     "A new segment begins where the fix was lost, the receiver started, time went back or more than --gap seconds\n"
@@ -45,7 +45,7 @@ constexpr char kFooter[] =
     "output is not.\n"
     "\n"
     "SIGINT (Ctrl-C), SIGTERM and SIGHUP end the input: what has been read is written and counted. The exit status is\n"
-    "then 128 plus the signal's number; 0 at the end of the input and when the reader of the output has gone; 1 when\n"
+    "then 128 plus the signal's number; 0 at the end of the input and when the reader of the output closes it; 1 when\n"
     "something cannot be read or written; 2 for bad use.";
 
 const std::map<std::string, GeodeticSystem> kDatums{{"wgs84", GEODETIC_SYSTEM_WGS84}, {"tokyo", GEODETIC_SYSTEM_TOKYO}};
@@ -119,8 +119,8 @@ void addOptions(CLI::App& app, Options& options, Typed& typed) {
     app.add_flag("--unfinished", typed.isUnfinished, "The receiver has not finished changing its datum");
     app.add_flag("--lf", options.setup.readsLfAsCrLf, "Read LF at the end of a sentence as CR LF");
     addForms(app, options);
-    app.add_option("--from", typed.from, "Write nothing from before this time")->option_text("TIME");
-    app.add_option("--to", typed.to, "Write nothing from after this time")->option_text("TIME");
+    app.add_option("--from", typed.from, "Write nothing before this time")->option_text("TIME");
+    app.add_option("--to", typed.to, "Write nothing after this time")->option_text("TIME");
     app.add_option("--gap", typed.gap, "Time without a fix that begins a new track segment (default 10)")
         ->option_text("SECONDS");
     app.add_flag("--verbose", options.setup.isVerbose, "Show the library's messages on standard error");

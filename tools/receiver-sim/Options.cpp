@@ -14,7 +14,7 @@ constexpr char kDescription[] =
     "A simulated u-blox 7c receiver on a pseudo-terminal, whose path is the first line on standard output.";
 
 constexpr char kFooter[] =
-    "The receiver starts when a client first opens the terminal. Without a client, a drive goes on and a replay\n"
+    "The receiver starts when a client first opens the terminal. Without a client, a drive continues and a replay\n"
     "pauses. At the end of a log the receiver sends nothing more but still answers. While the client's terminal\n"
     "speed differs from the port's, the client reads noise and its commands are lost. The receiver has no fix\n"
     "while the antenna is open. SIGINT, SIGTERM and SIGHUP end the simulator.";

@@ -48,7 +48,7 @@ unsigned kindBit(const Event::Content& content) {
 
 void Report::write(const Event& event, std::string& text) {
     if (std::holds_alternative<std::string_view>(event.content)) return;  // comes before the record of its time
-    FixFormat::write(event, text);  // the fix of the last time, before time goes on
+    FixFormat::write(event, text);  // writes the fix of the last time, before time advances
     addToEpoch(event);
     mLog.time.advance(event.time);
     if (const auto* const gsv = std::get_if<const GPGSV*>(&event.content))

@@ -14,7 +14,7 @@
 namespace monitor {
 
 /**
- * Makes requests of the library one after another on a thread of its own, so that neither sending nor waiting for an
+ * Makes requests of the library one after another on its own thread, so that neither sending nor waiting for an
  * answer blocks the caller. The outcome goes to the model, and to the writer when there is one.
  *
  * All operations return at once. The destructor drops what has not been started.

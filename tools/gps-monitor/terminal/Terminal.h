@@ -27,7 +27,7 @@ public:
     /** Shows the canvas; only what has changed is sent. */
     void show(const Canvas& canvas);
 
-    /** Sends everything anew with the next show(). */
+    /** Makes the next show() send everything. */
     void redraw();
 
     /** The next key that was pressed, as its ASCII character where it has one, or a negative number. Does not wait. */

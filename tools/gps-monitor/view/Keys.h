@@ -38,7 +38,7 @@ struct Key {
     std::string_view description;  ///< for the overlay, --help and the question
     Action action;
     GpsSetting setting = GPS_SETTING_SAVE_CONFIG;  ///< for Action::setting
-    bool asksFirst = false;                        ///< the user has to confirm it
+    bool asksFirst = false;                        ///< the user must confirm it
 };
 
 /** First the keys of the screen, in the order of the help line, then those that send something. */
@@ -47,7 +47,7 @@ inline constexpr std::array kKeys{
     Key{'?', "?", "keys", "show all keys", Action::help},
     Key{'m', "m", "view", "sky, track or signal history", Action::side},
     Key{'n', "n", "NMEA", "raw sentences", Action::raw},
-    Key{' ', "space", "pause", "hold the raw sentences", Action::pause},
+    Key{' ', "space", "pause", "pause the raw sentences", Action::pause},
     Key{'/', "/", "filter", "filter the raw sentences", Action::filter},
     Key{'w', "w", "record", "record the raw sentences", Action::record},
     Key{'d', "d", "degrees", "format of coordinates", Action::coordinates},

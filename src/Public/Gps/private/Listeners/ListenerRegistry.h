@@ -10,8 +10,7 @@
 #include "Gps/private/Listeners/GpsListenerList.h"
 
 /**
- * The listeners of one kind, in order of registration: at most LISTENER_LIST_MAX entries, each a listener, alone or
- * with its datum.
+ * The listeners of one kind, some with a datum, in order of registration: at most LISTENER_LIST_MAX entries.
  *
  * Any thread may call listeners while others register and unregister. A removed listener is not called after
  * GpsListenerCalls::waitUntilNotCalled has returned. No lock is held while a listener runs. Calling allocates nothing.
@@ -54,7 +53,7 @@ public:
 
     /**
      * Calls `notify(entry)` with one entry after another until it returns false, at most LISTENER_LIST_MAX times.
-     * Listeners that register meanwhile are called too; one that unregisters does not make others be skipped.
+     * Listeners that register meanwhile are called too; the removal of one does not skip others.
      * @return number of calls
      */
     template <class Notify>

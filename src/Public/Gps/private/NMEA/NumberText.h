@@ -45,25 +45,25 @@ Word wordAt(const char* text) {
     (std::make_index_sequence<sizeof(Word)>{});
 }
 
-/** The same byte in each place. */
+/** A word of equal bytes. */
 template <class Word>
 constexpr Word everywhere(unsigned char byte) {
     return static_cast<Word>(byte * (~Word{0} / 0xFF));
 }
 
-/** Digits as their values; any other character as a byte above 9. */
+/** The values of digits; other characters become bytes above 9. */
 template <class Word>
 Word digitsAt(const char* text) {
     return wordAt<Word>(text) ^ everywhere<Word>('0');
 }
 
-/** Sets the top bit of each byte above 9; those before the first such byte are 0. */
+/** Sets the top bit of each byte above 9; bytes before the first such byte become 0. */
 template <class Word>
 constexpr Word nonDigits(Word digits) {
     return ((digits + everywhere<Word>(0x7F - 9)) | digits) & everywhere<Word>(0x80);
 }
 
-/** Every second byte, from the lowest on, as two digits: its own and the next. The others are meaningless. */
+/** Combines digits in pairs: bytes 0, 2, ... become 10 times their digit plus the next. The others are meaningless. */
 template <class Word>
 constexpr Word pairsOf(Word digits) {
     return digits * 10 + (digits >> 8);

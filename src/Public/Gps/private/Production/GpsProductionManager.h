@@ -32,7 +32,7 @@ public:
 
     // Received frames, on the receive thread.
 
-    /** Notifies one listener of an acknowledgement, by the request type alone, which stays until the next request. */
+    /** Notifies one listener of an acknowledgement, by the request type only, which stays until the next request. */
     bool switchGpsProductionResponse(const char* data, unsigned int length, const GpsProductionListener* listener);
     /** False for a test result that is incomplete or too short; true for any other chunk. */
     bool parseGpsProductionData(const char* data, const GpsProductionListener* listener, unsigned int length);
