@@ -74,7 +74,7 @@ FixFormat::Epoch& FixFormat::epochOf(const Event& event, bool Epoch::*has, std::
         return any ? std::optional(any->ofDay()) : std::nullopt;
     };
     if (mEpoch && (ofDay(mEpoch->fix.time) != ofDay(time) || (*mEpoch).*has)) finishFix(text);
-    if (!mEpoch) mEpoch.emplace();
+    if (!mEpoch) mEpoch = Epoch();
     mEpoch->fix.time = time;
     mEpoch->fix.starts = event.starts;
     (*mEpoch).*has = true;
