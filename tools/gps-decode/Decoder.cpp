@@ -87,6 +87,10 @@ void Decoder::receive(const char* name, const Event::Content& content) {
     mFormat.write({name, content, mChunk, mClock.now(), mHasTime, mStarts}, mText);
 }
 
+constexpr sentence_text::Kind kParsedKinds[] = {
+    sentence_text::Kind::GGA, sentence_text::Kind::GLL, sentence_text::Kind::GSA, sentence_text::Kind::GSV,
+    sentence_text::Kind::RMC, sentence_text::Kind::VTG, sentence_text::Kind::ZDA, sentence_text::Kind::PUBX};
+
 /** Why the current sentence, already parsed, may have given no record. */
 Refusal Decoder::sentenceRefusal() const {
     if (!mIsChecked) {
@@ -94,7 +98,8 @@ Refusal Decoder::sentenceRefusal() const {
         return mChunk.ends_with("\r\n") ? Refusal::Checksum : Refusal::LineEnd;
     }
     if (!mLog.missingField().empty()) return Refusal::Field;
-    if (sentence_text::kindOf(mSentence) == sentence_text::Kind::Other) return Refusal::Kind;
+    if (std::ranges::find(kParsedKinds, sentence_text::kindOf(mSentence)) == std::end(kParsedKinds))
+        return Refusal::Kind;
     return mIsDelivered && isPartOfCycle(mChunk) ? Refusal::None : Refusal::Datum;
 }
 
