@@ -1,5 +1,8 @@
 #include "tools/gps-decode/Decoder.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/NMEA/SentenceDelivery.h"
 
