@@ -161,9 +161,10 @@ void GpsHal::Reception::receive(const unsigned char* bytes, unsigned length) {
         mSpeedRequests = mHal->mSpeedRequests;
         mSpeedWatch.reset();
     }
-    if (mSpeedWatch.receive(mFramer.chunks() != chunks, GpsHalSpeedWatch::Clock::now())) {
-        mFramer.finish(sink);  // a frame with a damaged length may contain good sentences
+    if (mSpeedWatch.receive(mFramer.chunks() != chunks, mFramer.isInsideFrame(), GpsHalSpeedWatch::Clock::now())) {
+        mFramer.pause(sink);  // a frame with a damaged length may contain good sentences
         if (mFramer.chunks() == chunks) return tryNextSpeed();
+        mSpeedWatch.reset();
     }
     if (mFramer.chunks() != chunks) mIsTryingSpeeds = false;
 }

@@ -12,9 +12,9 @@
  * The link to the receiver: one counted instance per process, with one receive thread while reception runs.
  *
  * Observers get every chunk (one NMEA sentence or one UBX frame, see GpsHalFramer) with event code 0 on the receive
- * thread. An absent device is tried again every 500 ms. When bytes arrive for two seconds without a chunk, the receiver
- * has another speed than the link, as after a reset: the other speeds are tried in turn, each for two seconds, until
- * chunks arrive or a client sets a speed.
+ * thread. An absent device is tried again every 500 ms. When bytes arrive for two seconds without a chunk (inside
+ * a frame for eleven, see GpsHalSpeedWatch), the receiver has another speed than the link, as after a reset: the other
+ * speeds are tried in turn, each for as long, until chunks arrive or a client sets a speed.
  */
 class GpsHal : public QvSubject, public std::enable_shared_from_this<GpsHal> {
 public:

@@ -38,6 +38,8 @@ public:
     /** Drops the bytes of an unfinished chunk, to be ready for another stream. */
     void reset();
 
+    /** Whether the last bytes are the beginning of a frame. */
+    bool isInsideFrame() const { return mBegin < mEnd && mBuffer[mBegin] != '$'; }
     /** Chunks found since construction. */
     unsigned long chunks() const { return mChunks; }
     /** Bytes dropped since construction. Those of an unfinished chunk do not count yet. */

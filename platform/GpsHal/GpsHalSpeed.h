@@ -29,12 +29,16 @@ public:
     /** The link has been opened, or has changed its speed. */
     void reset() { mLast = Time(); }
 
-    /** Bytes have arrived. True when bytes have been arriving for two seconds, and no chunk. */
-    bool receive(bool hasChunk, Time now) {
+    /**
+     * Bytes have arrived. True when bytes have been arriving for two seconds, and no chunk; inside a frame for eleven,
+     * as the longest frame takes 8.6 s at 9600 baud and may begin when the two seconds end.
+     */
+    bool receive(bool hasChunk, bool isInsideFrame, Time now) {
         constexpr std::chrono::seconds kLimit{2};
+        constexpr std::chrono::seconds kLimitInsideFrame{11};
         if (hasChunk || now - mLast >= kLimit) mBegin = now;  // isolated bytes are noise
         mLast = now;
-        return now - mBegin >= kLimit;
+        return now - mBegin >= (isInsideFrame ? kLimitInsideFrame : kLimit);
     }
 
 private:

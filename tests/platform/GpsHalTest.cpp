@@ -134,8 +134,9 @@ TEST_F(GpsHalTest, AwaitsAnAbsentLinkAndDeliversWhatWasCompleteWhenItWasLost) {
 
 TEST(SpeedWatch, FiresAfterTwoSecondsOfBytesWithoutAChunk) {
     GpsHalSpeedWatch watch;
-    const auto bytes = [&](int ms, bool hasChunk = false) {
-        return watch.receive(hasChunk, GpsHalSpeedWatch::Time(std::chrono::hours(1) + std::chrono::milliseconds(ms)));
+    const auto bytes = [&](int ms, bool hasChunk = false, bool isInsideFrame = false) {
+        return watch.receive(hasChunk, isInsideFrame,
+                             GpsHalSpeedWatch::Time(std::chrono::hours(1) + std::chrono::milliseconds(ms)));
     };
     EXPECT_FALSE(bytes(0) || bytes(1000) || bytes(1999));
     EXPECT_TRUE(bytes(2000));
@@ -145,6 +146,10 @@ TEST(SpeedWatch, FiresAfterTwoSecondsOfBytesWithoutAChunk) {
     EXPECT_FALSE(bytes(4600) || bytes(6599)) << "at another speed";
     EXPECT_FALSE(bytes(8599) || bytes(10598)) << "after two seconds of silence";
     EXPECT_TRUE(bytes(10599));
+    EXPECT_FALSE(bytes(20000, true));
+    for (int ms = 21500; ms < 31000; ms += 500)
+        EXPECT_FALSE(bytes(ms, false, true)) << "this frame may still end";
+    EXPECT_TRUE(bytes(31000, false, true));
 }
 
 TEST_F(GpsHalTest, TriesOtherSpeedsWhileBytesAreNoChunksAndLeavesThatOfAClient) {
@@ -153,7 +158,7 @@ TEST_F(GpsHalTest, TriesOtherSpeedsWhileBytesAreNoChunksAndLeavesThatOfAClient) 
     receive(kSentences[0]);
     const auto noiseUntil = [&](auto isDone) {
         while (!isDone()) {
-            receive("\xB5\x62\x06\x01\xFF\x1F");
+            receive("noise");
             mPeer->waitForOpen(false, 50);
         }
     };
@@ -314,6 +319,25 @@ TEST_F(GpsHalTest, LogsWhyItCannotStart) {
         EXPECT_FALSE(send("x"));
         EXPECT_THAT(capture.texts(), ElementsAreArray(log));
     }
+}
+
+TEST_F(GpsHalTest, LosesNothingAndKeepsItsSpeedAfterADamagedFrameOnALineThatIsNeverSilent) {
+    ChunkObserver observer(mHal);
+    ASSERT_TRUE(mHal->start());
+    receive("\xB5\x62\x06\x01\xFF\x1F");  // claims 8191 bytes
+    std::vector<std::string> sent;
+    const auto sendByteByByte = [&] {
+        sent.push_back(kSentences[sent.size() % 4]);
+        for (const char byte : sent.back()) {
+            receive({byte});
+            mPeer->waitForOpen(false, 50);
+        }
+    };
+    while (observer.chunks().empty())
+        sendByteByByte();
+    sendByteByByte();
+    EXPECT_EQ(observer.chunks(), sent);
+    EXPECT_THAT(mLog.texts(), IsEmpty());
 }
 
 }  // namespace
