@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cstdlib>
 
-/** When a storm that begins now is over: soon, or after as many seconds as QVGPS_ENDURANCE_SECONDS says. */
+/** When a storm that begins now is over: soon, or after as many seconds as QVGPS_ENDURANCE_SECONDS asks for. */
 inline std::chrono::steady_clock::time_point endOfStorm() {
     const char* const seconds = std::getenv("QVGPS_ENDURANCE_SECONDS");
     constexpr std::chrono::milliseconds kShort{1500};

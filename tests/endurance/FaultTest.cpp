@@ -1,8 +1,8 @@
 #include <cerrno>
-#include <filesystem>
 
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/Receiver.h"
+#include "tests/support/ScratchDirectory.h"
 #include "tests/support/SystemFaults.h"
 
 // The service while the system refuses what its platform asks for.
@@ -36,10 +36,7 @@ protected:
         setenv("GPSHAL_DEVICE", mName.c_str(), 1);
         GpsHal::setLink(nullptr);
     }
-    ~SerialReceiver() override {
-        unsetenv("GPSHAL_DEVICE");
-        std::filesystem::remove_all(mDirectory);
-    }
+    ~SerialReceiver() override { unsetenv("GPSHAL_DEVICE"); }
 
     /** A sentence comes, a request goes and is answered, and a sentence comes. */
     void expectService(GpsController& controller) {
@@ -62,8 +59,8 @@ protected:
         return texts;
     }
 
-    std::string mDirectory = testing::TempDir() + "receiver-XXXXXX";
-    const std::string mName = std::string(mkdtemp(mDirectory.data())) + "/gps";
+    const ScratchDirectory mDirectory;
+    const std::string mName = mDirectory.path("gps");
     LogCapture mLog;
     std::unique_ptr<Receiver> mReceiver = std::make_unique<Receiver>(mName, true);
     Counter mCounter;

@@ -70,7 +70,7 @@ void expectSignalsBlocked(const std::string& thread) {
     EXPECT_EQ(std::stoul(word, nullptr, 16) & kAll, kAll) << word;
 }
 
-TEST(Host, MayLoadUnloadAndForkWithoutATraceOfTheGuest) {
+TEST(Host, LoadsUnloadsAndForksWithoutLeftovers) {
     constexpr int kRounds = 100;
     constexpr int kSettled = 10;  // by then everything that is kept on purpose is there
     const Names own = ownThreads();
@@ -99,7 +99,8 @@ TEST(Host, MayLoadUnloadAndForkWithoutATraceOfTheGuest) {
                     prompt();
             });
             for (int i = 0; i < 20; ++i) {
-                EXPECT_EQ(exitCodeOf(startProcess([] { std::exit(0); })), 0) << "its exit handlers harm no parent";
+                EXPECT_EQ(exitCodeOf(startProcess([] { std::exit(0); })), 0)
+                    << "its exit handlers leave the parent alone";
                 EXPECT_EQ(exitCodeOf(startProcess([] { execl("/bin/true", "true", nullptr); })), 0);
             }
             isOver = true;

@@ -10,18 +10,18 @@
 namespace {
 
 std::atomic<unsigned long> gNotifications{0};
-std::atomic<unsigned long> gLeft{0};
+std::atomic<unsigned long> gUnregistered{0};
 
-class Mortal : public Listener {
+class ShortLived : public Listener {
 public:
-    Mortal() : Listener("mortal") {
+    ShortLived() : Listener("S") {
         setHook([this] {
             ++gNotifications;
             mIsNotified = true;
             mIsNotified.notify_all();
         });
     }
-    ~Mortal() override { ++gLeft; }
+    ~ShortLived() override { ++gUnregistered; }
 
     void waitUntilNotified() const { mIsNotified.wait(false); }
 
@@ -47,16 +47,16 @@ protected:
     }
 
     /** One listener registers for some kinds, waits for a notification or not, and unregisters. */
-    void comeAndGo(unsigned long kinds, bool isPatient) {
-        const auto listener = std::make_unique<Mortal>();
-        const auto forItsKinds = [&](auto operation) {
+    void registerAndUnregister(unsigned long kinds, bool waitsForNotification) {
+        const auto listener = std::make_unique<ShortLived>();
+        const auto forEachKind = [&](auto operation) {
             for (std::size_t i = 0; i < std::size(kKinds<GpsController>); ++i) {
                 if ((kinds >> i & 1U) != 0) (kKinds<GpsController>[i].*operation)(*mController, listener.get());
             }
         };
-        forItsKinds(&Kind<GpsController>::add);
-        isPatient ? listener->waitUntilNotified() : std::this_thread::yield();
-        forItsKinds(&Kind<GpsController>::remove);
+        forEachKind(&Kind<GpsController>::add);
+        waitsForNotification ? listener->waitUntilNotified() : std::this_thread::yield();
+        forEachKind(&Kind<GpsController>::remove);
     }
 
     static constexpr unsigned long kLocations = 1UL << 2;
@@ -80,18 +80,21 @@ TEST_F(RegistrationStorm, notifiesNoListenerThatHasUnregistered) {
         mController->setLocationData(&kNowhere);
     });
     for (unsigned seed = 1; seed <= 3; ++seed) {
-        repeat([this, random = std::minstd_rand(seed)]() mutable { comeAndGo(random() & ~kLocations, false); });
+        repeat([this, random = std::minstd_rand(seed)]() mutable {
+            registerAndUnregister(random() & ~kLocations, false);
+        });
     }
-    repeat([this] { comeAndGo(kLocations, false); });
-    repeat([this] { comeAndGo(kLocations, true); });
+    repeat([this] { registerAndUnregister(kLocations, false); });
+    repeat([this] { registerAndUnregister(kLocations, true); });
     for (std::future<void>& step : mSteps) {
         step.wait_until(mEnd);
         expectDone(step, "a thread of the storm");
     }
-    std::printf("%lu listeners came and went, %lu notifications\n", gLeft.load(), gNotifications.load());
+    std::printf("%lu listeners were registered and unregistered, %lu notifications\n", gUnregistered.load(),
+                gNotifications.load());
     EXPECT_GT(gNotifications, 0U);
 
-    const Mortal last;  // destroyed after the controller, which still receives the flood
+    const ShortLived last;  // destroyed after the controller, which still receives the flood
     mController->registerGpsLocationDataListener(&last);
     mController->setLocationData(&kNowhere);
     auto delivery = std::async(std::launch::async, [&last] { last.waitUntilNotified(); });

@@ -265,6 +265,20 @@ TEST_F(GpsHalTest, CallsNoObserverAfterItsRemoval) {
     }
 }
 
+TEST_F(GpsHalTest, RemovingObserversInsideANotificationSkipsNoOther) {
+    std::unique_ptr<ChunkObserver> second, fourth;
+    ChunkObserver first(mHal);
+    second = std::make_unique<ChunkObserver>(mHal, [&] { second->detach(); });
+    ChunkObserver third(mHal, [&] { first.detach(), fourth->detach(); });
+    fourth = std::make_unique<ChunkObserver>(mHal);
+    ChunkObserver fifth(mHal);
+    ASSERT_TRUE(mHal->start());
+    receive(kSentences[0] + kSentences[1]);
+    const std::size_t counts[] = {first.chunks().size(), second->chunks().size(), third.chunks().size(),
+                                  fourth->chunks().size(), fifth.chunks().size()};
+    EXPECT_THAT(counts, ElementsAre(1, 1, 2, 0, 2));
+}
+
 TEST_F(GpsHalTest, MayBeStoppedAndRestartedOnTheReceiveThread) {
     bool isRestarted = false;
     ChunkObserver observer(mHal, [&] {

@@ -274,13 +274,13 @@ private:
     std::size_t mWritten = 0;
 };
 
-TEST_P(Transcript, isRight) {
+TEST_P(Transcript, matchesTheController) {
     const std::string transcript = fileContents(std::string(TRANSCRIPTS "/") + GetParam() + ".txt");
     ASSERT_FALSE(transcript.empty());
     EXPECT_EQ(replay(transcript), transcript);
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Transcript,
+INSTANTIATE_TEST_SUITE_P(Controller, Transcript,
                          testing::Values("antenna", "chunks", "datum", "epochs", "fields", "production", "registries",
                                          "requests", "rewriting", "satellites", "settings"),
                          [](const auto& file) { return std::string(file.param); });

@@ -6,9 +6,9 @@
 namespace {
 
 /** Makes another listener's entry unservable while the last sentence of an epoch is delivered. */
-class Spoiler : public Recorder {
+class DatumChanger : public Recorder {
 public:
-    explicit Spoiler(GPS_PARSE_NMEA_LISTENER_LIST& entry) : mEntry(entry) {}
+    explicit DatumChanger(GPS_PARSE_NMEA_LISTENER_LIST& entry) : mEntry(entry) {}
     void notifyParseGllSentence(const GPGLL*) override { mEntry.geodeticSystem = kTokyo; }
 
 private:
@@ -26,8 +26,8 @@ TEST(Epoch, IsTriedAgainByEverySentenceAfterADeliveryThatStopped) {
     GpsParseNmeaManager manager;
     Recorder listener;
     Registry registry = {{nullptr, kWgs84}, {&listener, kWgs84}, {nullptr, kWgs84}};
-    Spoiler spoiler(registry[1]);
-    registry[2].listener = &spoiler;
+    DatumChanger changer(registry[1]);
+    registry[2].listener = &changer;
     const auto feedEpoch = [&] {
         feed(manager, rmc, registry);
         bool result = false;
@@ -43,7 +43,7 @@ TEST(Epoch, IsTriedAgainByEverySentenceAfterADeliveryThatStopped) {
     EXPECT_EQ(listener.kinds(), "RMC VTG GGA GSA GSV GLL PUBX EPOCH");
     EXPECT_THAT(listener.received.back().second,
                 testing::HasSubstr("{SatID=5 Used=1 Elevation=10 SNR=30 Azimuth=20},{SatID=7 Elevation=10 "));
-    EXPECT_EQ(spoiler.kinds(), "RMC VTG GGA GSA GSV PUBX EPOCH");
+    EXPECT_EQ(changer.kinds(), "RMC VTG GGA GSA GSV PUBX EPOCH");
 
     EXPECT_FALSE(feedEpoch());
     registry[1].geodeticSystem = kWgs84;
@@ -62,6 +62,23 @@ TEST(Dispatcher, RefusesMissingArgumentsSilently) {
                  manager.parseNmeaSentence("$GP*17\r\n", 8, nullptr, 1, kWgs84, true) ||
                  manager.parseNmeaSentence("$GP*17\r\n", 8, registry, 0, kWgs84, true));
     EXPECT_THAT(log.texts(), testing::IsEmpty());
+}
+
+TEST(SatellitesInUse, AreForgottenByTheCheckThatMarksThem) {
+    GpsParseNmeaManager manager;
+    Recorder listener;
+    const GPS_PARSE_NMEA_LISTENER_LIST registry[] = {{&listener, kWgs84}};
+    GPGSA used = {};
+    const std::string gsa = sentence("GPGSA,A,3,05,12,,,,,,,,,,,1.0,2.0,3.0");
+    manager.parseGsaSentence(gsa.c_str(), registry, 1, &used, kWgs84, true);
+    GPGSV inView = {};
+    inView.SatView = 1;
+    inView.Sat[0].SatID = 5;
+    for (const unsigned char mark : {1, 9}) {
+        manager.checkGsvStatus(&inView, &used);
+        EXPECT_EQ(inView.Sat[0].Used, mark);
+        inView.Sat[0].Used = 9;
+    }
 }
 
 }  // namespace

@@ -143,36 +143,6 @@ TEST_F(Setting, IsAnsweredEvenBeforeSendingHasReturnedAndSoAreProductionRequests
     EXPECT_THAT(mListener.take(), ElementsAre("L:mode no", "L:check no"));
 }
 
-TEST_F(Setting, RequestsOfSeveralThreadsAreSettledInTheOrderInWhichTheyWereSent) {
-    std::map<std::string, int> settingOfCommand;
-    for (int setting = 0; setting < 24; ++setting) {
-        settingOfCommand[commandOf(setting)] = setting;
-    }
-    std::mutex mutex;
-    Texts sent;
-    mPeer->setWriteHook([&](std::string_view command) {
-        const std::lock_guard guard(mutex);
-        sent.push_back(answers({settingOfCommand.at(std::string(command))})[0]);
-        return true;
-    });
-    for (int round = 0; round < 20; ++round) {
-        {
-            std::vector<std::jthread> threads;
-            for (int thread = 0; thread < 4; ++thread) {
-                threads.emplace_back([this, thread] {
-                    for (int setting = thread; setting < 24; setting += 4) {
-                        request({setting});
-                    }
-                });
-            }
-        }
-        for (int i = 0; i < 24; ++i) {
-            send(kYes);
-        }
-        ASSERT_EQ(mListener.take(), std::exchange(sent, {}));
-    }
-}
-
 const std::string kPortPoll = "\xB5\x62\6\0\1\0\0\x07\x21"s;
 
 TEST_F(Setting, SpeedChangeExcludesAllOtherCommandsButNoAnswers) {
