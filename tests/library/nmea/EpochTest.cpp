@@ -74,7 +74,7 @@ TEST(SatellitesInUse, AreForgottenByTheCheckThatMarksThem) {
     GPGSV inView = {};
     inView.SatView = 1;
     inView.Sat[0].SatID = 5;
-    for (const unsigned char mark : {1, 9}) {
+    for (const int mark : {1, 9}) {
         manager.checkGsvStatus(&inView, &used);
         EXPECT_EQ(inView.Sat[0].Used, mark);
         inView.Sat[0].Used = 9;
