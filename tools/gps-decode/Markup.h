@@ -9,7 +9,6 @@
 
 namespace decode {
 
-/** Appends. */
 template <class... Values>
 void put(std::string& text, fmt::format_string<Values...> format, Values&&... values) {
     fmt::format_to(std::back_inserter(text), format, std::forward<Values>(values)...);

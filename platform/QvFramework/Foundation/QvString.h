@@ -3,7 +3,6 @@
 
 #include <string>
 
-/** Text. */
 class QvString {
 public:
     QvString(const char* text) : mText(text) {}

@@ -9,7 +9,7 @@ namespace {
 constexpr std::chrono::seconds kPublishInterval{1};
 constexpr std::chrono::seconds kFixInterval{1};
 
-/** Passes the device's name and speed to the HAL. @return the name in effect */
+/** Passes the device's name and speed to the HAL. @return the name in use */
 std::string nameDevice(const Options& options) {
     if (!options.device.empty()) setenv("GPSHAL_DEVICE", options.device.c_str(), 1);
     if (!options.baud.empty()) setenv("GPSHAL_BAUD", options.baud.c_str(), 1);

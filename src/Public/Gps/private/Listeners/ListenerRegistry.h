@@ -34,7 +34,6 @@ public:
         return true;
     }
 
-    /** Enables every entry of a listener. */
     void enable(const Listener* listener) {
         LeafGuard guard(mCalls.lock());
         std::for_each(mRegistrations, end(), [listener](Registration& registration) {

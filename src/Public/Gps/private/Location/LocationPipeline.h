@@ -14,7 +14,6 @@
  */
 class LocationPipeline {
 public:
-    /** Most records that can wait. */
     static constexpr unsigned int kQueueMax = 4;
 
     /** Drops all records; the next delivery is due an interval after `now`. */

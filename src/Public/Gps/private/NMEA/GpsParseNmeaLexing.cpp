@@ -11,9 +11,9 @@ using sentence_text::Sentence;
 
 namespace sentence_text {
 
-using number_text::everywhere;
 using number_text::kPowersOfTen;
 using number_text::ratio;
+using number_text::repeatedByte;
 using number_text::wordAt;
 
 namespace {
@@ -41,17 +41,17 @@ bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence
     std::uint64_t odd = 0;
     std::uint64_t commas[2] = {};
     const auto take = [&](unsigned int start, std::uint64_t text, std::uint64_t present) {
-        const std::uint64_t found = ~(text + everywhere<std::uint64_t>(0x80 - '-')) & present;
+        const std::uint64_t found = ~(text + repeatedByte<std::uint64_t>(0x80 - '-')) & present;
         sum ^= text;
-        odd |= (text | ~(text + everywhere<std::uint64_t>(0x80 - ','))) & present;
+        odd |= (text | ~(text + repeatedByte<std::uint64_t>(0x80 - ','))) & present;
         commas[start / 64] |= ((found >> 7) * 0x0102040810204080 >> 56) << start % 64;
     };
     unsigned int start = 0;
     for (; start + kStep < size; start += kStep) {
-        take(start, wordAt<std::uint64_t>(body + start), everywhere<std::uint64_t>(0x80));
+        take(start, wordAt<std::uint64_t>(body + start), repeatedByte<std::uint64_t>(0x80));
     }
     const unsigned int taken = 8 * (start + kStep - size);  // bits of the last word that have been taken
-    take(start, wordAt<std::uint64_t>(body + size - kStep) >> taken, everywhere<std::uint64_t>(0x80) >> taken);
+    take(start, wordAt<std::uint64_t>(body + size - kStep) >> taken, repeatedByte<std::uint64_t>(0x80) >> taken);
     sum ^= sum >> 32;
     sum ^= sum >> 16;
     sum ^= sum >> 8;

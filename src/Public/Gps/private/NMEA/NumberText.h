@@ -45,22 +45,21 @@ Word wordAt(const char* text) {
     (std::make_index_sequence<sizeof(Word)>{});
 }
 
-/** A word of equal bytes. */
 template <class Word>
-constexpr Word everywhere(unsigned char byte) {
+constexpr Word repeatedByte(unsigned char byte) {
     return static_cast<Word>(byte * (~Word{0} / 0xFF));
 }
 
 /** The values of digits; other characters become bytes above 9. */
 template <class Word>
 Word digitsAt(const char* text) {
-    return wordAt<Word>(text) ^ everywhere<Word>('0');
+    return wordAt<Word>(text) ^ repeatedByte<Word>('0');
 }
 
 /** Sets the top bit of each byte above 9; bytes before the first such byte become 0. */
 template <class Word>
 constexpr Word nonDigits(Word digits) {
-    return ((digits + everywhere<Word>(0x7F - 9)) | digits) & everywhere<Word>(0x80);
+    return ((digits + repeatedByte<Word>(0x7F - 9)) | digits) & repeatedByte<Word>(0x80);
 }
 
 /** Combines digits in pairs: bytes 0, 2, ... become 10 times their digit plus the next. The others are meaningless. */
