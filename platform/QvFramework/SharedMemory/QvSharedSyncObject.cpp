@@ -10,8 +10,10 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <memory>
 #include <string>
 
 #include "QvFramework/Foundation/QvDbgOutput.h"
@@ -41,11 +43,14 @@ static_assert(sizeof(SharedObject) == 16 && std::atomic_ref<Token>::is_always_lo
 /** This process's state of the lock of one name. */
 struct QvSharedLock {
     const std::string name;
-    const int fd;
-    const std::atomic_ref<Token> holder;
     QvSharedLock* const next;
-    std::atomic<pthread_t> owner{};  // the thread of this process that holds the lock
-    unsigned int depth = 0;          // how often it has locked it
+    int fd = -1;
+    Token* pHolder = nullptr;
+    std::atomic<bool> isMarked{true};  // whether this process has its file lock
+    std::atomic<pthread_t> owner{};    // the thread of this process that holds the lock
+    unsigned int depth = 0;            // how often it has locked it
+
+    std::atomic_ref<Token> holder() const { return std::atomic_ref(*pHolder); }
 };
 
 namespace {
@@ -72,10 +77,11 @@ bool isAlive(int fd, Token token) {
     return token == gToken || fcntl(fd, F_GETLK, &byte) != 0 || byte.l_type != F_UNLCK;
 }
 
-bool tryLock(const QvSharedLock& lock) {
+bool tryLock(QvSharedLock& lock) {
+    if (!lock.isMarked && !(lock.isMarked = markAlive(lock.fd))) return false;
     Token seen = 0;
-    return lock.holder.compare_exchange_strong(seen, gToken) ||
-           (!isAlive(lock.fd, seen) && lock.holder.compare_exchange_strong(seen, gToken));
+    return lock.holder().compare_exchange_strong(seen, gToken) ||
+           (!isAlive(lock.fd, seen) && lock.holder().compare_exchange_strong(seen, gToken));
 }
 
 /** For a new process or a forked child, which inherits neither the locks nor the file locks of its parent. */
@@ -85,17 +91,18 @@ void renewToken() {
     gToken = token | 1U;
     for (QvSharedLock* lock = gLocks; lock != nullptr; lock = lock->next) {
         lock->owner = pthread_t{};
-        markAlive(lock->fd);
+        lock->isMarked = markAlive(lock->fd);
     }
 }
 
 /** Fills a nameless object and links it, so that the name never refers to an incomplete lock. */
 bool publish(int fd, const std::string& path) {
     const SharedObject object;
-    const std::string self = "/proc/self/fd/" + std::to_string(fd);
+    char self[32];  // nothing may throw while the descriptor has no owner
+    std::snprintf(self, sizeof(self), "/proc/self/fd/%d", fd);
     return fchmod(fd, kMode) == 0 &&  // the umask may have narrowed it
            write(fd, &object, sizeof(object)) == sizeof(object) &&
-           linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+           linkat(AT_FDCWD, self, AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
 }
 
 int openObject(const std::string& path) {
@@ -121,9 +128,14 @@ SharedObject* mapObject(int fd) {
 }
 
 QvSharedLock* openLock(const std::string& name) {
-    const int fd = openObject(kDirectory + ("/" + name) + ".lock");
+    const std::string path = kDirectory + ("/" + name) + ".lock";
+    std::unique_ptr<QvSharedLock> lock(new QvSharedLock{name, gLocks});
+    const int fd = lock->fd = openObject(path);
     SharedObject* const object = fd != -1 ? mapObject(fd) : nullptr;
-    if (object != nullptr) return gLocks = new QvSharedLock{name, fd, std::atomic_ref(object->holder), gLocks};
+    if (object != nullptr) {
+        lock->pHolder = &object->holder;
+        return gLocks = lock.release();
+    }
     QvDbgOutput::DbgPrintStdErr("QvFramework/SharedMemory/QvSharedSyncObject", "QvSharedSyncObject", __LINE__,
                                 "no shared lock for %s: %s\n", name.c_str(), qv_get_last_err_string());
     if (fd != -1) close(fd);
@@ -166,5 +178,5 @@ void QvSharedSyncObject::unlock() const QV_NO_THREAD_SAFETY_ANALYSIS {
     // In a child that was forked while this thread held the lock there is nothing to unlock.
     if (mpLock == nullptr || mpLock->owner != pthread_self() || --mpLock->depth != 0) return;
     mpLock->owner.store(pthread_t{}, std::memory_order_relaxed);
-    mpLock->holder.store(0, std::memory_order_release);
+    mpLock->holder().store(0, std::memory_order_release);
 }
