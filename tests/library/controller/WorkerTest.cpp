@@ -3,6 +3,7 @@
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/ScratchDirectory.h"
 #include "tests/support/SystemFaults.h"
+#include "tests/support/ThreadState.h"
 
 // The worker thread: the template with owners of all sorts, and the controller's own.
 
@@ -204,17 +205,44 @@ TEST_F(ControllersWorker, goesOnWhenTheLastListenerReplacesItselfInsideItsNotifi
     mListener.setHook([this] {
         mController->unRegisterGpsLocationDataListener(&mListener);
         mController->registerGpsLocationDataListener(&mOther);
+        mController->setLocationData(&kNowhere);
     });
     std::promise<void> next;
     mOther.setHook([&, calls = 0]() mutable {
-        if (++calls == 4) mController->setLocationData(&kNowhere);
-        if (calls == 8) next.set_value();
+        if (++calls == 4) next.set_value();
     });
     mController->registerGpsLocationDataListener(&mListener);
     mController->setLocationData(&kNowhere);
     auto delivered = next.get_future();
     expectDone(delivered, "the second delivery");
     mController->stop();
+}
+
+TEST_F(ControllersWorker, isReplacedWhenAListenerRegistersOnItDuringItsEnd) {
+    Listener third("third");
+    std::promise<pid_t> remover;
+    std::future<void> removal;
+    std::promise<void> registered;
+    mListener.setHook([&] {
+        mController->unRegisterGpsLocationDataListener(&mListener);
+        removal = std::async(std::launch::async, [&] {
+            remover.set_value(gettid());
+            mController->unRegisterGpsLocationDataListener(&mOther);
+        });
+        while (mController->unRegisterGpsLocationDataListener(&third)) {  // lets the other thread unregister the last
+        }
+        waitUntilBlocked(remover.get_future().get());
+        mController->registerGpsLocationDataListener(&third);
+        registered.set_value();
+    });
+    mController->registerGpsLocationDataListener(&mListener);
+    mController->registerGpsLocationDataListener(&mOther);
+    mController->setLocationData(&kNowhere);
+    auto isRegistered = registered.get_future();
+    expectDone(isRegistered, "the registration");
+    expectDone(removal, "the unregistration");
+    EXPECT_EQ(workers().size(), 1U);
+    mController->unRegisterGpsLocationDataListener(&third);
 }
 
 TEST_F(ControllersWorker, isTriedAgainByTheNextRegistrationWhenItCouldNotBeStarted) {

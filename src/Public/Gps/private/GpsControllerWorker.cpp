@@ -50,13 +50,12 @@ bool GpsController::stop() {
  */
 void GpsController::reconcileWorker() {
     if (isForkedChild() || mWorker == std::this_thread::get_id()) return;
-    const GpsListenerCalls::Wait wait(this);
+    const RegistryLock::Pause pause(mSync);   // the worker takes it for a delivery
+    const GpsListenerCalls::Wait wait(this);  // ends before mSync is taken back
     if (!wait.canEnd()) return;
-    const RegistryLock::Pause pause(mSync);  // the worker takes it for a delivery
     QvSyncGuard guard(mWorkerSync);
-    const bool isWanted = mGpsLocationDataListeners.count() != 0;
-    if (mHasWorkerEnded || !isWanted) stop();
-    if (isWanted) start();
+    if (mHasWorkerEnded || mGpsLocationDataListeners.count() == 0) stop();
+    if (mGpsLocationDataListeners.count() != 0) start();  // a listener may have registered during the stop
 }
 
 /** Does not end it when the process exits inside a notification that the worker runs or waits for. */
