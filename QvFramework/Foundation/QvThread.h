@@ -116,8 +116,6 @@ void* QvThread<Owner>::WrappedEntry(void* arg) {
     auto* const self = static_cast<QvThread*>(arg);
     self->mHandle = pthread_self();  // the creator may not have stored it yet
     self->mThreadId = static_cast<int>(syscall(SYS_gettid));
-    QvThreadMng::GetInstance()->registerThreadInfo(pthread_self(), self->mName, self->GetPriority(),
-                                                   kRegistrationValue);
     self->Entry();
     return nullptr;
 }
@@ -139,6 +137,7 @@ int QvThread<Owner>::Entry() {
 
 template <class Owner>
 int QvThread<Owner>::run() {
+    QvThreadMng::GetInstance()->registerThreadInfo(pthread_self(), mName, GetPriority(), kRegistrationValue);
     if (mpOwner->Initialize() != 0) return -1;
     const int result = mpOwner->MainProc();
     mpOwner->Finalize();
