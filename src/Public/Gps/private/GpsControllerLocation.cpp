@@ -111,16 +111,14 @@ void GpsController::notifyLocationData() {
 
 /** False when there was no listener. */
 bool GpsController::deliverLocation(const LOCATION_DATA& location) {
-    const auto deliver = [&](const GpsLocationDataListener* listener) {
-        // Checked before each: a listener that unregisters itself is not notified of the rest.
-        const auto notify = [&](auto notification, const auto* part) {
-            mGpsLocationDataListeners.callIfRegistered(listener, [&] { (asMutable(listener)->*notification)(part); });
+    const auto notify = [](auto notification, const auto* part) {
+        return [notification, part](const GpsLocationDataListener* listener) {
+            (asMutable(listener)->*notification)(part);
+            return true;
         };
-        notify(&GpsLocationDataListener::notifyRmcData, &location.Rmc);
-        notify(&GpsLocationDataListener::notifyGgaData, &location.Gga);
-        notify(&GpsLocationDataListener::notifyPascdData, &location.Pascd);
-        notify(&GpsLocationDataListener::notifyLocationData, &location);
-        return true;
     };
-    return mGpsLocationDataListeners.callEach(deliver) != 0;
+    return mGpsLocationDataListeners.callEach(notify(&GpsLocationDataListener::notifyRmcData, &location.Rmc),
+                                              notify(&GpsLocationDataListener::notifyGgaData, &location.Gga),
+                                              notify(&GpsLocationDataListener::notifyPascdData, &location.Pascd),
+                                              notify(&GpsLocationDataListener::notifyLocationData, &location)) != 0;
 }

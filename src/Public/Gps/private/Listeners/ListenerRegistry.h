@@ -51,38 +51,24 @@ public:
     }
 
     /**
-     * Calls `notify(entry)` with one entry after another until it returns false, at most LISTENER_LIST_MAX times.
-     * Listeners that register meanwhile are called too; the removal of one does not skip others.
-     * @return number of calls
+     * Calls each of the notifications with one entry after another until a call returns false. A removed entry gets
+     * none of the rest; its removal does not skip others. An entry added meanwhile is called, unless its index is below
+     * the number of entries called before: a listener that registers itself again is called once.
+     * @return number of entries called
      */
-    template <class Notify>
-    unsigned int callEach(Notify notify) {
+    template <class First, class... Rest>
+    unsigned int callEach(First first, Rest... rest) {
+        const std::uint64_t newest = mLastSerial.load(std::memory_order_acquire);
         unsigned int calls = 0;
-        std::uint64_t serial = 0;
+        Registration current;
         bool goesOn = true;
-        while (goesOn && calls < LISTENER_LIST_MAX && serial != mLastSerial.load(std::memory_order_acquire)) {
-            Entry entry{};
+        while (goesOn && current.serial != mLastSerial.load(std::memory_order_acquire)) {
             GpsListenerCalls::Call call;
-            if (!beginNext(serial, entry, call)) break;
-            goesOn = notify(entry);
+            if (!beginNext(current, newest, calls, call)) break;
             ++calls;
+            goesOn = first(current.entry) && (... && (!contains(current.serial) || rest(current.entry)));
         }
         return calls;
-    }
-
-    /** Calls `notify()` if the listener is still registered. */
-    template <class Notify>
-    void callIfRegistered(const Listener* listener, Notify notify) {
-        GpsListenerCalls::Call call;
-        {
-            LeafGuard guard(mCalls.lock());
-            const auto isOfListener = [listener](const Registration& registration) {
-                return listenerOf(registration.entry) == listener;
-            };
-            if (std::none_of(mRegistrations, end(), isOfListener)) return;
-            call.begin(mCalls, listener);
-        }
-        notify();
     }
 
 private:
@@ -92,18 +78,27 @@ private:
         bool isEnabled = false;
     };
 
-    /** Begins the call of the first enabled entry that was registered after `serial`. False when there is none. */
-    bool beginNext(std::uint64_t& serial, Entry& entry, GpsListenerCalls::Call& call) {
+    /**
+     * Begins the call of the first enabled entry after `current`, and makes it the current one. Of entries added after
+     * `newest`, those at an index below `calls` are left out. False when there is none.
+     */
+    bool beginNext(Registration& current, std::uint64_t newest, unsigned int calls, GpsListenerCalls::Call& call) {
         LeafGuard guard(mCalls.lock());
-        const Registration* const next =
-            std::find_if(mRegistrations, end(), [serial](const Registration& registration) {
-                return registration.serial > serial && registration.isEnabled;
-            });
+        const auto isNext = [&, added = mRegistrations + calls](const Registration& registration) {
+            return registration.serial > current.serial && registration.isEnabled &&
+                   (registration.serial <= newest || &registration >= added);
+        };
+        const Registration* const next = std::find_if(mRegistrations, end(), isNext);
         if (next == end()) return false;
-        serial = next->serial;
-        entry = next->entry;
-        call.begin(mCalls, listenerOf(entry));
+        current = *next;
+        call.begin(mCalls, listenerOf(current.entry));
         return true;
+    }
+
+    bool contains(std::uint64_t serial) {
+        LeafGuard guard(mCalls.lock());
+        return std::any_of(mRegistrations, end(),
+                           [serial](const Registration& registration) { return registration.serial == serial; });
     }
 
     Registration* end() QV_REQUIRES(mCalls.lock()) { return mRegistrations + count(); }
