@@ -39,8 +39,7 @@ void GpsController::ObserverRemoval::operator()(QvObserver<GpsController>* obser
 }
 
 GpsController::GpsController()
-    : mProcess(getpid()),
-      mGpsParseNmeaManager(new GpsParseNmeaManager),
+    : mGpsParseNmeaManager(new GpsParseNmeaManager),
       mGpsSettingManager(new GpsSettingManager),
       mGpsProductionManager(new GpsProductionManager),
       mGpsVersionManager(new GpsVersionManager),

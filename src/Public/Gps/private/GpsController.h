@@ -113,13 +113,14 @@ private:
     template <class Entry>
     bool removeListener(ListenerRegistry<Entry>& registry, const typename ListenerRegistry<Entry>::Listener* npListener,
                         const GpsRegistryTexts& texts);
+    static unsigned int forks();
     bool isForkedChild() const;
     void reconcileWorker();
     bool endReception();
     void endWorker();
     bool deliverLocation(const LOCATION_DATA& location);
 
-    const pid_t mProcess;
+    const unsigned int mForks = forks();
     std::unique_ptr<GpsParseNmeaManager> mGpsParseNmeaManager;
     std::unique_ptr<GpsSettingManager> mGpsSettingManager;
     std::unique_ptr<GpsProductionManager> mGpsProductionManager;
@@ -145,7 +146,7 @@ private:
     std::atomic<std::thread::id> mWorker{std::thread::id()};
     LocationPipeline mLocationPipeline;
 
-    static std::atomic<std::thread::id> sReceiver;  // the thread that received last
+    static std::atomic<std::thread::id> sReceiver;  // the thread inside receiveData
     std::unique_ptr<GpsHal, ShareRelease> mGpsHal;
     std::unique_ptr<QvObserver<GpsController>, ObserverRemoval> mObserver;
 };

@@ -1,4 +1,6 @@
-#include <unistd.h>
+#include <pthread.h>
+
+#include <atomic>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
 #include "Gps/private/GpsController.h"
@@ -70,9 +72,16 @@ bool GpsController::removeListener(ListenerRegistry<Entry>& registry,
     return !isEmpty || controllerLog.failure(texts.unRegisterFunction, texts.empty);
 }
 
+/** The number of forks between the process of the first call and this one. A process id may be used again. */
+unsigned int GpsController::forks() {
+    static std::atomic<unsigned int> count{0};
+    [[maybe_unused]] static const int result = pthread_atfork(nullptr, nullptr, [] { ++count; });
+    return count;
+}
+
 /** A forked child lacks the threads that an unregistration waits for, and locks may have been held at the fork. */
 bool GpsController::isForkedChild() const {
-    return getpid() != mProcess;
+    return forks() != mForks;
 }
 
 bool GpsController::registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem) {
