@@ -68,7 +68,12 @@ public:
 
     void notifyGpsConnectionStatus(GpsConnectionStatus) override { exitWhileReceiverWaits(); }
 
-    void notifyGpsVersionInfo(const char*, unsigned int) override { exitWhileReceiverWaits(); }
+    void notifyGpsVersionInfo(const char*, unsigned int) override {
+        if (scene != "first-chunk-removed") exitWhileReceiverWaits();
+        isLeaving = true;
+        isLeaving.notify_all();
+        std::exit(kStatus);
+    }
 
 private:
     [[noreturn]] static void exitWhileReceiverWaits() {
@@ -92,7 +97,18 @@ private:
         if (scene == "joined-removed") gps->unRegisterGpsLocationDataListener(&quiet);  // waits for the worker's end
         if (scene == "worker-removed") gps->unRegisterGpsLocationDataListener(this);
         if (scene == "first-status-removed") gps->unRegisterGpsConnectionListener(this);
-        if (scene == "version-removed") gps->unRegisterGpsVersionListener(this);
+        if (scene == "version-removed" || scene == "first-chunk-removed") gps->unRegisterGpsVersionListener(this);
+    }
+};
+
+/** Keeps the first chunk from the service until main waits for the receive thread. */
+class Delay : public QvObserver_ {
+    unsigned int Update(unsigned int, void*, unsigned int) override {
+        receiver = gettid();
+        receiver.notify_all();
+        isLeaving.wait(false);
+        waitUntilBlocked(getpid());
+        return 0;
     }
 };
 
@@ -108,6 +124,8 @@ int main(int, char** arguments) {
     alarm(kStuckAfterSeconds);
     auto [link, peer] = GpsHalMemoryLink::makePair();
     GpsHal::setLink(std::move(link));
+    Delay delay;
+    if (scene == "first-chunk-removed") GpsHal::GetInstance()->AddObserver(&delay);
 
     if (scene == "statics-first") Gps::GetInstance();
     Client& listener = client();
@@ -131,7 +149,7 @@ int main(int, char** arguments) {
     }
     if (scene == "first-status") isDelivering.wait(false);
     if (scene.starts_with("first-status")) gps->registerGpsConnectionListener(&listener);
-    if (scene == "version-removed") {
+    if (scene == "version-removed" || scene == "first-chunk-removed") {
         gps->registerGpsVersionListener(&listener);
         gps->requestGpsVersionInfo();
     }

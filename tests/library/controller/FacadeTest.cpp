@@ -122,7 +122,7 @@ TEST_F(Facade, canBeTriedAgainWhereverMemoryRanOut) {
 TEST(ProcessExit, isCleanFromAnywhereWhileSentencesComeIn) {
     for (const char* scene :
          {"statics-first", "service-first", "forked", "receive", "unregistering", "worker", "worker-removed",
-          "joined-removed", "first-status", "first-status-removed", "version-removed"}) {
+          "joined-removed", "first-status", "first-status-removed", "version-removed", "first-chunk-removed"}) {
         Child client({QVGPS_EXITING_CLIENT, scene});
         EXPECT_EQ(client.end(), 7) << scene;
         EXPECT_THAT(client.all(), testing::EndsWith("the last of the client\n")) << scene;

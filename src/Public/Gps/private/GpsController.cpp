@@ -63,9 +63,8 @@ GpsController::~GpsController() {
 
 /** False, without ending it, when the receive thread waits for the notification that exits the process. */
 bool GpsController::endReception() {
-    const std::thread::id receiver = sReceiver;
-    const GpsListenerCalls::Wait wait(receiver);
-    if (!wait.canEnd() && receiver != std::this_thread::get_id()) return false;
+    const GpsListenerCalls::Wait wait(sReceiver);
+    if (!wait.canEnd() && sReceiver != std::this_thread::get_id()) return false;
     stopReception(*mGpsHal);
     mObserver.reset();
     return true;

@@ -33,8 +33,9 @@ void notifyEach(ListenerRegistry<const Listener*>& registry, const char* functio
 
 unsigned int GpsController::receiveData(unsigned int, void* data, unsigned int length) {
     sReceiver.store(std::this_thread::get_id(), std::memory_order_relaxed);
-    if (!hasBytes(data, length, "receiveData", "GpsController::receiveData() Argument Error\n")) return 0;
-    route(static_cast<const char*>(data), length, *this);
+    if (hasBytes(data, length, "receiveData", "GpsController::receiveData() Argument Error\n"))
+        route(static_cast<const char*>(data), length, *this);
+    sReceiver.store(std::thread::id(), std::memory_order_relaxed);
     return 0;
 }
 

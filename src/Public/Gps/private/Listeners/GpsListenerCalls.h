@@ -1,6 +1,7 @@
 #ifndef GPS_PRIVATE_GPS_LISTENER_CALLS_H
 #define GPS_PRIVATE_GPS_LISTENER_CALLS_H
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -49,8 +50,9 @@ public:
     /** A wait of this thread for the end of a listener's calls on other threads, or for a thread. */
     class Wait : private QvUncopyable {
     public:
-        explicit Wait(const void* listener) : Wait(listener, std::thread::id()) {}
-        explicit Wait(std::thread::id awaited) : Wait(nullptr, awaited) {}
+        explicit Wait(const void* listener) : Wait(listener, nullptr) {}
+        /** @param awaited the thread; read again each time that a thread is about to wait */
+        explicit Wait(const std::atomic<std::thread::id>& awaited) : Wait(nullptr, &awaited) {}
         ~Wait() {
             if (mCanEnd) instance().endWait(*this);
         }
@@ -60,11 +62,11 @@ public:
 
     private:
         friend class GpsListenerCalls;
-        Wait(const void* listener, std::thread::id awaited)
+        Wait(const void* listener, const std::atomic<std::thread::id>* awaited)
             : mListener(listener), mAwaited(awaited), mCanEnd(instance().beginWait(*this)) {}
 
         const void* const mListener;
-        const std::thread::id mAwaited;
+        const std::atomic<std::thread::id>* const mAwaited;
         const std::thread::id mThread = std::this_thread::get_id();
         Wait* mNext = nullptr;
         const bool mCanEnd;
@@ -121,7 +123,7 @@ private:
 
     /** Whether a wait cannot end before `thread` continues. Waits never form a cycle, so the recursion ends. */
     bool dependsOn(const Wait& wait, std::thread::id thread) const QV_REQUIRES(mLock) {
-        if (isBlockedBy(wait.mAwaited, thread)) return true;
+        if (wait.mAwaited != nullptr && isBlockedBy(*wait.mAwaited, thread)) return true;
         const Call* call = firstCallAwaitedBy(wait, mCalls);
         while (call != nullptr && !isBlockedBy(call->mThread, thread))
             call = firstCallAwaitedBy(wait, call->mNext);
