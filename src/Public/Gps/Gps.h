@@ -14,15 +14,16 @@ class GpsController;
 /**
  * The GPS service: the one class through which a client uses the library.
  *
- * `Gps::GetInstance()` creates the service on its first call in a process and starts reception. Without a receiver
- * everything but reception works. The instance lives until the process exits or the framework's singleton finaliser
- * runs. All operations may be called from any thread and from inside any notification; from inside a location
- * notification a client should not register or unregister.
+ * `Gps::GetInstance()` creates the service on its first call in a process and starts reception. Without a link to the
+ * receiver, requests other than requestGpsVersionInfo() return false. The instance lives until the process exits or the
+ * framework's singleton finaliser runs. All operations may be called from any thread and from inside any notification;
+ * from inside a location notification a client should not register or unregister.
  *
  * Operations return true for success. They return false, log the reason and change nothing for a null listener, when
  * registering with a full registry (five entries of each kind), when unregistering from an empty one, and for a request
- * whose outcome no registered listener could receive. Nothing throws except `GetInstance()`, which throws
- * `std::bad_alloc` when memory runs out while it creates the service; it may be called again.
+ * whose outcome no registered listener could receive (requestGpsSetting() logs nothing then). Nothing throws except
+ * `GetInstance()`, which throws `std::bad_alloc` when memory runs out while it creates the service; it may be called
+ * again.
  *
  * A listener that is registered twice gets every notification twice; one unregistration removes all its entries.
  * Unregistering a listener that is not registered changes nothing and returns true if others of its kind are
@@ -32,7 +33,7 @@ class GpsController;
  * Until such a notification returns, `register...`, `unRegister...` and `setLocationData` block on other threads.
  * `unRegister...` also waits for any other notification of its listener. Therefore do not call these operations while
  * holding a lock that a listener takes in such a notification. Unregistering the last location listener also waits for
- * the worker thread to end, about 100 ms.
+ * the worker thread to end, about 100 ms. Requests wait while another thread changes the receiver's speed.
  *
  * Process exit: `exit`, or the return from `main`, destroys the service. End all threads that use it before that.
  * `exit` may be called inside a notification; it does not wait for that notification.
@@ -83,8 +84,10 @@ public:
     bool requestGpsVersionInfo();
 
     /**
-     * Sends one setting to the receiver; the answer reaches the setting listeners. Needs a setting listener. True when
-     * the command was sent. A change of speed blocks for 200 ms.
+     * Sends one setting to the receiver; the answer reaches the setting listeners. Needs a setting listener. False
+     * when the command could not be sent, and also when the link's speed could not be changed or the shared setting
+     * record could not be used, though the receiver may then apply the setting. A change of speed takes 200 ms, and
+     * up to 2 s more on a serial line that does not transmit.
      */
     bool requestGpsSetting(GpsSetting setting);
 
