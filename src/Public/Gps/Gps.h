@@ -88,6 +88,9 @@ public:
      * when the command could not be sent, and also when the link's speed could not be changed or the shared setting
      * record could not be used, though the receiver may then apply the setting. A change of speed takes 200 ms, and
      * up to 2 s more on a serial line that does not transmit.
+     *
+     * Answers are matched to requests by their order. The receiver answers GPS_SETTING_BAUD_38400 twice, so wait a
+     * moment before the next request: it would be reported with the second of these answers.
      */
     bool requestGpsSetting(GpsSetting setting);
 
