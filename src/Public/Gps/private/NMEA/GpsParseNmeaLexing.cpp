@@ -121,7 +121,7 @@ SatelliteType satelliteType(const char* text) {
 bool logMissingSeparator(const char* cursor) {
     constexpr char kFunction[] = "getNextToken";
     if (*cursor == '\0') return nmeaLog.failure(kFunction, "GpsParseNmeaManager::getNextToken() lpData = '");
-    if (std::memchr(cursor, '\0', GpsParseNmeaManager::TOKEN_SIZE) != nullptr) return false;
+    if (std::memchr(cursor, '\0', GpsParseNmeaManager::kTokenSize) != nullptr) return false;
     return nmeaLog.failure(kFunction, "GpsParseNmeaManager::getNextToken() Token Error\n");
 }
 
@@ -199,9 +199,9 @@ const char* GpsParseNmeaManager::getNextToken(const char* cursor, char* token) {
         nmeaLog("getNextToken", "GpsParseNmeaManager::getNextToken() Argument Error\n");
         return nullptr;
     }
-    const std::string_view text(cursor, strnlen(cursor, TOKEN_SIZE));
+    const std::string_view text(cursor, strnlen(cursor, kTokenSize));
     const std::size_t end = std::min(text.find_first_of(",*"), text.size());
-    if (end < TOKEN_SIZE) token[text.copy(token, end)] = '\0';
+    if (end < kTokenSize) token[text.copy(token, end)] = '\0';
     if (end < text.size()) return cursor + end + 1;
     sentence_text::logMissingSeparator(cursor);
     return nullptr;

@@ -30,7 +30,7 @@ public:
     };
 
     /** Bytes of a field token: 19 characters and a NUL. */
-    static constexpr unsigned int TOKEN_SIZE = 20;
+    static constexpr unsigned int kTokenSize = 20;
     /** Most bytes of a sentence that is parsed. */
     static constexpr unsigned int kSentenceSize = 128;
     /** Bytes of a buffer for a regenerated sentence, of which 255 are used at most. */
@@ -91,7 +91,7 @@ public:
     /** Whether the two digits are the XOR of the characters between "$" and "*". At least one character must follow
      * the digits within `length`. */
     bool confirmCheckSum(const char* sentence, unsigned int length);
-    /** Reads the field at the cursor into a token of TOKEN_SIZE bytes. Null when no separator ends the field. */
+    /** Reads the field at the cursor into a token of kTokenSize bytes. Null when no separator ends the field. */
     const char* getNextToken(const char* cursor, char* token);
     bool parseCoordinate(const char* field, Identifier identifier, double* value, int* degrees, double* minutes);
     /** Splits ddmmyy. */

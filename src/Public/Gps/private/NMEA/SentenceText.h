@@ -91,7 +91,7 @@ public:
             }
         const char* const end = mBlock + static_cast<unsigned int>(std::countr_zero(mEnds));
         const auto size = static_cast<std::size_t>(end - mCursor);
-        if (size >= GpsParseNmeaManager::TOKEN_SIZE) [[unlikely]]
+        if (size >= GpsParseNmeaManager::kTokenSize) [[unlikely]]
             return logMissingSeparator(mCursor);
         field = Token(mCursor, size);
         mEnds &= mEnds - 1;
