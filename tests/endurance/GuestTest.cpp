@@ -98,7 +98,7 @@ TEST(Host, LoadsUnloadsAndForksWithoutLeftovers) {
                 while (!isOver)
                     prompt();
             });
-            for (int i = 0; i < 20; ++i) {
+            for (int i = 0; i < 5; ++i) {
                 EXPECT_EQ(exitCodeOf(startProcess([] { std::exit(0); })), 0)
                     << "its exit handlers leave the parent alone";
                 EXPECT_EQ(exitCodeOf(startProcess([] { execl("/bin/true", "true", nullptr); })), 0);
