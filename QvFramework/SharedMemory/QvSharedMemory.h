@@ -21,8 +21,10 @@
  *
  * The first holder since the system started creates the object and fills the records with zeros; later holders find
  * them as they were left. The object is never removed. A holder that could not map its object, or whose lock is not
- * available, stays unmapped for its whole life; the debug output gives the reason. Take the lock (a QvSyncGuard on this
- * object) around every access. Other processes may store anything in the segment: no length or index in it is trusted.
+ * available, stays unmapped for its whole life; the debug output gives the reason. A creator that is killed before it
+ * has set the mode 0664 leaves that of its umask: other users stay unmapped until a holder of its user finishes it.
+ * Take the lock (a QvSyncGuard on this object) around every access. Other processes may store anything in the segment:
+ * no length or index in it is trusted.
  */
 template <class T, unsigned N>
 class QvSharedMemory : public QvSharedSyncObject {

@@ -67,6 +67,11 @@ bool isAbsence(int error) {
     return error == ENOENT || error == ENODEV || error == ENXIO;
 }
 
+void logFailure(const GpsHalLink& link) {
+    QvDbgOutput::DbgPrint(kSource, "start", __LINE__, kLogLevel, "cannot use %s: %s\n", link.name(),
+                          qv_get_last_err_string());
+}
+
 }  // namespace
 
 /** Reception from a start to its stop: the link, the receive thread and what it has read. */
@@ -234,12 +239,14 @@ bool GpsHal::start() {
         mSendLink = link;
         mSpeed = speed;
     }
-    if ((link->open() || isAbsence(errno)) && Reception::begin(reception)) {
+    const bool isOpen = link->open();
+    const bool isForbidden = !isOpen && errno == EACCES;  // perhaps only until udev has set the mode of a new node
+    if (isForbidden) logFailure(*link);
+    if ((isOpen || isForbidden || isAbsence(errno)) && Reception::begin(reception)) {
         mReception = reception;
         return true;
     }
-    QvDbgOutput::DbgPrint(kSource, "start", __LINE__, kLogLevel, "cannot use %s: %s\n", link->name(),
-                          qv_get_last_err_string());
+    logFailure(*link);
     link->close();
     QvSyncGuard sendGuard(mSendSync);
     mSendLink.reset();

@@ -34,10 +34,11 @@ public:
 
     /**
      * Opens the link and starts the receive thread. Without a link that was set, GPSHAL_DEVICE names a serial device
-     * and GPSHAL_BAUD its speed: 9600 (the default), 38400 or 115200. True also while the device is absent. False, and
-     * nothing is received, without a link and when the link cannot be used, for example because another process has
-     * it (the reason is logged). Sending works from the first notification on.
-     * Call start and stop holding sync(), and only when isStarted() requires it: users of the HAL share it.
+     * and GPSHAL_BAUD its speed: 9600 (the default), 38400 or 115200. True also while the device is absent, or
+     * access to it is denied, which is logged: both may end. False, and nothing is received, without a link and when
+     * the link cannot be used, for example because another process has it (the reason is logged). Sending works from
+     * the first notification on. Call start and stop holding sync(), and only when isStarted() requires it: users of
+     * the HAL share it.
      */
     virtual bool start();
     /**
