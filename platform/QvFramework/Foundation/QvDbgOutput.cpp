@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <new>
 #include <string_view>
 
 #include "QvFramework/Foundation/QvSync.h"
@@ -24,7 +25,8 @@ struct Output {
     void* context QV_GUARDED_BY(sync) = nullptr;
 
     static Output& instance() {
-        static Output* const output = new Output();  // threads may log after the static destructors
+        alignas(Output) static unsigned char storage[sizeof(Output)];  // no allocation: that may be what failed
+        static Output* const output = new (storage) Output();          // threads may log after the static destructors
         return *output;
     }
 
