@@ -16,6 +16,10 @@ target_compile_options(QvGpsOptions INTERFACE
 if(QVGPS_SANITIZE)
   add_compile_options(-fsanitize=${QVGPS_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QVGPS_SANITIZE})
+  if(QVGPS_SANITIZE MATCHES "address" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # GCC 12 reports its own regular expressions.
+    add_compile_options(-Wno-maybe-uninitialized)
+  endif()
 elseif(QVGPS_HARDENING)
   # Which of them exist depends on the processor.
   foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
