@@ -8,7 +8,7 @@ template class QvSingleton<Gps>;
 Gps::Gps() : mpGpsController(new GpsController) {}
 
 Gps::~Gps() {
-    delete mpGpsController;
+    if (mpGpsController->end()) delete mpGpsController;
 }
 
 bool Gps::registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem) {

@@ -53,12 +53,13 @@ GpsController::GpsController()
 }
 
 GpsController::~GpsController() {
+    end();
+}
+
+bool GpsController::end() {
     mSync.release();  // held when a notification exits the process; the threads that end here may wait for it
-    if (!endReception()) {
-        mObserver.release();
-        mGpsHal.release();
-    }
-    endWorker();
+    const bool hasReceptionEnded = endReception();
+    return endWorker() && hasReceptionEnded;
 }
 
 /** False, without ending it, when the receive thread waits for the notification that exits the process. */

@@ -40,6 +40,12 @@ public:
     GpsController& operator=(const GpsController&) = delete;
     virtual ~GpsController();
 
+    /**
+     * Ends reception and the worker. False when another thread will use this object for as long as the process lives,
+     * because it waits for a notification that exits the process: it must not be deleted then.
+     */
+    bool end();
+
     // Registration: see Gps.
 
     bool registerGpsNmeaListener(const GpsNmeaListener* npListener, GeodeticSystem geodeticSystem);
@@ -117,7 +123,7 @@ private:
     bool isForkedChild() const;
     void reconcileWorker();
     bool endReception();
-    void endWorker();
+    bool endWorker();
     bool deliverLocation(const LOCATION_DATA& location);
 
     const unsigned int mForks = forks();

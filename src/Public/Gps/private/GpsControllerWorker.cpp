@@ -58,15 +58,13 @@ void GpsController::reconcileWorker() {
     if (mGpsLocationDataListeners.count() != 0) start();  // a listener may have registered during the stop
 }
 
-/** Does not end it when the process exits inside a notification that the worker runs or waits for. */
-void GpsController::endWorker() {
+/** False, with the worker left as it is, when a notification that the worker runs or waits for exits the process. */
+bool GpsController::endWorker() {
     const GpsListenerCalls::Wait wait(this);
-    if (mWorker == std::this_thread::get_id() || !wait.canEnd()) {
-        mThread.release();
-        return;
-    }
+    if (mWorker == std::this_thread::get_id() || !wait.canEnd()) return false;
     QvSyncGuard guard(mWorkerSync);
     stop();
+    return true;
 }
 
 int GpsController::Initialize() {
