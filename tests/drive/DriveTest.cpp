@@ -407,10 +407,6 @@ private:
         if (what == 54) return alone(mDrive, mWitness, [this] { reset(mDrive, mWitness, pick(3)); });
         if (what < 75) return std::this_thread::sleep_for(std::chrono::microseconds(pick(3000)));
         const Request& request = choose();
-        // The receiver answers this change twice, once for the poll: the second answer would settle the next request.
-        if (request.setting == GPS_SETTING_BAUD_38400) {
-            return alone(mDrive, mWitness, [&] { changeSpeed(request.setting); });
-        }
         std::unique_lock turn(mDrive.turn);
         const std::shared_lock guard(mDrive.quiet);
         turn.unlock();

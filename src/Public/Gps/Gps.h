@@ -89,8 +89,9 @@ public:
      * record could not be used, though the receiver may then apply the setting. A change of speed takes 200 ms, and
      * up to 2 s more on a serial line that does not transmit.
      *
-     * Answers are matched to requests by their order. The receiver answers GPS_SETTING_BAUD_38400 twice, so wait a
-     * moment before the next request: it would be reported with the second of these answers.
+     * Answers are matched to requests by their order. The receiver answers GPS_SETTING_BAUD_38400 twice; the next
+     * request waits for the second answer, at most 500 ms, before it is sent. A request made in a notification cannot
+     * wait, and may be reported with that answer.
      */
     bool requestGpsSetting(GpsSetting setting);
 

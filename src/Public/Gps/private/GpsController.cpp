@@ -87,7 +87,8 @@ bool GpsController::requestGpsVersionInfo() {
 }
 
 bool GpsController::requestGpsSetting(GpsSetting setting) {
-    return mGpsSettingListeners.count() != 0 && mGpsSettingManager->requestGpsSetting(setting);
+    return mGpsSettingListeners.count() != 0 &&
+           mGpsSettingManager->requestGpsSetting(setting, sReceiver != std::this_thread::get_id());
 }
 
 bool GpsController::requestSwitchGpsProductionMode() {

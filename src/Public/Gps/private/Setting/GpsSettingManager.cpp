@@ -15,6 +15,7 @@ constexpr GpsLog log("src/Public/Gps/private/Setting/GpsSettingManager");
 constexpr unsigned int kCommandSize = 128;
 constexpr unsigned int kPortSpeedCommand = 0;          // sets the speed of the HAL's end
 constexpr long kSpeedChangeNanoseconds = 100'000'000;  // for the receiver, then for the HAL
+constexpr unsigned int kPollPatience = 500;            // ms
 constexpr unsigned char kPortPoll[] = {0xB5, 0x62, 0x06, 0x00, 0x01, 0x00, 0x00, 0x07, 0x21};
 
 /** Values of kPortSpeedCommand. */
@@ -50,13 +51,15 @@ GpsSettingManager::GpsSettingManager()
       mPendingReadIndex(0),
       mBaseGeodeticSystem(GEODETIC_SYSTEM_WGS84),
       mSettingFinishFlg(false),
-      mPendingCount(0) {}
+      mPendingCount(0) {
+    mPollAnswered.SetEvent();
+}
 
 GpsSettingManager::~GpsSettingManager() {
     GpsHal::DelInstance();
 }
 
-bool GpsSettingManager::requestGpsSetting(GpsSetting setting) {
+bool GpsSettingManager::requestGpsSetting(GpsSetting setting, bool canWait) {
     constexpr char kFunction[] = "requestGpsSetting";
     if (setting > GPS_SETTING_GNSS_GPS) {
         QvDbgOutput::DbgPrint(log.source(), kFunction, __LINE__, GpsLog::kTag,
@@ -69,14 +72,18 @@ bool GpsSettingManager::requestGpsSetting(GpsSetting setting) {
     if (length == 0) {
         return log.failure(kFunction, "GpsSettingManager::requestGpsSetting() : setCommandForGpsSetting() = false\n");
     }
-    if (!apply(setting, command, length)) return false;
+    if (!apply(setting, command, length, canWait)) return false;
     return storeSetting(setting) ||
            log.failure(kFunction, "GpsSettingManager::requestGpsSetting() writeLocalMemory Error!\n");
 }
 
-/** Sends a setting's command. A change of speed sets the HAL's speed too before any other command is sent. */
-bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned int length) {
+/**
+ * Sends a setting's command. A change of speed sets the HAL's speed too before any other command is sent. The answer to
+ * its poll is awaited before the next command, which it would settle otherwise.
+ */
+bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned int length, bool canWait) {
     const QvSyncGuard guard(gCommandSync);
+    if (canWait && mPollAnswered.WaitEvent(kPollPatience) != 0) mPollAnswered.SetEvent();  // it will not be answered
     if (!sendInOrder(setting, command, length)) return false;
     GPS_SETTING_LOCAL_MEMORY shared = {};
     if (!readLocalMemory(&shared)) {
@@ -118,6 +125,7 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
     waitForSpeedChange();
     if (!mpGpsHal->sendCommand(kPortSpeedCommand, value)) return false;
     waitForSpeedChange();
+    mPollAnswered.ResetEvent();
     return mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll));
 }
 
@@ -151,11 +159,13 @@ bool GpsSettingManager::analizeGpsSettingResponse(const char* data, unsigned int
 
 bool GpsSettingManager::takeResponse(const char* data, unsigned int length, std::optional<SettledRequest>& settled) {
     const UbxMessage message = UbxFrame(data, length).message();
+    const bool isAnswer = message == UbxMessage::AckAck || message == UbxMessage::AckNak;
     QvSyncGuard guard(mPendingSync);
+    if (isAnswer) mPollAnswered.SetEvent();
     if (mPendingCount == 0) return false;
     if (message == UbxMessage::CfgPrt) return true;
     const GpsSetting oldest = takeOldest();
-    if (message != UbxMessage::AckAck && message != UbxMessage::AckNak) {
+    if (!isAnswer) {
         return log.failure("analizeGpsSettingResponse",
                            "GpsSettingManager::analizeGpsSettingResponse() unknown response\n");
     }

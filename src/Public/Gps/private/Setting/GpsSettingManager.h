@@ -8,6 +8,7 @@
 
 #include "Gps/GpsListeners.h"
 #include "Gps/private/Support/CommandSync.h"
+#include "QvFramework/Foundation/QvEvent.h"
 #include "QvFramework/Foundation/QvSync.h"
 #include "QvFramework/SharedMemory/QvSharedMemory.h"
 
@@ -38,10 +39,11 @@ public:
     ~GpsSettingManager() override;
 
     /**
-     * Any thread, including the receive thread. A change of speed blocks for 200 ms, and so do the commands of other
-     * threads; it does not wait for the answer to the poll at the new speed.
+     * Any thread. A change of speed blocks for 200 ms, and so do the commands of other threads. The next setting waits
+     * for the answer to its poll, at most 500 ms.
+     * @param canWait false on the receive thread, which takes that answer
      */
-    bool requestGpsSetting(GpsSetting setting);
+    bool requestGpsSetting(GpsSetting setting, bool canWait = true);
 
     /**
      * Takes a received UBX frame of at least one byte. An acknowledgement settles the oldest waiting request.
@@ -70,13 +72,14 @@ public:
 private:
     static constexpr unsigned int kMaxPending = 24;
 
-    bool apply(GpsSetting setting, const char* command, unsigned int length);
+    bool apply(GpsSetting setting, const char* command, unsigned int length, bool canWait);
     bool sendInOrder(GpsSetting setting, const char* command, unsigned int length) QV_REQUIRES(gCommandSync);
     bool changeSpeed(unsigned int value) QV_REQUIRES(gCommandSync);
     bool storeSetting(GpsSetting setting);
     GpsSetting takeOldest() QV_REQUIRES(mPendingSync);
 
     GpsHal* mpGpsHal;
+    QvEvent mPollAnswered;  // reset from the poll at a new speed to the next acknowledgement
 
     QvSync mPendingSync;  // guards the ring; held for single steps only
     GpsSetting mPendingSetting[kMaxPending] QV_GUARDED_BY(mPendingSync);
