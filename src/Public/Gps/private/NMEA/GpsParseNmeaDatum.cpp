@@ -39,26 +39,6 @@ double toRadians(double value) {
     return decimalDegrees * kPi / 180.0;
 }
 
-/** A Tokyo position, and the same point in WGS84's Cartesian coordinates. */
-struct TokyoPoint {
-    TokyoPoint(double latitude, double longitude)
-        : phi(toRadians(latitude)),
-          lambda(toRadians(longitude)),
-          sinPhi(std::sin(phi)),
-          cosPhi(std::cos(phi)),
-          sinLambda(std::sin(lambda)),
-          cosLambda(std::cos(lambda)),
-          n(kBesselSemiMajor / std::sqrt(1.0 - kBesselEccentricitySquared * sinPhi * sinPhi)),
-          x(n * cosPhi * cosLambda + kShiftX),
-          y(n * cosPhi * sinLambda + kShiftY),
-          z(n * kBesselOneMinusEccentricitySquared * sinPhi + kShiftZ),
-          p(std::sqrt(x * x + y * y)) {}
-
-    double phi, lambda;  // radians
-    double sinPhi, cosPhi, sinLambda, cosLambda;
-    double n, x, y, z, p;  // metres
-};
-
 struct Quanta {
     int latitude, longitude;
 };
@@ -68,26 +48,42 @@ int quantise(double radians) {
 }
 
 /** The reference: its result is right by definition, which includes the order of the operations. */
-Quanta toWgs84Exactly(const TokyoPoint& point) {
-    const double theta = std::atan2(point.z, point.p * kWgs84AxisRatio);
+Quanta toWgs84Exactly(double phi, double lambda) {
+    const double sinPhi = std::sin(phi);
+    const double cosPhi = std::cos(phi);
+    const double n = kBesselSemiMajor / std::sqrt(1.0 - kBesselEccentricitySquared * sinPhi * sinPhi);
+    const double x = n * cosPhi * std::cos(lambda) + kShiftX;
+    const double y = n * cosPhi * std::sin(lambda) + kShiftY;
+    const double z = n * kBesselOneMinusEccentricitySquared * sinPhi + kShiftZ;
+    const double p = std::sqrt(x * x + y * y);
+    const double theta = std::atan2(z, p * kWgs84AxisRatio);
     const double sinTheta = std::sin(theta);
     const double cosTheta = std::cos(theta);
-    const double phi = std::atan2(point.z + kWgs84SecondTimesSemiMinor * sinTheta * sinTheta * sinTheta,
-                                  point.p - kWgs84FirstTimesSemiMajor * cosTheta * cosTheta * cosTheta);
-    return {quantise(phi), quantise(std::atan2(point.y, point.x))};
+    const double up = z + kWgs84SecondTimesSemiMinor * sinTheta * sinTheta * sinTheta;
+    const double out = p - kWgs84FirstTimesSemiMajor * cosTheta * cosTheta * cosTheta;
+    return {quantise(std::atan2(up, out)), quantise(std::atan2(y, x))};
 }
 
-/** Arc tangent series for |t| <= 0.01; the first omitted term is below 2^-76. */
-double smallArcTangent(double t) {
-    const double square = t * t;
-    return t - t * square * (1.0 / 3 - square * (1.0 / 5 - square * (1.0 / 7 - square * (1.0 / 9))));
-}
+/** Sine and cosine of an angle below pi, to 1e-10: of an eighth by their series, then of its double three times. */
+struct Direction {
+    explicit Direction(double angle) : sine(angle / 8) {
+        const double s = sine * sine;
+        sine *= 1 - s * (1.0 / 6) * (1 - s * (1.0 / 20) * (1 - s * (1.0 / 42) * (1 - s * (1.0 / 72))));
+        cosine = 1 - s * (1.0 / 2) * (1 - s * (1.0 / 12) * (1 - s * (1.0 / 30) * (1 - s * (1.0 / 56))));
+        for (int i = 0; i != 3; ++i) {
+            const double half = sine;
+            sine *= 2 * cosine;
+            cosine = 1 - 2 * half * half;
+        }
+    }
+    double sine, cosine;
+};
 
-/** Quantises an angle that is known to kMargin quanta. False when it is too close to a step. */
-bool quantiseSafely(double radians, int& quanta) {
-    constexpr double kQuantaPerRadian = kQuantaPerDegree / kRadiansPerDegree;
+/** Quantises an angle plus one of at most 0.001, which is given by its tangent. False when too close to a step. */
+bool quantiseSafely(double radians, double tangent, int& quanta) {
     constexpr double kMargin = 1e-4;
-    const double exact = radians * kQuantaPerRadian;
+    const double turn = tangent - tangent * tangent * tangent * (1.0 / 3);  // the next term is below 2^-52
+    const double exact = (radians + turn) * (kQuantaPerDegree / kRadiansPerDegree);
     quanta = static_cast<int>(exact);
     const double rest = std::fabs(exact - quanta);
     return rest > kMargin && rest < 1.0 - kMargin;
@@ -95,25 +91,30 @@ bool quantiseSafely(double radians, int& quanta) {
 
 /**
  * The same result from the small angles by which the shift turns a position. The sine and cosine of the parametric
- * latitude come from its sides, so no large arc tangent is needed. Rounding errors, below 1e-6 of a quantum, matter
- * only near a step of the quantisation. False there, near the poles and the date line, where the angles are large or
- * wrap, and for values that are no position.
+ * latitude come from its sides, so no large arc tangent is needed. Errors, below 1e-5 of a quantum, matter only near a
+ * step of the quantisation. False there, near the poles and the date line, where the angles are large or wrap, and for
+ * values that are no position.
  */
-bool toWgs84Quickly(const TokyoPoint& point, Quanta& result) {
-    constexpr double kLargestPhi = 1.5;
+bool toWgs84Quickly(double phi, double lambda, Quanta& result) {
+    constexpr double kLargestPhi = 1.4;
     constexpr double kLargestLambda = 3.13;
-    if (!(std::fabs(point.phi) < kLargestPhi && std::fabs(point.lambda) < kLargestLambda)) return false;
-    const double adjacent = point.p * kWgs84AxisRatio;
-    const double scale = 1.0 / std::sqrt(adjacent * adjacent + point.z * point.z);
-    const double sinTheta = point.z * scale;
+    if (!(std::fabs(phi) < kLargestPhi && std::fabs(lambda) < kLargestLambda)) return false;
+    const Direction north(phi);
+    const Direction east(lambda);
+    const double n = kBesselSemiMajor / std::sqrt(1.0 - kBesselEccentricitySquared * north.sine * north.sine);
+    const double across = kShiftY * east.cosine - kShiftX * east.sine;
+    const double along = n * north.cosine + kShiftX * east.cosine + kShiftY * east.sine;
+    const double lambdaTurn = across / along;
+    const double p = along + across * lambdaTurn / 2;  // the root of the sum of their squares, to 1e-8 m
+    const double z = n * kBesselOneMinusEccentricitySquared * north.sine + kShiftZ;
+    const double adjacent = p * kWgs84AxisRatio;
+    const double scale = 1.0 / std::sqrt(adjacent * adjacent + z * z);
+    const double sinTheta = z * scale;
     const double cosTheta = adjacent * scale;
-    const double up = point.z + kWgs84SecondTimesSemiMinor * sinTheta * sinTheta * sinTheta;
-    const double out = point.p - kWgs84FirstTimesSemiMajor * cosTheta * cosTheta * cosTheta;
-    const double phiTurn = (up * point.cosPhi - out * point.sinPhi) / (out * point.cosPhi + up * point.sinPhi);
-    const double lambdaTurn = (kShiftY * point.cosLambda - kShiftX * point.sinLambda) /
-                              (point.n * point.cosPhi + kShiftX * point.cosLambda + kShiftY * point.sinLambda);
-    return quantiseSafely(point.phi + smallArcTangent(phiTurn), result.latitude) &&
-           quantiseSafely(point.lambda + smallArcTangent(lambdaTurn), result.longitude);
+    const double up = z + kWgs84SecondTimesSemiMinor * sinTheta * sinTheta * sinTheta;
+    const double out = p - kWgs84FirstTimesSemiMajor * cosTheta * cosTheta * cosTheta;
+    const double phiTurn = (up * north.cosine - out * north.sine) / (out * north.cosine + up * north.sine);
+    return quantiseSafely(phi, phiTurn, result.latitude) && quantiseSafely(lambda, lambdaTurn, result.longitude);
 }
 
 void decompose(int quanta, double& value, int& degrees, double& minutes) {
@@ -132,9 +133,10 @@ bool GpsParseNmeaManager::convertTokyoToWgs84(double* lat, int* latDeg, double* 
         lonMin == nullptr) {
         return nmeaLog.failure("convertTokyoToWgs84", "GpsParseNmeaManager::convertTokyoToWgs84() Argument Error");
     }
-    const TokyoPoint point(*lat, *lon);
+    const double phi = toRadians(*lat);
+    const double lambda = toRadians(*lon);
     Quanta wgs84;
-    if (!toWgs84Quickly(point, wgs84)) wgs84 = toWgs84Exactly(point);
+    if (!toWgs84Quickly(phi, lambda, wgs84)) wgs84 = toWgs84Exactly(phi, lambda);
     decompose(wgs84.latitude, *lat, *latDeg, *latMin);
     decompose(wgs84.longitude, *lon, *lonDeg, *lonMin);
     return true;
