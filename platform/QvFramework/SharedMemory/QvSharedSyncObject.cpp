@@ -77,11 +77,24 @@ bool isAlive(int fd, Token token) {
     return token == gToken || fcntl(fd, F_GETLK, &byte) != 0 || byte.l_type != F_UNLCK;
 }
 
+bool takeFree(QvSharedLock& lock) {
+    Token free = 0;
+    return lock.isMarked && lock.holder().compare_exchange_strong(free, gToken);
+}
+
 bool tryLock(QvSharedLock& lock) {
     if (!lock.isMarked && !(lock.isMarked = markAlive(lock.fd))) return false;
     Token seen = 0;
     return lock.holder().compare_exchange_strong(seen, gToken) ||
            (!isAlive(lock.fd, seen) && lock.holder().compare_exchange_strong(seen, gToken));
+}
+
+[[gnu::noinline]] void waitForLock(QvSharedLock& lock) {
+    constexpr long kLongestPauseNs = 2'000'000;
+    for (long pause = 20'000; !tryLock(lock); pause = std::min(2 * pause, kLongestPauseNs)) {
+        const timespec time{0, pause};
+        nanosleep(&time, nullptr);
+    }
 }
 
 /** For a new process or a forked child, which inherits neither the locks nor the file locks of its parent. */
@@ -163,14 +176,11 @@ QvSharedSyncObject::QvSharedSyncObject(const char* name) : mpLock(lockOf(name)) 
 QvSharedSyncObject::~QvSharedSyncObject() = default;
 
 void QvSharedSyncObject::lock() const QV_NO_THREAD_SAFETY_ANALYSIS {
-    constexpr long kLongestPauseNs = 2'000'000;
     if (mpLock == nullptr) return;
-    if (mpLock->owner == pthread_self()) return static_cast<void>(++mpLock->depth);
-    for (long pause = 20'000; !tryLock(*mpLock); pause = std::min(2 * pause, kLongestPauseNs)) {
-        const timespec time{0, pause};
-        nanosleep(&time, nullptr);
-    }
-    mpLock->owner.store(pthread_self(), std::memory_order_relaxed);
+    const pthread_t self = pthread_self();
+    if (mpLock->owner == self) return static_cast<void>(++mpLock->depth);
+    if (!takeFree(*mpLock)) waitForLock(*mpLock);
+    mpLock->owner.store(self, std::memory_order_relaxed);
     mpLock->depth = 1;
 }
 

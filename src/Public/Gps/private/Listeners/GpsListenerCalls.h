@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <mutex>
 #include <thread>
 
 #include "Gps/private/Listeners/LeafLock.h"
@@ -23,7 +22,7 @@ public:
     /** Guards the registries as well. A leaf: held for single steps, never while a listener runs. */
     LeafLock& lock() QV_RETURN_CAPABILITY(mLock) { return mLock; }
 
-    /** A notification of a listener in progress on this thread, from `begin` to the end of this object. */
+    /** A notification of a listener in progress on this thread, from `begin` to `end` or the end of this object. */
     class Call : private QvUncopyable {
     public:
         Call() = default;
@@ -31,13 +30,23 @@ public:
             LeafGuard guard(instance().mLock);
             begin(instance(), listener);
         }
-        /** @param calls the instance */
+        ~Call() {
+            if (mListener == nullptr) return;
+            LeafGuard guard(instance().mLock);
+            end(instance());
+        }
+
+        // `calls` is the instance.
+
         void begin(GpsListenerCalls& calls, const void* listener) QV_REQUIRES(calls.mLock) {
             mListener = listener;
             link(calls.mCalls, *this);
         }
-        ~Call() {
-            if (mListener != nullptr) instance().end(*this);
+        void end(GpsListenerCalls& calls) QV_REQUIRES(calls.mLock) {
+            if (mListener == nullptr) return;
+            mListener = nullptr;
+            unlink(calls.mCalls, *this);
+            if (calls.mWaits != nullptr) calls.mCallEnded.notify_all();
         }
 
     private:
@@ -94,12 +103,6 @@ private:
         while (*pointer != &node)
             pointer = &(*pointer)->mNext;
         *pointer = node.mNext;
-    }
-
-    void end(const Call& call) {
-        LeafGuard guard(mLock);
-        unlink(mCalls, call);
-        if (mWaits != nullptr) mCallEnded.notify_all();
     }
 
     bool beginWait(Wait& wait) {

@@ -27,9 +27,7 @@ public:
         LeafGuard guard(mCalls.lock());
         const unsigned int index = count();
         if (index == LISTENER_LIST_MAX) return false;
-        const std::uint64_t serial = mLastSerial.load(std::memory_order_relaxed) + 1;
-        mRegistrations[index] = {entry, serial, false};
-        mLastSerial.store(serial, std::memory_order_release);
+        mRegistrations[index] = {entry, ++mLastSerial, false};
         mCount.store(index + 1, std::memory_order_release);
         return true;
     }
@@ -58,17 +56,11 @@ public:
      */
     template <class First, class... Rest>
     unsigned int callEach(First first, Rest... rest) {
-        const std::uint64_t newest = mLastSerial.load(std::memory_order_acquire);
-        unsigned int calls = 0;
-        Registration current;
-        bool goesOn = true;
-        while (goesOn && current.serial != mLastSerial.load(std::memory_order_acquire)) {
-            GpsListenerCalls::Call call;
-            if (!beginNext(current, newest, calls, call)) break;
-            ++calls;
-            goesOn = first(current.entry) && (... && (!contains(current.serial) || rest(current.entry)));
-        }
-        return calls;
+        Pass pass;
+        bool goesOn = count() != 0;
+        while (goesOn && beginNext(pass))
+            goesOn = first(pass.entry) && (... && (!contains(pass.serial) || rest(pass.entry)));
+        return pass.calls;
     }
 
 private:
@@ -78,21 +70,34 @@ private:
         bool isEnabled = false;
     };
 
+    /** The state of one callEach. */
+    struct Pass {
+        GpsListenerCalls::Call call;
+        Entry entry;               // the one being called
+        std::uint64_t serial = 0;  // its serial
+        std::uint64_t newest;      // the last serial when the first call began
+        unsigned int calls = 0;
+    };
+
     /**
-     * Begins the call of the first enabled entry after `current`, and makes it the current one. Of entries added after
-     * `newest`, those at an index below `calls` are left out. False when there is none.
+     * Ends the call in progress and begins that of the first enabled entry after it. Of entries added after the first
+     * call, those at an index below `calls` are left out. False when there is none.
      */
-    bool beginNext(Registration& current, std::uint64_t newest, unsigned int calls, GpsListenerCalls::Call& call) {
+    bool beginNext(Pass& pass) {
         LeafGuard guard(mCalls.lock());
-        const auto isNext = [&, added = mRegistrations + calls](const Registration& registration) {
-            return registration.serial > current.serial && registration.isEnabled &&
-                   (registration.serial <= newest || &registration >= added);
-        };
-        const Registration* const next = std::find_if(mRegistrations, end(), isNext);
-        if (next == end()) return false;
-        current = *next;
-        call.begin(mCalls, listenerOf(current.entry));
-        return true;
+        pass.call.end(mCalls);
+        if (pass.calls == 0) pass.newest = mLastSerial;
+        for (unsigned int i = 0; i != count(); ++i) {
+            const Registration& next = mRegistrations[i];
+            const bool isNew = next.serial > pass.newest;
+            if (next.serial <= pass.serial || !next.isEnabled || (isNew && i < pass.calls)) continue;
+            pass.entry = next.entry;
+            pass.serial = next.serial;
+            ++pass.calls;
+            pass.call.begin(mCalls, listenerOf(pass.entry));
+            return true;
+        }
+        return false;
     }
 
     bool contains(std::uint64_t serial) {
@@ -105,9 +110,8 @@ private:
 
     GpsListenerCalls& mCalls = GpsListenerCalls::instance();
     Registration mRegistrations[LISTENER_LIST_MAX] QV_GUARDED_BY(mCalls.lock());
-    // Changed under the lock, read without it.
-    std::atomic<unsigned int> mCount{0};
-    std::atomic<std::uint64_t> mLastSerial{0};
+    std::uint64_t mLastSerial QV_GUARDED_BY(mCalls.lock()) = 0;
+    std::atomic<unsigned int> mCount{0};  // changed under the lock, read without it
 };
 
 #endif
