@@ -230,7 +230,7 @@ GpsHal::~GpsHal() = default;
 bool GpsHal::start() {
     QvSyncGuard guard(mSync);
     if (mReception != nullptr) return true;
-    unsigned speed = GPSHAL_SPEED_9600;
+    unsigned speed = kGpsHalSpeed9600;
     const std::shared_ptr<GpsHalLink> link = linkToUse(speed);
     if (link == nullptr) return false;
     const auto reception = std::make_shared<Reception>(shared_from_this(), link);

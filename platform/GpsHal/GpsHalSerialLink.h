@@ -20,7 +20,7 @@
 class GpsHalSerialLink : public GpsHalLink {
 public:
     /** @param speed one of kGpsHalSpeeds, for the first opening */
-    explicit GpsHalSerialLink(std::string device, unsigned speed = GPSHAL_SPEED_9600);
+    explicit GpsHalSerialLink(std::string device, unsigned speed = kGpsHalSpeed9600);
     ~GpsHalSerialLink() override;
 
     const char* name() const override { return mPath.c_str(); }

@@ -13,12 +13,11 @@ struct GpsHalSpeed {
     speed_t terminal;
 };
 
-constexpr unsigned GPSHAL_SPEED_9600 = 0;
-constexpr unsigned GPSHAL_SPEED_38400 = 2;
-constexpr unsigned GPSHAL_SPEED_115200 = 4;
-constexpr GpsHalSpeed kGpsHalSpeeds[] = {{GPSHAL_SPEED_9600, "9600", B9600},
-                                         {GPSHAL_SPEED_38400, "38400", B38400},
-                                         {GPSHAL_SPEED_115200, "115200", B115200}};
+constexpr unsigned kGpsHalSpeed9600 = 0;
+constexpr unsigned kGpsHalSpeed38400 = 2;
+constexpr unsigned kGpsHalSpeed115200 = 4;
+constexpr GpsHalSpeed kGpsHalSpeeds[] = {
+    {kGpsHalSpeed9600, "9600", B9600}, {kGpsHalSpeed38400, "38400", B38400}, {kGpsHalSpeed115200, "115200", B115200}};
 
 /** Detects that the receiver sends at another speed: bytes arrive, but no chunk. One thread. */
 class GpsHalSpeedWatch {

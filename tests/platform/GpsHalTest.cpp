@@ -162,8 +162,8 @@ TEST_F(GpsHalTest, TriesOtherSpeedsWhileBytesAreNoChunksAndLeavesThatOfAClient) 
             mPeer->waitForOpen(false, 50);
         }
     };
-    noiseUntil([&] { return mPeer->speed() == GPSHAL_SPEED_38400; });
-    unsigned speed = GPSHAL_SPEED_9600;
+    noiseUntil([&] { return mPeer->speed() == kGpsHalSpeed38400; });
+    unsigned speed = kGpsHalSpeed9600;
     EXPECT_TRUE(mHal->sendCommand(0, speed));
     const auto start = GpsHalSpeedWatch::Clock::now();
     noiseUntil([&] { return mPeer->speed() != speed; });
