@@ -92,4 +92,49 @@ private:
     static std::string answer(bool acknowledged) { return acknowledged ? "yes" : "no"; }
 };
 
+/** The operations that the facade and the controller have alike. */
+template <class Service>
+struct Kind {
+    const char* name;
+    bool (*add)(Service&, const AnyListener*);
+    bool (*remove)(Service&, const AnyListener*);
+};
+
+template <class Service>
+struct Request {
+    const char* name;
+    bool (*call)(Service&);
+};
+
+#define KIND(name, ...)                                                                                  \
+    {                                                                                                    \
+#name, [](Service& s, const AnyListener* l) { return s.registerGps##name##Listener(l __VA_ARGS__); },  \
+            [](Service& s, const AnyListener* l) { return s.unRegisterGps##name##Listener(l); } \
+    }
+#define REQUEST(name, ...)                                     \
+    {                                                          \
+#name, [](Service & s) { return s.name(__VA_ARGS__); } \
+    }
+
+template <class Service>
+constexpr Kind<Service> kKinds[] = {KIND(Nmea, , GEODETIC_SYSTEM_WGS84),
+                                    KIND(ParseNmea, , GEODETIC_SYSTEM_WGS84),
+                                    KIND(LocationData),
+                                    KIND(Version),
+                                    KIND(Connection),
+                                    KIND(Setting),
+                                    KIND(Production)};
+
+template <class Service>
+constexpr Request<Service> kRequests[] = {REQUEST(requestGpsVersionInfo),
+                                          REQUEST(requestGpsSetting, GPS_SETTING_ZDA_ON),
+                                          REQUEST(requestSwitchGpsProductionMode),
+                                          REQUEST(requestStartGpsProductionCheck),
+                                          REQUEST(requestFinishGpsProductionCheck),
+                                          REQUEST(requestGpsReset),
+                                          REQUEST(requestGpsColdStart)};
+
+#undef KIND
+#undef REQUEST
+
 #endif

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -11,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 
 constexpr int kPatienceMs = 60000;  // a wait that fails, fails after this
 
@@ -53,6 +55,24 @@ template <class Work>
 void expectInProcess(Work work) {
     EXPECT_EQ(exitCodeOf(startProcess(work)), 0);
 }
+
+/** An object that this process shares with those that it starts. */
+template <class Object>
+class ForAllProcesses {
+public:
+    ForAllProcesses()
+        : mObject(new (mmap(nullptr, sizeof(Object), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
+                      Object) {}
+    ~ForAllProcesses() { munmap(mObject, sizeof(Object)); }
+    ForAllProcesses(const ForAllProcesses&) = delete;
+    ForAllProcesses& operator=(const ForAllProcesses&) = delete;
+
+    Object& operator*() const { return *mObject; }
+    Object* operator->() const { return mObject; }
+
+private:
+    Object* const mObject;
+};
 
 /** Lets one process wait until another one signals it. */
 class Signal {

@@ -76,51 +76,6 @@ private:
 /** The lines of one location. */
 const Strings kLocationLines = {"location's RMC", "location's GGA", "location's PASCD", "location"};
 
-/** The operations that the facade and the controller have alike. */
-template <class Service>
-struct Kind {
-    const char* name;
-    bool (*add)(Service&, const Listener*);
-    bool (*remove)(Service&, const Listener*);
-};
-
-template <class Service>
-struct Request {
-    const char* name;
-    bool (*call)(Service&);
-};
-
-#define KIND(name, ...)                                                                               \
-    {                                                                                                 \
-#name, [](Service& s, const Listener* l) { return s.registerGps##name##Listener(l __VA_ARGS__); },  \
-            [](Service& s, const Listener* l) { return s.unRegisterGps##name##Listener(l); } \
-    }
-#define REQUEST(name, ...)                                     \
-    {                                                          \
-#name, [](Service & s) { return s.name(__VA_ARGS__); } \
-    }
-
-template <class Service>
-constexpr Kind<Service> kKinds[] = {KIND(Nmea, , GEODETIC_SYSTEM_WGS84),
-                                    KIND(ParseNmea, , GEODETIC_SYSTEM_WGS84),
-                                    KIND(LocationData),
-                                    KIND(Version),
-                                    KIND(Connection),
-                                    KIND(Setting),
-                                    KIND(Production)};
-
-template <class Service>
-constexpr Request<Service> kRequests[] = {REQUEST(requestGpsVersionInfo),
-                                          REQUEST(requestGpsSetting, GPS_SETTING_ZDA_ON),
-                                          REQUEST(requestSwitchGpsProductionMode),
-                                          REQUEST(requestStartGpsProductionCheck),
-                                          REQUEST(requestFinishGpsProductionCheck),
-                                          REQUEST(requestGpsReset),
-                                          REQUEST(requestGpsColdStart)};
-
-#undef KIND
-#undef REQUEST
-
 /** A controller on a link in memory, and the shared records as after the start of the system. */
 class ControllerTest : public testing::Test {
 protected:
@@ -165,12 +120,14 @@ inline Strings linesOf(const Strings& names, const Strings& lines) {
 class EveryKind : public ControllerTest, public testing::WithParamInterface<std::size_t> {
 protected:
     static std::string name() { return kKinds<GpsController>[GetParam()].name; }
-    bool add(const Listener* listener) {
+    bool add(const AnyListener* listener) {
         const bool isAdded = kKinds<GpsController>[GetParam()].add(*mController, listener);
         mController->stop();
         return isAdded;
     }
-    bool remove(const Listener* listener) { return kKinds<GpsController>[GetParam()].remove(*mController, listener); }
+    bool remove(const AnyListener* listener) {
+        return kKinds<GpsController>[GetParam()].remove(*mController, listener);
+    }
 
     /** Causes a notification of the listeners of the kind. */
     void fire() {

@@ -13,10 +13,8 @@
 //   # or an empty line        nothing
 //   let NAME body             names a sentence
 //   send NAME...              receives named sentences
-//   cuts NAME                 receives a named sentence cut after each of its fields, the longest first; the log texts
-//                             share a line
 //   $ body                    receives a sentence: checksum and line end are added
-//   < chunk                   receives these characters; \xHH is a byte, and "*N" after a space repeats the last one
+//   < chunk                   receives these characters; \xHH is a byte
 //   ubx class id payload      receives a frame; hexadecimal bytes: 00*5 is five zeros, 04..17 counts up
 //   base datum finished       sets the shared setting record; two numbers
 //   listen NAME [KIND[:datum]...]   registers, without kinds for everything
@@ -59,12 +57,7 @@ std::string unescaped(const std::string& text) {
             bytes += text[i] == 'r' ? '\r' : '\n';
         }
     }
-    const std::size_t repeat = bytes.rfind(" *");
-    const bool isRepeat = repeat != std::string::npos && repeat + 2 < bytes.size() && repeat > 0 &&
-                          bytes.find_first_not_of("0123456789", repeat + 2) == std::string::npos;
-    if (!isRepeat) return bytes;
-    const std::size_t count = std::stoul(bytes.substr(repeat + 2));
-    return bytes.substr(0, repeat) + std::string(count - 1, bytes[repeat - 1]);
+    return bytes;
 }
 
 std::string fromHex(std::istream& words) {
@@ -80,16 +73,13 @@ std::string fromHex(std::istream& words) {
     return bytes;
 }
 
-/** Bytes in hexadecimal, but for a sentence at their beginning. */
-std::string shownBytes(const std::string& bytes) {
-    const std::size_t end = bytes.starts_with('$') ? bytes.find('\n') + 1 : 0;
-    std::ostringstream text;
-    text << escaped(bytes.substr(0, end));
-    for (const char c : bytes.substr(end)) {
+std::string inHex(const std::string& bytes) {
+    std::string text;
+    for (const char c : bytes) {
         const unsigned value = static_cast<unsigned char>(c);
-        text << (text.tellp() > 0 ? " " : "") << kHexDigits[value >> 4] << kHexDigits[value & 15];
+        text += {' ', kHexDigits[value >> 4], kHexDigits[value & 15]};
     }
-    return text.str();
+    return text.substr(1);
 }
 
 struct Note {
@@ -162,7 +152,7 @@ protected:
             if (!step.empty() && step[0] != '#') run(step, words, line);
             const std::string sent = mPeer->written().substr(mWritten);
             mWritten += sent.size();
-            if (!sent.empty()) note("sent", shownBytes(sent));
+            if (!sent.empty()) note("sent", inHex(sent));
             for (const LogCapture::Line& logged : mLog.take()) {
                 // The worker is stopped at once, and may end before its priority is set.
                 if (logged.function != "SetPriority") note("log", logged.function + ": " + escaped(logged.text));
@@ -190,7 +180,6 @@ private:
                 receiveChunk(sentence(mSentences.at(name)));
             return;
         }
-        if (step == "cuts") return receiveCuts(mSentences.at(name));
         if (step == "listen" || step == "leave") return change(step == "listen", name, words);
         if (step == "show") {
             mScene.subjects.emplace();
@@ -210,19 +199,6 @@ private:
     void receiveChunk(const std::string& chunk) {
         mScene.chunk = chunk;
         receive(chunk);
-    }
-
-    void receiveCuts(std::string body) {
-        std::string texts;
-        for (std::size_t end; (end = body.rfind(',')) != std::string::npos;) {
-            body.resize(end);
-            receiveChunk(sentence(body));
-            for (const LogCapture::Line& logged : mLog.take()) {
-                const std::size_t argument = texts.empty() ? 0 : logged.text.find(") ") + 2;
-                texts += (texts.empty() ? logged.function + ": " : ", ") + escaped(logged.text.substr(argument));
-            }
-        }
-        note("log", texts);
     }
 
     /** Registers or unregisters for the kinds in `words`, for all when there are none. */

@@ -1,3 +1,5 @@
+#include <sys/resource.h>
+
 #include <cerrno>
 
 #include "tests/library/controller/ControllerTest.h"
@@ -27,89 +29,69 @@ Strings threadsNamed(const std::string& name) {
 /** Runs the test's function in each of its three steps, and records the step. */
 class Owner {
 public:
-    std::function<int()> onInitialize = [] { return 0; };
-    std::function<int()> onMainProc = [] { return 0; };
-    std::function<int()> onFinalize = [] { return 0; };
+    using Step = std::function<int()>;
+    Step onInitialize = [] { return 0; }, onMainProc = onInitialize, onFinalize = onInitialize;
     std::string steps;
 
-    int Initialize() { return note('I'), onInitialize(); }
-    int MainProc() { return note('M'), onMainProc(); }
-    void Finalize() { note('F'), onFinalize(); }
-
-private:
-    void note(char step) { steps += step; }
+    int Initialize() { return steps += 'I', onInitialize(); }
+    int MainProc() { return steps += 'M', onMainProc(); }
+    void Finalize() { steps += 'F', onFinalize(); }
 };
 
 class Worker : public testing::Test {
 protected:
-    /** Runs the thread to its end. */
-    void run() {
-        ASSERT_TRUE(mThread.Start("a-name-of-over-15-characters"));
-        ASSERT_TRUE(mThread.WaitExit(kLongMs));
-    }
-
     LogCapture mLog;
     Owner mOwner;
     QvThread<Owner> mThread{&mOwner};
 };
 
-TEST_F(Worker, runsNothingMoreWhenItCannotInitialize) {
-    run();
-    EXPECT_EQ(mOwner.steps, "IMF");
-    mOwner.onInitialize = [] { return 1; };
-    run();
-    EXPECT_EQ(mOwner.steps, "IMFI");
-    EXPECT_THAT(mLog.texts(), IsEmpty());
-}
-
-TEST_F(Worker, reportsAnExceptionInAnyStepAndEndsThere) {
+TEST_F(Worker, endsWithTheFirstStepThatFails) {
+    constexpr char kName[] = "a-name-of-over-15-characters";
+    const auto refuse = [] { return 1; };
+    const auto throwStandard = []() -> int { throw std::runtime_error("cause"); };
+    const auto throwOther = []() -> int { throw 1; };
     const struct {
-        std::function<int()> Owner::*step;
+        Owner::Step Owner::*step;
+        Owner::Step outcome;
         const char* steps;
-    } rows[] = {{&Owner::onInitialize, "I"}, {&Owner::onMainProc, "IM"}, {&Owner::onFinalize, "IMF"}};
+        const char* report;
+    } rows[] = {{&Owner::onInitialize, refuse, "I", ""},
+                {&Owner::onMainProc, refuse, "IMF", ""},
+                {&Owner::onInitialize, throwStandard, "I", ", what [cause]\n"},
+                {&Owner::onMainProc, throwStandard, "IM", ", what [cause]\n"},
+                {&Owner::onFinalize, throwOther, "IMF", "\n"}};
     for (const auto& row : rows) {
-        for (const bool isStandard : {true, false}) {
-            mOwner = {};
-            mOwner.*row.step = [isStandard]() -> int {
-                if (isStandard) throw std::runtime_error("cause");
-                throw 1;
-            };
-            run();
-            EXPECT_EQ(mOwner.steps, row.steps);
-            const std::vector<LogCapture::Line> lines = mLog.take();
-            ASSERT_GE(lines.size(), 3U);
-            EXPECT_EQ(lines[0].text, std::string("catch exception. thread name [a-name-of-over-15-characters]") +
-                                         (isStandard ? ", what [cause]\n" : "\n"));
-            EXPECT_EQ(lines[0].file + lines[0].function, "QvFramework/Foundation/QvThreadEntry");
-            EXPECT_THAT(lines[1].text,
-                        testing::MatchesRegex("#########\n#########\nASSERT Failed! - QvFramework/Foundation/QvThread"
-                                              "\\([0-9]+\\)\n#########\n#########\n"));
-            EXPECT_THAT(lines[2].text, testing::StartsWith("#0 ")) << "a call stack";
-        }
+        mOwner = {};
+        mOwner.*row.step = row.outcome;
+        ASSERT_TRUE(mThread.Start(kName) && mThread.WaitExit(kLongMs));
+        EXPECT_EQ(mOwner.steps, row.steps);
+        const std::vector<LogCapture::Line> lines = mLog.take();
+        ASSERT_EQ(lines.size() >= 3, *row.report != '\0');
+        if (lines.empty()) continue;
+        EXPECT_EQ(lines[0].text, std::string("catch exception. thread name [") + kName + "]" + row.report);
+        EXPECT_EQ(lines[0].file + lines[0].function, "QvFramework/Foundation/QvThreadEntry");
+        EXPECT_THAT(lines[1].text,
+                    testing::MatchesRegex("#########\n#########\nASSERT Failed! - QvFramework/Foundation/QvThread"
+                                          "\\([0-9]+\\)\n#########\n#########\n"));
+        EXPECT_THAT(lines[2].text, testing::StartsWith("#0 ")) << "a call stack";
     }
 }
 
-TEST_F(Worker, isNamedAndRegisteredWhileItRuns) {
+TEST_F(Worker, isOneThreadWithANameAndAnOwner) {
+    QvEvent end;
     pthread_t handle{};
     mOwner.onMainProc = [&] {
         handle = pthread_self();
         EXPECT_TRUE(QvThreadMng::GetInstance()->isRegistered(handle));
-        const std::string own = "/proc/self/task/" + std::to_string(gettid());
-        while (fileContents(own + "/comm") != "a-name-of-over-\n") {
+        while (threadsNamed("a-name-of-over-").empty()) {
         }
-        return 0;
+        return end.WaitEvent(kLongMs);
     };
-    run();
-    EXPECT_FALSE(QvThreadMng::GetInstance()->isRegistered(handle));
-}
-
-TEST_F(Worker, isOneThreadAndNeedsAnOwner) {
-    QvEvent end;
-    mOwner.onMainProc = [&end] { return end.WaitEvent(kLongMs); };
-    EXPECT_TRUE(mThread.Start("first"));
+    EXPECT_TRUE(mThread.Start("a-name-of-over-15-characters"));
     EXPECT_FALSE(mThread.Start("second"));
     end.SetEvent();
     EXPECT_TRUE(mThread.WaitExit(kLongMs));
+    EXPECT_FALSE(QvThreadMng::GetInstance()->isRegistered(handle));
     EXPECT_TRUE(mThread.WaitExit(kLongMs)) << "there is none to wait for";
     EXPECT_EQ(mOwner.steps, "IMF");
     EXPECT_FALSE(QvThread<Owner>(nullptr).Start("third"));
@@ -118,9 +100,8 @@ TEST_F(Worker, isOneThreadAndNeedsAnOwner) {
 
 TEST_F(Worker, isReportedWhenItsEndTakesTooLongAndWaitedForAllTheSame) {
     mOwner.onMainProc = [this] {
-        while (mLog.texts().size() < 2) {
+        while (mLog.texts().size() < 2)
             std::this_thread::yield();
-        }
         return 0;
     };
     for (int i = 0; i < 2; ++i) {  // again by the same object
@@ -131,29 +112,11 @@ TEST_F(Worker, isReportedWhenItsEndTakesTooLongAndWaitedForAllTheSame) {
         EXPECT_EQ(lines[0].function, "WaitEventTimeoutThread");
         EXPECT_THAT(lines[1].text, testing::HasSubstr("ASSERT Failed!"));
     }
-}
-
-TEST_F(Worker, isWaitedForWithoutAWatchdogWhenThereCanBeNone) {
+    mOwner.onMainProc = [] { return 0; };
     ASSERT_TRUE(mThread.Start("unwatched"));
     letFail({"pthread_create", {EAGAIN}});
     EXPECT_TRUE(mThread.WaitExit(1));
     EXPECT_THAT(mLog.texts(), ElementsAre("Error, pthread_create failed.\n"));
-}
-
-TEST_F(Worker, logsThatItCannotWaitForItsOwnEnd) {
-    QvEvent isStarted;
-    std::promise<void> end;
-    mOwner.onMainProc = [&] {
-        pthread_detach(pthread_self());
-        return isStarted.WaitEvent(kLongMs) + mThread.WaitExit(kLongMs) + mThread.GetPriority() + 1;
-    };
-    mOwner.onFinalize = [&] { return end.set_value(), 0; };
-    EXPECT_TRUE(mThread.Start("impatient"));
-    isStarted.SetEvent();
-    end.get_future().wait();
-    while (!threadsNamed("impatient").empty())
-        std::this_thread::yield();
-    EXPECT_THAT(mLog.texts(), ElementsAre(testing::StartsWith("pthread_join failed !! ret["), "invalid thread id\n"));
 }
 
 class ControllersWorker : public ControllerTest {
@@ -173,24 +136,15 @@ protected:
     Listener mOther{"other"};
 };
 
-TEST_F(ControllersWorker, startsAndStopsOnce) {
+TEST_F(ControllersWorker, runsFromTheFirstLocationListenerToTheLast) {
     EXPECT_FALSE(mController->stop());
-    EXPECT_TRUE(mController->start());
+    mController->registerGpsLocationDataListener(&mListener);
     EXPECT_FALSE(mController->start());
     EXPECT_TRUE(become(1));
-    EXPECT_TRUE(mController->stop());
-    EXPECT_FALSE(mController->stop());
-    EXPECT_TRUE(become(0));
-    EXPECT_TRUE(mController->start());
-    EXPECT_THAT(mLog.texts(), IsEmpty());
-    mController.reset();
-    EXPECT_TRUE(become(0));
-}
-
-TEST_F(ControllersWorker, runsFromTheFirstLocationListenerToTheLast) {
-    mController->registerGpsLocationDataListener(&mListener);
-    EXPECT_TRUE(become(1));
     const Strings first = workers();
+    const int priority =
+        getpriority(PRIO_PROCESS, static_cast<id_t>(std::stoi(first[0].substr(first[0].rfind('/') + 1))));
+    EXPECT_EQ(priority, geteuid() == 0 ? -13 : 0) << "which the system grants to few";
     mController->registerGpsLocationDataListener(&mOther);
     mController->unRegisterGpsLocationDataListener(&mListener);
     EXPECT_EQ(workers(), first);
@@ -199,10 +153,19 @@ TEST_F(ControllersWorker, runsFromTheFirstLocationListenerToTheLast) {
     mController->registerGpsLocationDataListener(&mListener);
     EXPECT_TRUE(become(1));
     EXPECT_NE(workers(), first);
+    EXPECT_TRUE(mController->stop());
+    EXPECT_FALSE(mController->stop());
+    EXPECT_TRUE(mController->start());
+    mController.reset();
+    EXPECT_TRUE(become(0));
+    EXPECT_THAT(mLog.texts(), IsEmpty());
 }
 
 TEST_F(ControllersWorker, goesOnWhenTheLastListenerReplacesItselfInsideItsNotification) {
     mListener.setHook([this] {
+        timespec used{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &used);
+        EXPECT_LT(used.tv_sec * 1000000000 + used.tv_nsec, 200000000) << "it has slept for most of a second";
         mController->unRegisterGpsLocationDataListener(&mListener);
         mController->registerGpsLocationDataListener(&mOther);
         mController->setLocationData(&kNowhere);

@@ -17,7 +17,7 @@ std::size_t below(std::size_t limit) {
 
 /** A good sentence with a few stretches changed, lost, doubled or swollen; mostly with a right checksum. Or noise. */
 std::string hostileChunk() {
-    std::string body = kBodies[below(kBodies.size())];
+    std::string body = kBodies[below(std::size(kBodies))];
     for (std::size_t changes = below(6); changes > 0; --changes) {
         const std::size_t place = below(body.size() + 1);
         const std::string stretches[] = {
@@ -66,13 +66,13 @@ TEST(HostileBytes, AreRefusedOrReadAndNeverOverread) {
     LogCapture log;
     GpsParseNmeaManager manager;
     Recorder wgs84, tokyo;
-    const Registry registry = {{&wgs84, GEODETIC_SYSTEM_WGS84}, {&tokyo, GEODETIC_SYSTEM_TOKYO}};
+    const Registry registry = {{&wgs84, kWgs84}, {&tokyo, kTokyo}};
     int sentences = 0;
     int regenerated = 0;
     for (int round = 0; round < 50000; ++round) {
         const std::string chunk = hostileChunk();
         const bool isSentence = holdsSentence(chunk);
-        ASSERT_EQ(feed(manager, chunk, registry, GEODETIC_SYSTEM_TOKYO), isSentence) << chunk;
+        ASSERT_EQ(feed(manager, chunk, registry, kTokyo), isSentence) << chunk;
         const std::string rewritten = rewrite(chunk);
         ASSERT_TRUE(isSentence || rewritten.empty()) << chunk;
         sentences += isSentence;
@@ -81,11 +81,30 @@ TEST(HostileBytes, AreRefusedOrReadAndNeverOverread) {
             ASSERT_EQ(rewritten, sentence(rewritten.substr(1, rewritten.rfind('*') - 1))) << chunk;
         }
         log.take();
-        wgs84.received.clear();
-        tokyo.received.clear();
+        wgs84.kinds.clear();
+        tokyo.kinds.clear();
     }
     EXPECT_GT(sentences, 5000);
     EXPECT_GT(regenerated, 1000);
+}
+
+TEST(Rewriting, KeepsCodesAndLeavesOtherSentencesAlone) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"GPGLL,,,,,,V,N", "$GPGLL,  0.36927,N,   0.27344,E,000000.000,V,N*5E"},
+        {"GLGLL,,,,,,A,D", ",A,D*5F"},
+        {"GAGLL,,,,,,A,N", ",A,N*58"},
+        {"GNGLL,,,,,,A,E", ",A,N*57"},
+        {"GBGLL,,,,,,A,A", "$GPGLL,"}};
+    for (const auto& [body, part] : rows)
+        EXPECT_NE(rewrite(sentence(body)).find(part), std::string::npos) << rewrite(sentence(body));
+    for (const std::string status : {"NF", "DR", "G2", "G3", "D2", "D3", "RK", "TT"}) {
+        const std::string rewritten = rewrite(sentence("PUBX,00,,,,,,," + status + ",,,,,,,,,,,"));
+        EXPECT_NE(rewritten.find("," + status + ","), std::string::npos) << rewritten;
+    }
+    std::string chunk = sentence(kBodies[2]);
+    chunk.resize(GpsParseNmeaManager::REGENERATED_SIZE, '\xFF');
+    EXPECT_EQ(rewrite(chunk), chunk);
+    EXPECT_EQ(rewrite(chunk + "x"), "") << "too long";
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #ifndef TESTS_LIBRARY_NMEA_NMEA_SUPPORT_H
 #define TESTS_LIBRARY_NMEA_NMEA_SUPPORT_H
 
-#include <utility>
 #include <vector>
 
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
@@ -11,22 +10,23 @@
 constexpr auto kWgs84 = GEODETIC_SYSTEM_WGS84;
 constexpr auto kTokyo = GEODETIC_SYSTEM_TOKYO;
 
-/** Keeps what it is notified of. */
-class Recorder : public AnyListener {
-public:
-    void notified(const std::string& kind, const std::string& record) override { received.emplace_back(kind, record); }
-
-    /** The kinds in the order of arrival, "RMC VTG EPOCH". */
-    std::string kinds() const;
-    std::vector<std::pair<std::string, std::string>> received;
+/** Keeps the kinds of what it is notified of, in the order of arrival, and the last record. */
+struct Recorder : AnyListener {
+    void notified(const std::string& kind, const std::string& record) override {
+        kinds += (kinds.empty() ? "" : " ") + kind;
+        last = record;
+    }
+    std::string kinds, last;
 };
 
 using Registry = std::vector<GPS_PARSE_NMEA_LISTENER_LIST>;
 
 /** Passes a chunk to the dispatcher, in a buffer without a byte to spare. */
-bool feed(GpsParseNmeaManager& manager, std::string_view chunk, const Registry& registry, GeodeticSystem base = kWgs84);
-
-/** A sentence of every kind that uses all of its record, without "$" and checksum. */
-extern const std::vector<std::string> kBodies;
+inline bool feed(GpsParseNmeaManager& manager, std::string_view chunk, const Registry& registry,
+                 GeodeticSystem base = kWgs84) {
+    const std::vector<char> exact(chunk.begin(), chunk.end());
+    return manager.parseNmeaSentence(exact.data(), static_cast<unsigned int>(exact.size()), registry.data(),
+                                     static_cast<unsigned int>(registry.size()), base, true);
+}
 
 #endif

@@ -133,6 +133,11 @@ TEST_F(Setting, FullRingLosesItsOldestEntryToARequestThatIsSentAndToNoOther) {
 }
 
 TEST_F(Setting, IsAnsweredEvenBeforeSendingHasReturnedAndSoAreProductionRequests) {
+    mPeer->setWriteHook([&](std::string_view) { return !send(kYes); });
+    EXPECT_FALSE(mController->requestGpsSetting(GPS_SETTING_ZDA_ON)) << "though a stray answer came";
+    EXPECT_EQ(mListener.take(), answers({GPS_SETTING_ZDA_ON}));
+    send(kYes);
+    EXPECT_THAT(mListener.take(), IsEmpty()) << "nothing is awaited";
     mPeer->setWriteHook([&](std::string_view) { return send(kNo); });
     for (int setting = 0; setting < 24; ++setting) {
         request({setting});
@@ -215,34 +220,27 @@ TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
     EXPECT_EQ(contentsOf(kSettingSegment), "\x08\0\0\0\1\0\0\0\1\0\0\0"s);
 }
 
-TEST_F(Setting, NullArgumentsAreRefused) {
-    GpsSettingManager manager;
-    EXPECT_FALSE(manager.analizeGpsSettingResponse(nullptr, 10, &mListener) ||
-                 manager.analizeGpsSettingResponse(kYes.data(), 0, &mListener) ||
-                 manager.analizeGpsSettingResponse(kYes.data(), 10, nullptr) || manager.readLocalMemory(nullptr));
-    const std::string text = "GpsSettingManager::analizeGpsSettingResponse() Argument Error\n";
-    EXPECT_THAT(textsOf(mLog.take()),
-                ElementsAre(text, text, text, "GpsSettingManager::readLocalMemory() Argument Error!\n"));
-}
-
-TEST_F(Setting, UnmappedSegmentLeavesTheCopiesOfTheProcess) {
-    FreshSegments::remove();
-    createObject(kSettingSegment, "too short");
-    GpsSettingManager unmapped;
-    EXPECT_EQ(unmapped.getBaseGeodeticSystem(), GEODETIC_SYSTEM_WGS84);
-    EXPECT_FALSE(unmapped.getSettingFinishFlg());
-    EXPECT_FALSE(unmapped.requestGpsSetting(GPS_SETTING_DATUM_TOKYO));
-    const GPS_SETTING_LOCAL_MEMORY record{};
-    EXPECT_FALSE(unmapped.writeLocalMemory(&record));
-    const std::string read = "GpsSettingManager::readLocalMemory() lpData = NULL\n";
-    EXPECT_THAT(textsOf(mLog.take()),
-                ElementsAre("mmap error\n", read, "GpsSettingManager::getBaseGeodeticSystem() readLocalMemory Error!\n",
-                            read, "GpsSettingManager::getSettingFinishFlg() readLocalMemory Error!\n", read,
-                            "GpsSettingManager::requestGpsSetting() readLocalMemory Error!\n",
-                            "GpsSettingManager::writeLocalMemory() lpData = NULL\n"));
-    EXPECT_EQ(mPeer->written(), commandOf(GPS_SETTING_DATUM_TOKYO));
-    EXPECT_TRUE(unmapped.analizeGpsSettingResponse(kYes.data(), 10, &mListener)) << "the request stays queued";
-    EXPECT_EQ(mListener.take(), answers({5}));
+TEST_F(Setting, IsKeptWhenAnotherProcessStoresOneAtTheSameTime) {
+    constexpr unsigned kRounds = 3000;
+    const ForAllProcesses<std::atomic<unsigned>> turns;  // odd while the other process has to store
+    const pid_t other = startProcess([&] {
+        for (unsigned round = 0; round < kRounds; ++round, ++*turns) {
+            while (*turns % 2 == 0)
+                sched_yield();
+            request({GPS_SETTING_SAVE_CONFIG});
+        }
+    });
+    for (unsigned round = 0; round < kRounds && !HasFailure(); ++round) {
+        setShared(GEODETIC_SYSTEM_WGS84, false);
+        ++*turns;
+        request({GPS_SETTING_DATUM_TOKYO});
+        while (*turns % 2 == 1)
+            sched_yield();
+        const auto [base, isFinished] = GpsSettingManager().getBaseAndFinishFlg();
+        EXPECT_TRUE(base == GEODETIC_SYSTEM_TOKYO && isFinished) << round;
+    }
+    if (HasFailure()) return killProcess(other);
+    EXPECT_EQ(exitCodeOf(other), 0);
 }
 
 }  // namespace

@@ -1,16 +1,12 @@
 #include "QvFramework/SharedMemory/QvSharedMemory.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstring>
-#include <functional>
-#include <memory>
 #include <numeric>
 #include <thread>
 
-#include "Gps/private/Connection/GpsConnectionManager.h"
-#include "Gps/private/Setting/GpsSettingManager.h"
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
 #include "tests/library/services/SharedState.h"
 #include "tests/support/Processes.h"
@@ -19,8 +15,6 @@
 namespace {
 
 using namespace std::string_literals;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using Memory = QvSharedMemory<int, 2>;  // 12 bytes
 
 std::string zeros(std::size_t size) {
@@ -31,40 +25,6 @@ class SharedMemory : public testing::Test {
 protected:
     const FreshSegments segments;
 };
-
-TEST_F(SharedMemory, FirstHolderCreatesTheObjectWithItsHeaderAndZeros) {
-    using Holder = std::shared_ptr<QvSharedSyncObject>;
-    const struct {
-        const char* name;
-        std::function<Holder()> make;
-        std::string contents;
-    } cases[] = {
-        {kConnectionSegment, [] { return std::make_shared<GpsConnectionManager>(); }, "\x04\0\0\0"s + zeros(4)},
-        {kSettingSegment, [] { return std::make_shared<GpsSettingManager>(); }, "\x08\0\0\0"s + zeros(8)},
-        {kLocationSegment, [] { return std::make_shared<LocationDataMemory>(); }, "\x10\x04\0\0"s + zeros(4 + 1040)},
-    };
-    for (const auto& segment : cases) {
-        Holder holder = segment.make();
-        EXPECT_EQ(contentsOf(segment.name), segment.contents);
-        holder.reset();
-        EXPECT_EQ(contentsOf(segment.name), segment.contents) << "outlives its holder";
-    }
-}
-
-TEST_F(SharedMemory, ModeDoesNotDependOnTheUmaskWhichStaysAsItWas) {
-    expectInProcess([] {
-        umask(077);
-        const Memory memory("QVSDK_TestMode");
-        EXPECT_EQ(umask(077), 077u);
-    });
-    const auto takeMode = [](const std::filesystem::path& object) {
-        const auto mode = std::filesystem::status(object).permissions();
-        std::filesystem::remove(object);
-        return mode;
-    };
-    EXPECT_EQ(takeMode(objectPath("QVSDK_TestMode")), std::filesystem::perms(0664));
-    EXPECT_EQ(takeMode(objectPath("QVSDK_TestMode.lock")), std::filesystem::perms(0660));
-}
 
 TEST_F(SharedMemory, SegmentWithoutItsLockCountsAsUnmapped) {
     createObject("QVSDK_TestUnlocked.lock", "no lock");
@@ -97,6 +57,8 @@ TEST_F(SharedMemory, StandardErrorThatTheHostHasClosedIsNotTakenEvenForAMoment) 
 }
 
 TEST_F(SharedMemory, ObjectThatExistsIsFinishedUsedOrRefusedByItsLength) {
+    const mode_t before = umask(077);
+    const auto modeOf = [](const std::string& name) { return std::filesystem::status(objectPath(name)).permissions(); };
     for (std::size_t length = 0; length < 20; ++length) {
         createObject(kTestSegment, std::string(length, 'x'));
         std::filesystem::permissions(objectPath(kTestSegment), std::filesystem::perms(length == 0 ? 0600 : 0664));
@@ -106,9 +68,10 @@ TEST_F(SharedMemory, ObjectThatExistsIsFinishedUsedOrRefusedByItsLength) {
         EXPECT_EQ(textsOf(log.lines()), isTaken ? Texts() : Texts{"mmap error\n"}) << length;
         const std::string contents = length == 0 ? zeros(8) : std::string(length - (isTaken ? 4 : 0), 'x');
         EXPECT_EQ(contentsOf(kTestSegment), isTaken ? "\x08\0\0\0"s + contents : contents);
-        const auto mode = std::filesystem::status(objectPath(kTestSegment)).permissions();
-        EXPECT_EQ(mode, std::filesystem::perms(0664)) << length;
+        EXPECT_EQ(modeOf(kTestSegment), std::filesystem::perms(0664)) << length;
     }
+    EXPECT_EQ(modeOf(kTestSegment + std::string(".lock")), std::filesystem::perms(0660));
+    EXPECT_EQ(umask(before), 077u) << "as it was";
 }
 
 GPS_LOCATION_DATA_SHARE filled(unsigned char byte) {
@@ -119,19 +82,6 @@ GPS_LOCATION_DATA_SHARE filled(unsigned char byte) {
 
 std::string bytesOf(const GPS_LOCATION_DATA_SHARE& record) {
     return {reinterpret_cast<const char*>(&record), sizeof(record)};
-}
-
-TEST_F(SharedMemory, LocationRecordIsKeptBitForBitUntilTheNextHolderResetsIt) {
-    LocationDataMemory memory;
-    const GPS_LOCATION_DATA_SHARE written = filled(0xF7);
-    GPS_LOCATION_DATA_SHARE seen = filled(1);
-    EXPECT_TRUE(memory.write(&written) && memory.read(&seen));
-    EXPECT_FALSE(memory.read(nullptr));
-    EXPECT_EQ(bytesOf(seen), bytesOf(written));
-    EXPECT_EQ(contentsOf(kLocationSegment).substr(8), bytesOf(written));
-    expectInProcess([] { const LocationDataMemory other; });
-    EXPECT_TRUE(memory.read(&seen));
-    EXPECT_EQ(bytesOf(seen), zeros(1040));
 }
 
 TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {

@@ -13,40 +13,28 @@ std::string numbered(std::size_t number) {
     return "$GPNUM," + std::to_string(number) + "\r\n";
 }
 
-/** Counts the numbered sentences, which come in their order. */
-class Counter : public GpsNmeaListener {
-public:
-    void notifyReceiveNmeaSentence(const char* data, unsigned int length) override {
-        EXPECT_EQ(std::string_view(data, length), numbered(numbers));
-        ++numbers;
-        numbers.notify_all();
-    }
-    void waitFor(std::size_t count) const {
-        for (std::size_t seen = numbers; seen < count; seen = numbers) {
-            numbers.wait(seen);
-        }
-    }
-
-    std::atomic<std::size_t> numbers{0};
-};
-
 class SerialReceiver : public testing::Test {
 protected:
     SerialReceiver() {
         setenv("GPSHAL_DEVICE", mName.c_str(), 1);
+        mSentences.setHook([this] {
+            ++mReceived;
+            mReceived.notify_all();
+        });
         GpsHal::setLink(nullptr);
     }
     ~SerialReceiver() override { unsetenv("GPSHAL_DEVICE"); }
 
     /** A sentence comes, a request goes and is answered, and a sentence comes. */
     void expectService(GpsController& controller) {
-        const std::size_t number = mCounter.numbers;
+        const std::size_t number = mReceived;
         mReceiver->send(numbered(number));
-        mCounter.waitFor(number + 1);
+        mReceived.wait(number);
         EXPECT_TRUE(controller.requestGpsSetting(GPS_SETTING_ZDA_ON));
         EXPECT_EQ(mReceiver->bytes(1).size(), 1U) << "arrives";
         mReceiver->send(std::string(kAck) + numbered(number + 1));
-        mCounter.waitFor(number + 2);
+        mReceived.wait(number + 1);
+        EXPECT_EQ(mSentences.take(), (Strings{"N:raw " + numbered(number), "N:raw " + numbered(number + 1)}));
         EXPECT_EQ(mSettings.take(), Strings{"S:setting 1 yes"});
     }
 
@@ -63,7 +51,8 @@ protected:
     const std::string mName = mDirectory.path("gps");
     LogCapture mLog;
     std::unique_ptr<Receiver> mReceiver = std::make_unique<Receiver>(mName, true);
-    Counter mCounter;
+    std::atomic<std::size_t> mReceived{0};
+    Listener mSentences{"N"};
     Listener mSettings{"S"};
 };
 
@@ -85,7 +74,7 @@ TEST_F(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
         letFail(row.faults);
         auto controller = std::make_unique<GpsController>();
         if (row.isRefused) controller = nullptr, controller = std::make_unique<GpsController>();
-        controller->registerGpsNmeaListener(&mCounter, GEODETIC_SYSTEM_WGS84);
+        controller->registerGpsNmeaListener(&mSentences, GEODETIC_SYSTEM_WGS84);
         controller->registerGpsSettingListener(&mSettings);
         expectService(*controller);
         EXPECT_TRUE(areAllFaultsTaken()) << "the call was made";
