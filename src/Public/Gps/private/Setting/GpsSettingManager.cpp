@@ -1,5 +1,6 @@
 #include "Gps/private/Setting/GpsSettingManager.h"
 
+#include <algorithm>
 #include <ctime>
 
 #include "Gps/private/Listeners/GpsListenerList.h"
@@ -15,7 +16,7 @@ constexpr GpsLog log("src/Public/Gps/private/Setting/GpsSettingManager");
 constexpr unsigned int kCommandSize = 128;
 constexpr unsigned int kPortSpeedCommand = 0;          // sets the speed of the HAL's end
 constexpr long kSpeedChangeNanoseconds = 100'000'000;  // for the receiver, then for the HAL
-constexpr unsigned int kPollPatience = 500;            // ms
+constexpr std::chrono::milliseconds kPollPatience{500};
 constexpr unsigned char kPortPoll[] = {0xB5, 0x62, 0x06, 0x00, 0x01, 0x00, 0x00, 0x07, 0x21};
 
 /** Values of kPortSpeedCommand. */
@@ -51,9 +52,7 @@ GpsSettingManager::GpsSettingManager()
       mPendingReadIndex(0),
       mBaseGeodeticSystem(GEODETIC_SYSTEM_WGS84),
       mSettingFinishFlg(false),
-      mPendingCount(0) {
-    mPollAnswered.SetEvent();
-}
+      mPendingCount(0) {}
 
 GpsSettingManager::~GpsSettingManager() {
     GpsHal::DelInstance();
@@ -72,18 +71,33 @@ bool GpsSettingManager::requestGpsSetting(GpsSetting setting, bool canWait) {
     if (length == 0) {
         return log.failure(kFunction, "GpsSettingManager::requestGpsSetting() : setCommandForGpsSetting() = false\n");
     }
-    if (!apply(setting, command, length, canWait)) return false;
+    if (!applyInTurn(setting, command, length, canWait)) return false;
     return storeSetting(setting) ||
            log.failure(kFunction, "GpsSettingManager::requestGpsSetting() writeLocalMemory Error!\n");
 }
 
 /**
- * Sends a setting's command. A change of speed sets the HAL's speed too before any other command is sent. The answer to
- * its poll is awaited before the next command, which it would settle otherwise.
+ * Awaits the answer to a poll before it sends a command, which that answer would settle otherwise. gCommandSync is free
+ * meanwhile: a notification that makes a request takes it on the thread that takes the answer.
  */
-bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned int length, bool canWait) {
-    const QvSyncGuard guard(gCommandSync);
-    if (canWait && mPollAnswered.WaitEvent(kPollPatience) != 0) mPollAnswered.SetEvent();  // it will not be answered
+bool GpsSettingManager::applyInTurn(GpsSetting setting, const char* command, unsigned int length, bool canWait) {
+    for (unsigned int patience = 0;;) {
+        mPollAnswered.WaitEvent(patience);
+        const QvSyncGuard guard(gCommandSync);
+        patience = canWait ? pollPatience() : 0;
+        if (patience == 0) return apply(setting, command, length);
+    }
+}
+
+/** Milliseconds for which the answer to the last poll is still awaited. */
+unsigned int GpsSettingManager::pollPatience() {
+    if (mPollAnswered.WaitEvent(0) == 0) return 0;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(mPollDeadline - Clock::now()).count();
+    return static_cast<unsigned int>(std::max<decltype(left)>(left, 0));
+}
+
+/** Sends a setting's command. A change of speed sets the HAL's speed too before any other command is sent. */
+bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned int length) {
     if (!sendInOrder(setting, command, length)) return false;
     GPS_SETTING_LOCAL_MEMORY shared = {};
     if (!readLocalMemory(&shared)) {
@@ -109,10 +123,12 @@ bool GpsSettingManager::sendInOrder(GpsSetting setting, const char* command, uns
         mPendingSetting[index] = setting;
         mPendingWriteIndex = index + 1;
         ++mPendingCount;
+        if (mAnswersDue != 0) ++mAnswersDue;
     }
     if (mpGpsHal->sendData(command, length)) return true;
 
     QvSyncGuard guard(mPendingSync);
+    dropAnswerDue();
     if (mPendingCount == 0) return false;  // a stray answer has taken the entry
     mPendingSetting[index] = overwritten;
     mPendingWriteIndex = index;
@@ -125,8 +141,18 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
     waitForSpeedChange();
     if (!mpGpsHal->sendCommand(kPortSpeedCommand, value)) return false;
     waitForSpeedChange();
-    mPollAnswered.ResetEvent();
-    return mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll));
+    {
+        QvSyncGuard guard(mPendingSync);
+        mAnswersDue = 1;
+        mPollAnswered.ResetEvent();
+    }
+    if (!mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll))) return false;
+    mPollDeadline = Clock::now() + kPollPatience;
+    return true;
+}
+
+void GpsSettingManager::dropAnswerDue() {
+    if (mAnswersDue != 0 && --mAnswersDue == 0) mPollAnswered.SetEvent();
 }
 
 /** Writes to the shared record what the setting changes for all processes. */
@@ -161,7 +187,7 @@ bool GpsSettingManager::takeResponse(const char* data, unsigned int length, std:
     const UbxMessage message = UbxFrame(data, length).message();
     const bool isAnswer = message == UbxMessage::AckAck || message == UbxMessage::AckNak;
     QvSyncGuard guard(mPendingSync);
-    if (isAnswer) mPollAnswered.SetEvent();
+    if (isAnswer) dropAnswerDue();
     if (mPendingCount == 0) return false;
     if (message == UbxMessage::CfgPrt) return true;
     const GpsSetting oldest = takeOldest();

@@ -2,6 +2,7 @@
 #define GPS_PRIVATE_SETTING_GPS_SETTING_MANAGER_H
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <optional>
 #include <utility>
@@ -70,18 +71,24 @@ public:
     unsigned int setCommandForGpsSetting(GpsSetting setting, char* buffer, unsigned int size);
 
 private:
+    using Clock = std::chrono::steady_clock;
     static constexpr unsigned int kMaxPending = 24;
 
-    bool apply(GpsSetting setting, const char* command, unsigned int length, bool canWait);
+    bool applyInTurn(GpsSetting setting, const char* command, unsigned int length, bool canWait);
+    unsigned int pollPatience() QV_REQUIRES(gCommandSync);
+    bool apply(GpsSetting setting, const char* command, unsigned int length) QV_REQUIRES(gCommandSync);
     bool sendInOrder(GpsSetting setting, const char* command, unsigned int length) QV_REQUIRES(gCommandSync);
     bool changeSpeed(unsigned int value) QV_REQUIRES(gCommandSync);
     bool storeSetting(GpsSetting setting);
+    void dropAnswerDue() QV_REQUIRES(mPendingSync);
     GpsSetting takeOldest() QV_REQUIRES(mPendingSync);
 
     GpsHal* mpGpsHal;
-    QvEvent mPollAnswered;  // reset from the poll at a new speed to the next acknowledgement
+    QvEvent mPollAnswered;  // reset from the poll at a new speed until no answer is due
+    Clock::time_point mPollDeadline QV_GUARDED_BY(gCommandSync);  // its answer is not awaited any longer
 
-    QvSync mPendingSync;  // guards the ring; held for single steps only
+    QvSync mPendingSync;                                       // guards the ring; held for single steps only
+    unsigned int mAnswersDue QV_GUARDED_BY(mPendingSync) = 0;  // to the poll and to what was sent after it
     GpsSetting mPendingSetting[kMaxPending] QV_GUARDED_BY(mPendingSync);
     unsigned int mPendingWriteIndex QV_GUARDED_BY(mPendingSync);  // where the next request is queued
     unsigned int mPendingReadIndex QV_GUARDED_BY(mPendingSync);   // the oldest request that awaits an answer
