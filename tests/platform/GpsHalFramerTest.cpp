@@ -16,7 +16,6 @@ using namespace std::string_literals;
 using testing::ElementsAreArray;
 
 const std::string kGga = "$GPGGA,092750.000,5321.6802,N,00630.3372,W,1,8,1.03,61.7,M,55.2,M,,*76\r\n";
-const std::string kRmc = "$GPRMC,092750.000,A,5321.6802,N,00630.3372,W,0.02,31.66,280511,,,A*43\r\n";
 
 std::string header(std::size_t payloadLength) {
     return "\xB5\x62\x06\x01"s + static_cast<char>(payloadLength % 256) + static_cast<char>(payloadLength / 256);
@@ -24,11 +23,6 @@ std::string header(std::size_t payloadLength) {
 
 std::string frameOf(const std::string& payload) {
     return ubxFrame(6, 1, payload);
-}
-
-std::string damaged(std::string bytes, std::size_t fromEnd) {
-    ++bytes[bytes.size() - fromEnd];
-    return bytes;
 }
 
 const std::string kAck = frameOf("\x06\x08");
@@ -71,57 +65,40 @@ struct Case {
 };
 
 const Case kCases[] = {
-    {"OneSentence", kGga, {kGga}},
-    {"SentencesAndFramesInTurn", kGga + kAck + kRmc + kAck + kAck, {kGga, kAck, kRmc, kAck, kAck}},
-    {"NoiseBetween", "\r\n\0abc"s + kGga + "\xFFnoise\n" + kAck + "\n", {kGga, kAck}},
-    {"DollarStartsOver", "$GPGG$GP$" + kGga, {kGga}},
     {"LowestAndHighestCharacters", "$ ~\r\n", {"$ ~\r\n"}},
     {"CarriageReturnsAnywhere", "$\r\rA\rB\n", {"$\r\rA\rB\n"}},
     {"ControlCharacterAbandons", "$GP\x1FGA\r\n" + kGga, {kGga}},
     {"DeleteAbandons", "$GP\x7FGA\r\n" + kGga, {kGga}},
     {"HighBitAbandons", "$GP\x80GA\r\n" + kGga, {kGga}},
-    {"FrameInsideSentence", "$GPGGA,0927" + kAck + "50.000\r\n" + kRmc, {kAck, kRmc}},
     {"LongestSentence", "$" + std::string(1022, 'x') + "\n" + kGga, {"$" + std::string(1022, 'x') + "\n", kGga}},
     {"SentenceTooLong", "$" + std::string(1023, 'x') + "\n" + kGga, {kGga}},
     {"EmptyPayload", frameOf("") + kGga, {frameOf(""), kGga}},
     {"SentenceInPayload", frameOf(kGga), {frameOf(kGga)}},
     {"LongestPayload", frameOf(std::string(8192, '\xB5')) + kGga, {frameOf(std::string(8192, '\xB5')), kGga}},
-    {"PayloadTooLong", header(8193) + kGga + kAck, {kGga, kAck}},
-    {"SyncByteRepeated", "\xB5\xB5\xB5" + kAck + "\xB5" + kGga, {kAck, kGga}},
-    {"SyncRepeated", "\xB5\x62\xB5\x62" + kAck + std::string(300, '.') + kGga, {kAck, kGga}},
-    {"FirstChecksumByteWrong", damaged(kAck, 2) + kGga, {kGga}},
-    {"SecondChecksumByteWrong", damaged(kAck, 1) + kGga, {kGga}},
-    {"BrokenFrameAroundSentence", header(kGga.size()) + kGga + "??" + kAck, {kGga, kAck}},
-    {"BogusLengthOverManyChunks",
-     header(500) + kGga + kAck + kRmc + "\xB5" + kAck + std::string(300, 'x') + kGga,
-     {kGga, kAck, kRmc, kAck, kGga}},
+    {"PayloadTooLong", kGga + header(8193), {kGga}},
     {"BogusLengthInsideBogusLength", header(200) + header(150) + kAck + kGga + kGga + kGga, {kAck, kGga, kGga, kGga}},
-    {"UnfinishedSentence", kGga + "noise" + kRmc.substr(0, 40), {kGga}, 40},
+    {"UnfinishedSentence", kGga + "noise" + kGga.substr(0, 40), {kGga}, 40},
     {"UnfinishedFrame", kGga + header(8192) + kGga, {kGga}, 6 + kGga.size()},
+    {"NoSync", kGga + "\xB5x", {kGga}},
     {"UnfinishedSync", kGga + "\xB5", {kGga}, 1},
 };
 
-TEST(Framer, FindsTheSameChunksWhereverTheStreamIsSplit) {
+TEST(Framer, FindsChunksInOnePieceAndInManyAndCountsWhatItDrops) {
     for (const auto& [name, stream, chunks, unfinished] : kCases) {
         SCOPED_TRACE(name);
         const Outcome whole = outcomeOf(stream, stream.size(), 1);
         EXPECT_THAT(whole.chunks, ElementsAreArray(chunks));
         std::size_t taken = 0;
-        for (const std::string& chunk : whole.chunks) {
+        for (const std::string& chunk : whole.chunks)
             taken += chunk.size();
-        }
         EXPECT_EQ(whole.dropped + taken + unfinished, stream.size());
-        const std::size_t step = stream.size() < 3000 ? 1 : 17;
-        for (std::size_t first = 0; first < stream.size(); first += step) {
-            ASSERT_EQ(outcomeOf(stream, first, stream.size()), whole) << "split at " << first;
-        }
         EXPECT_EQ(outcomeOf(stream, 1, 1), whole);
     }
 }
 
 TEST(Framer, GivesUpFramesInAPauseAndSentencesTooAtTheEndOfTheStream) {
-    const std::string claimed = kGga + header(5000) + kRmc + header(3) + kAck;
-    const Outcome freed{{kGga, kRmc, kAck}, 6 + 6};
+    const std::string claimed = kGga + header(5000) + kGga + header(3) + kAck;
+    const Outcome freed{{kGga, kGga, kAck}, 6 + 6};
     const std::string half = kGga.substr(0, 20);
     EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::pause), freed);
     EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::finish), (Outcome{freed.chunks, freed.dropped + 20}));
@@ -129,15 +106,16 @@ TEST(Framer, GivesUpFramesInAPauseAndSentencesTooAtTheEndOfTheStream) {
     EXPECT_EQ(outcomeOf(kGga + "$GPRMC,0927", 7, 7, End::reset), (Outcome{{kGga}, 11}));
 }
 
-/** Chunks, and noise that is none and completes none, in any mix: a line feed could make a sentence of it. */
+/** Chunks, all different, and noise that is none and completes none, in any mix: a line feed could make a sentence of
+ *  it. Lengths that are claimed in vain keep more bytes undecided than the framer has room for behind them. */
 class Mixture {
 public:
     explicit Mixture(unsigned seed) : mRandom(seed) {
-        for (std::size_t pieces = 5 + below(30); pieces > 0; --pieces) {
-            const std::size_t kind = below(8);
-            const std::string bytes = kind < 3 ? chunk(kind) : noise(kind);
-            if (kind < 3) expected.chunks.push_back(bytes);
-            if (kind >= 3) expected.dropped += bytes.size();
+        for (std::size_t pieces = 5 + below(300); pieces > 0; --pieces) {
+            const bool isChunk = below(8) < 3;
+            const std::string bytes = isChunk ? chunk() : noise();
+            if (isChunk) expected.chunks.push_back(bytes);
+            if (!isChunk) expected.dropped += bytes.size();
             stream += bytes;
         }
     }
@@ -148,24 +126,24 @@ public:
 
 private:
     std::string anyBytes(char insteadOfLineFeed) {
-        std::string bytes(below(300), '\0');
+        std::string bytes(below(1 + below(3000)), '\0');
         for (char& byte : bytes)
             byte = static_cast<char>(below(256));
         std::replace(bytes.begin(), bytes.end(), '\n', insteadOfLineFeed);
         return bytes;
     }
-    std::string chunk(std::size_t kind) { return kind == 0 ? kGga : kind == 1 ? kRmc : frameOf(anyBytes('\n')); }
-    std::string noise(std::size_t kind) {
-        const std::string all[] = {anyBytes('$'), "\xB5\xB5\x62", header(below(65536)),
+    std::string chunk() { return below(3) == 0 ? frameOf(anyBytes('\n')) : sentence("GP" + std::to_string(mRandom())); }
+    std::string noise() {
+        const std::string all[] = {anyBytes('$'), "\xB5\xB5\x62", header(below(2) * 3000 + below(2500)),
                                    kGga.substr(0, below(kGga.size())), "$"};
-        return all[kind - 3];
+        return all[below(5)];
     }
 
     std::mt19937 mRandom;
 };
 
 TEST(Framer, FindsEveryIntactChunkAmongRandomNoiseAndInventsNone) {
-    for (unsigned seed = 0; seed < 3000; ++seed) {
+    for (unsigned seed = 0; seed < 200; ++seed) {
         Mixture mixture(seed);
         const std::size_t first = mixture.below(mixture.stream.size());
         const std::size_t others = 1 + mixture.below(600);

@@ -60,24 +60,32 @@ TEST_F(SerialLinkTest, CarriesEveryByteUnchangedBothWaysAndMoreThanTheDeviceTake
     EXPECT_FALSE(send(mLink, bytes)) << "the device takes no more";
 }
 
-TEST_F(SerialLinkTest, KeepsItsSpeedAcrossReopening) {
+TEST_F(SerialLinkTest, SetsEverythingUpAndKeepsItsSpeedAcrossReopening) {
     struct {
         unsigned value;
         speed_t speed;
-    } const rows[] = {{2, B38400}, {4, B115200}, {0, B9600}, {4, B115200}};
-    ASSERT_TRUE(mLink.open());
+    } const rows[] = {{0, B9600}, {2, B38400}, {4, B115200}, {0, B9600}};
     for (const auto [value, speed] : rows) {
+        EXPECT_FALSE(mLink.setSpeed(value)) << "closed";
+        ASSERT_TRUE(mLink.open());
         EXPECT_TRUE(mLink.setSpeed(value));
         EXPECT_FALSE(mLink.setSpeed(1));
         mLink.close();
-        EXPECT_FALSE(mLink.setSpeed(2)) << "closed";
         mReceiver = std::make_unique<Receiver>(mDevice);
+        termios settings = mReceiver->settings();
+        settings.c_cflag = CSTOPB | CRTSCTS | PARENB;
+        settings.c_iflag |= IXON;
+        settings.c_cc[VMIN] = settings.c_cc[VTIME] = 9;
+        tcsetattr(mReceiver->descriptor(), TCSANOW, &settings);
         ASSERT_TRUE(mLink.open());
-        const termios settings = mReceiver->settings();
+        settings = mReceiver->settings();
         EXPECT_EQ(cfgetospeed(&settings), speed);
         EXPECT_EQ(cfgetispeed(&settings), speed);
-        EXPECT_EQ(settings.c_cflag & (CSIZE | PARENB | CSTOPB | CRTSCTS), static_cast<tcflag_t>(CS8));
-        EXPECT_EQ(settings.c_iflag & (IXON | IXOFF), 0U);
+        EXPECT_EQ(settings.c_cflag & ~static_cast<tcflag_t>(CBAUD | CBAUDEX | CIBAUD | HUPCL),
+                  static_cast<tcflag_t>(CS8 | CREAD | CLOCAL));
+        EXPECT_EQ(settings.c_iflag & IXON, 0U);
+        EXPECT_EQ(settings.c_cc[VMIN] * 10 + settings.c_cc[VTIME], 10);
+        mLink.close();
     }
 }
 

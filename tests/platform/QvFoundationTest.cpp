@@ -1,16 +1,23 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <chrono>
 #include <string>
+#include <thread>
 
 #include "QvFramework/Foundation/QvDbgOutput.h"
+#include "QvFramework/Foundation/QvEvent.h"
+#include "QvFramework/Foundation/QvHelpers.h"
 #include "QvFramework/Foundation/QvSingletonFinalizer.h"
+#include "QvFramework/Foundation/QvThreadMng.h"
 
 namespace {
 
 TEST(DbgOutput, PrintsEveryLineOnStandardError) {
     testing::internal::CaptureStderr();
     QvDbgOutput::DbgPrint("first\nsecond\r\n");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "first\nsecond\n");
+    QvDbgOutput::DbgPrintStdErr("file", "function", 7, "third");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "first\nsecond\nfile:7 function: third\n");
 }
 
 std::string gOrder;
@@ -25,6 +32,24 @@ TEST(SingletonFinalizer, RunsEveryFunctionOnceNewestFirst) {
     QvSingletonFinalizer::finalize();
     QvSingletonFinalizer::finalize();
     EXPECT_EQ(gOrder, "bca");
+}
+
+TEST(Waits, LastAsLongAsRequested) {
+    const auto start = std::chrono::steady_clock::now();
+    qv_msleep(20);
+    EXPECT_EQ(QvEvent().WaitEvent(20), QvEvent::TIMED_OUT);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(40));
+}
+
+TEST(ThreadPriorities, AreNiceValues) {
+    std::jthread([] {
+        QvThreadMng& threads = *QvThreadMng::GetInstance();
+        const auto thread = static_cast<unsigned>(gettid());
+        threads.SetPriority(0, 14, thread);
+        EXPECT_EQ(getpriority(PRIO_PROCESS, thread), 19);
+        EXPECT_EQ(threads.GetPriority(0, thread), 14);
+    }).join();
+    EXPECT_EQ(QvThreadMng::GetInstance()->GetPriority(0, 0x7FFFFFFF), -1) << "no such thread";
 }
 
 }  // namespace
