@@ -5,6 +5,7 @@
 #include <map>
 #include <sstream>
 
+#include "LogReplay.h"
 #include "Nmea.h"
 
 namespace {
@@ -44,18 +45,21 @@ const std::string kSwitchToProduction(sim::kSwitchToProduction);
 const std::string kStartCheck = message(0x59, hex("00 01 FF 1E E8 03 00 00 64 00 00 00 00 01 00 00"));
 const std::string kPollPort = message(0x00, hex("01"));
 
+/** What is sent, and the changes of speed in brackets. */
+std::string bytesOf(const std::vector<sim::PortAction>& actions) {
+    std::string bytes;
+    for (const sim::PortAction& action : actions) {
+        bytes += action.bytes;
+        if (action.baud != 0) bytes += "<" + std::to_string(action.baud) + ">";
+    }
+    return bytes;
+}
+
 /** A receiver that was switched on at noon on 1 May 2024, and what it does, step by step. */
 struct Simulation {
     explicit Simulation(const sim::Receiver::Setup& setup = {}, sim::UtcTime start = kStart) : receiver(setup, start) {}
 
-    std::string bytesSent() {
-        std::string bytes;
-        for (const sim::PortAction& action : receiver.takeActions()) {
-            bytes += action.bytes;
-            if (action.baud != 0) bytes += "<" + std::to_string(action.baud) + ">";
-        }
-        return bytes;
-    }
+    std::string bytesSent() { return bytesOf(receiver.takeActions()); }
     std::string answerTo(const std::string& bytes) {
         receiver.receive(bytes);
         return bytesSent();
@@ -248,6 +252,30 @@ TEST(Date, IsRightFor1024WeeksFromTheReferenceWeek) {
         EXPECT_EQ(sim.answerTo(command), answer(0x23, true));
         EXPECT_EQ(sim.nextFields()["RMC"][9], before);
         EXPECT_EQ(sim.nextFields()["RMC"][9], after);
+    }
+}
+
+TEST(LogReplay, BeginsAnEpochAtEveryRmcButTheFirst) {
+    const std::string rmc = "$GNRMC,1*00\r\n";
+    const std::string gga = "$GPGGA,1*00\r\n";
+    const std::string frame = ubxFrame({1, 7}, rmc);
+    const struct {
+        std::string log;
+        std::vector<std::string> epochs;
+    } cases[] = {
+        {"", {}},
+        {"cut off*00\r\n", {"cut off*00\r\n"}},
+        {gga + gga, {gga + gga}},
+        {gga + rmc + gga + rmc, {gga + rmc + gga, rmc}},
+        {rmc + rmc, {rmc, rmc}},
+        {rmc + frame + "\xB5" + rmc + "$GPRMC,cut", {rmc + frame + "\xB5", rmc + "$GPRMC,cut"}},
+        {rmc + "$GPRM" + rmc, {rmc + "$GPRM", rmc}},
+    };
+    for (const auto& [log, epochs] : cases) {
+        sim::LogReplay replay(log);
+        for (const std::string& epoch : epochs)
+            EXPECT_EQ(bytesOf(replay.takeEpoch()), epoch) << log;
+        EXPECT_TRUE(replay.isAtEnd());
     }
 }
 
