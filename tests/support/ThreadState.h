@@ -14,7 +14,7 @@ inline void waitUntilBlocked(pid_t thread) {
         std::string text;
         std::getline(file, text);
         const std::size_t state = text.rfind(") ");
-        if (state == std::string::npos || text[state + 2] == 'S') return;
+        if (state == std::string::npos || text[state + 2] == 'S' || text[state + 2] == 'Z') return;
         std::this_thread::yield();
     }
 }

@@ -217,20 +217,6 @@ TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
     EXPECT_EQ(fileContents(kSegment), std::string("\x10\x04\0\0", 4) + std::string(1044, '\0')) << "reset";
 }
 
-TEST_F(Publication, ofSeveralThreadsCountsEveryRecord) {
-    constexpr unsigned int kEach = 5000;
-    const auto publishMany = [this] {
-        for (unsigned int i = 0; i < kEach; ++i)
-            mController->setLocationData(&kNowhere);
-    };
-    std::jthread other(publishMany);
-    publishMany();
-    other.join();
-    unsigned int count = 0;
-    std::memcpy(&count, &fileContents(kSegment)[kRecord], sizeof(count));
-    EXPECT_EQ(count, 2 * kEach);
-}
-
 TEST_F(Publication, splitsDegreesAndMinutes) {
     const double infinity = std::numeric_limits<double>::infinity();
     const std::tuple<double, int, double> rows[] = {

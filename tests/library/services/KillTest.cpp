@@ -16,7 +16,7 @@
 #include "GpsHal/GpsHal.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/library/services/SharedState.h"
-#include "tests/support/Processes.h"
+#include "tests/library/services/SteppedProcess.h"
 #include "tests/support/SilentLink.h"
 
 // Processes that are killed anywhere must neither stop the others nor leave them half a record.
@@ -43,6 +43,25 @@ unsigned counterIn(const LocationDataMemory& memory) {
     return record.UpdateCounter;
 }
 
+TEST(Killed, InsideACopyIntoTheSegmentAndTheCountIsWhole) {
+    if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process may be traced here";
+    const FreshSegments segments;
+    LocationDataMemory memory;
+    const GPS_LOCATION_DATA_SHARE before = patternOf(0xFF), after = patternOf(0x100);
+    const auto write = [&] {
+        SteppedProcess::stopItself();
+        memory.write(&after);
+        _exit(0);
+    };
+    bool isKilled = true;
+    for (unsigned instructions = 0; isKilled; instructions += 3) {
+        memory.write(&before);
+        isKilled = SteppedProcess(write).execute(instructions);
+        const unsigned counter = counterIn(memory);
+        EXPECT_TRUE(counter == before.UpdateCounter || counter == after.UpdateCounter) << counter;
+    }
+}
+
 /** What the processes of a storm share. */
 struct Progress {
     std::atomic<unsigned long> operations{0}, kills{0};
@@ -60,7 +79,7 @@ public:
         for (; times > 0 && !testing::Test::HasFailure(); --times, ++mProgress.operations) {
             const unsigned counter = counterIn(mLocation);
             const GPS_LOCATION_DATA_SHARE records[] = {patternOf(counter + 1), patternOf(counter + 2)};
-            for (int i = 0; i < 30; ++i)  // many of those that are killed are killed in there
+            for (int i = 0; i < 10; ++i)  // many of those that are killed are killed in there
                 EXPECT_TRUE(mLocation.write(&records[i % 2]));
             expectToBeAloneInside();
             const bool isTokyo = mSetting.getBaseGeodeticSystem() == GEODETIC_SYSTEM_TOKYO;

@@ -4,8 +4,9 @@
 #include "GpsHal/GpsHalFramer.h"
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/library/services/SharedState.h"
+#include "tests/library/services/SteppedProcess.h"
 #include "tests/support/Messages.h"
-#include "tests/support/Processes.h"
+#include "tests/support/ThreadState.h"
 
 namespace {
 
@@ -220,27 +221,24 @@ TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
     EXPECT_EQ(contentsOf(kSettingSegment), "\x08\0\0\0\1\0\0\0\1\0\0\0"s);
 }
 
-TEST_F(Setting, IsKeptWhenAnotherProcessStoresOneAtTheSameTime) {
-    constexpr unsigned kRounds = 3000;
-    const ForAllProcesses<std::atomic<unsigned>> turns;  // odd while the other process has to store
-    const pid_t other = startProcess([&] {
-        for (unsigned round = 0; round < kRounds; ++round, ++*turns) {
-            while (*turns % 2 == 0)
-                sched_yield();
-            request({GPS_SETTING_SAVE_CONFIG});
-        }
-    });
-    for (unsigned round = 0; round < kRounds && !HasFailure(); ++round) {
-        setShared(GEODETIC_SYSTEM_WGS84, false);
-        ++*turns;
+TEST_F(Setting, IsKeptWhenAnotherProcessStoresOneAnywhereMeanwhile) {
+    if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process may be traced here";
+    const auto requestTokyo = [&] {
+        mPeer->setWriteHook([](std::string_view) { return SteppedProcess::stopItself(), true; });
         request({GPS_SETTING_DATUM_TOKYO});
-        while (*turns % 2 == 1)
-            sched_yield();
-        const auto [base, isFinished] = GpsSettingManager().getBaseAndFinishFlg();
-        EXPECT_TRUE(base == GEODETIC_SYSTEM_TOKYO && isFinished) << round;
+        _exit(0);
+    };
+    bool isMeanwhile = true;
+    for (unsigned instructions = 0; isMeanwhile; instructions += 20) {
+        setShared(GEODETIC_SYSTEM_WGS84, false);
+        SteppedProcess process(requestTokyo);
+        isMeanwhile = process.execute(instructions);
+        const pid_t other = startProcess([&] { request({GPS_SETTING_SAVE_CONFIG}); });
+        waitUntilBlocked(other);
+        process.finish();
+        EXPECT_EQ(exitCodeOf(other), 0);
+        EXPECT_EQ(GpsSettingManager().getBaseAndFinishFlg(), std::pair(GEODETIC_SYSTEM_TOKYO, true)) << instructions;
     }
-    if (HasFailure()) return killProcess(other);
-    EXPECT_EQ(exitCodeOf(other), 0);
 }
 
 }  // namespace
