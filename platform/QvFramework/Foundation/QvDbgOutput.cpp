@@ -2,7 +2,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <new>
 #include <string_view>
 
 #include "QvFramework/Foundation/QvSync.h"
@@ -24,12 +23,6 @@ struct Output {
     QvDbgOutput::Sink sink QV_GUARDED_BY(sync) = &printText;
     void* context QV_GUARDED_BY(sync) = nullptr;
 
-    static Output& instance() {
-        alignas(Output) static unsigned char storage[sizeof(Output)];  // no allocation: that may be what failed
-        static Output* const output = new (storage) Output();          // threads may log after the static destructors
-        return *output;
-    }
-
     void print(const char* file, const char* function, int line, int tag, const char* format, va_list arguments) {
         char text[1024];
         std::vsnprintf(text, sizeof(text), format, arguments);
@@ -38,32 +31,33 @@ struct Output {
     }
 };
 
+constinit Output gOutput;  // has no destructor: threads may log after the static destructors
+
 }  // namespace
 
 void QvDbgOutput::setSink(Sink sink, void* context) {
-    Output& output = Output::instance();
-    QvSyncGuard guard(output.sync);
-    output.sink = sink != nullptr ? sink : &printText;
-    output.context = context;
+    QvSyncGuard guard(gOutput.sync);
+    gOutput.sink = sink != nullptr ? sink : &printText;
+    gOutput.context = context;
 }
 
 void QvDbgOutput::DbgPrint(const char* file, const char* function, int line, int tag, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    Output::instance().print(file, function, line, tag, format, arguments);
+    gOutput.print(file, function, line, tag, format, arguments);
     va_end(arguments);
 }
 
 void QvDbgOutput::DbgPrint(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    Output::instance().print("", "", 0, 0, format, arguments);
+    gOutput.print("", "", 0, 0, format, arguments);
     va_end(arguments);
 }
 
 void QvDbgOutput::DbgPrintStdErr(const char* file, const char* function, int line, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    Output::instance().print(file, function, line, 0, format, arguments);
+    gOutput.print(file, function, line, 0, format, arguments);
     va_end(arguments);
 }

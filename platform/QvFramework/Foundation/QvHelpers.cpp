@@ -30,8 +30,8 @@ char* qv_strncpy(char* destination, std::size_t size, const char* source, std::s
 }
 
 int qv_above_standard(const std::function<int()>& open) {
-    static QvSync& sync = *new QvSync;  // never destroyed: threads may use it after the static destructors
-    QvSyncGuard guard(sync);            // no other thread closes a placeholder before `open` has returned
+    static constinit QvSync sync;
+    QvSyncGuard guard(sync);  // no other thread closes a placeholder before `open` has returned
     int placeholders[] = {-1, -1, -1};
     int result = 0;
     for (int fd = STDIN_FILENO; fd <= STDERR_FILENO && result != -1; ++fd) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 
 #include "QvFramework/Foundation/QvHelpers.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
@@ -19,7 +20,8 @@ constexpr unsigned int kNoThread = static_cast<unsigned int>(-1);
 }  // namespace
 
 QvThreadMng* QvThreadMng::GetInstance() {
-    static QvThreadMng* const instance = new QvThreadMng();  // threads may outlive every static destructor
+    alignas(QvThreadMng) static unsigned char storage[sizeof(QvThreadMng)];  // not allocated, which could throw
+    static QvThreadMng* const instance = new (storage) QvThreadMng();        // threads may outlive every destructor
     return instance;
 }
 

@@ -157,7 +157,7 @@ QvSharedLock* openLock(const std::string& name) {
 
 /** Opens each name once per process: closing a second descriptor of the object would drop the file lock. */
 QvSharedLock* lockOf(const char* name) {
-    static QvSync& sync = *new QvSync;  // never destroyed: a client may build the service while its process exits
+    static constinit QvSync sync;
     QvSyncGuard guard(sync);
     if (gToken == 0) {
         renewToken();
