@@ -2,7 +2,6 @@
 #define QVFRAMEWORK_FOUNDATION_QV_THREAD_H
 
 #include <pthread.h>
-#include <signal.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -19,7 +18,7 @@
 /**
  * A named thread that runs its owner's `int Initialize()`, `int MainProc()` and `void Finalize()`.
  *
- * `Start` and `WaitExit` must not run at the same time as each other. The destructor does not end the thread.
+ * `Start` and `WaitExit` must not run concurrently. The destructor does not end the thread.
  */
 template <class Owner>
 class QvThread : private QvUncopyable {
@@ -49,7 +48,6 @@ private:
 
     int run();
     static void reportAssertion(int line);
-    static int createThread(pthread_t* handle, void* (*routine)(void*), void* argument);
 
     Owner* mpOwner;
     char mName[128] = {};
@@ -59,18 +57,6 @@ private:
     unsigned int mWaitTimeout = 0;
 };
 
-/** The new thread inherits the signal mask, so all signals are blocked meanwhile. */
-template <class Owner>
-int QvThread<Owner>::createThread(pthread_t* handle, void* (*routine)(void*), void* argument) {
-    sigset_t all;
-    sigset_t previous;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous);
-    const int result = pthread_create(handle, nullptr, routine, argument);
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-    return result;
-}
-
 template <class Owner>
 bool QvThread<Owner>::Start(const char* name) {
     if (mHandle != kNoHandle || mpOwner == nullptr) {
@@ -79,7 +65,7 @@ bool QvThread<Owner>::Start(const char* name) {
     }
     qv_strcpy(mName, sizeof(mName), name);
     pthread_t handle = kNoHandle;
-    if (createThread(&handle, &QvThread::WrappedEntry, this) != 0) {
+    if (qv_create_thread(&handle, &QvThread::WrappedEntry, this) != 0) {
         QvDbgOutput::DbgPrint(kSource, "Start", __LINE__, kTag, "QvThread::Start() failed !! [%s]\r\n", name);
         return false;
     }
@@ -150,7 +136,7 @@ bool QvThread<Owner>::WaitExit(unsigned int timeoutMs) {
     mWaitTimeout = timeoutMs;
     mExitEvent.ResetEvent();
     pthread_t watchdog = kNoHandle;
-    const bool isWatched = createThread(&watchdog, &QvThread::WaitEventTimeoutThread, this) == 0;
+    const bool isWatched = qv_create_thread(&watchdog, &QvThread::WaitEventTimeoutThread, this) == 0;
     if (!isWatched) {
         QvDbgOutput::DbgPrint(kSource, "WaitExit", __LINE__, kTag, "Error, pthread_create failed.\n");
     }

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <utility>
 
@@ -27,7 +26,7 @@ constexpr unsigned kCommandSpeed = 0;
 constexpr unsigned kReadTimeoutMs = 250;  // also ends a read that close() does not end
 constexpr unsigned kReopenMs = 500;
 
-/** State that outlives every instance. Never destroyed: threads may use it after the static destructors. */
+/** Outlives every instance. Never destroyed: threads may use it after the static destructors have run. */
 struct Process {
     QvSync sync;
     unsigned shares QV_GUARDED_BY(sync) = 0;
@@ -40,7 +39,7 @@ struct Process {
     }
 };
 
-/** The link and, in `speed`, the speed that it is opened at; null when there is none. */
+/** The link and, in `speed`, its speed; null, and `speed` unchanged, when there is none. */
 std::shared_ptr<GpsHalLink> linkFromEnvironment(unsigned& speed) {
     const char* const device = std::getenv("GPSHAL_DEVICE");
     const char* const set = std::getenv("GPSHAL_BAUD");
@@ -74,13 +73,13 @@ void logFailure(const GpsHalLink& link) {
 
 }  // namespace
 
-/** Reception from a start to its stop: the link, the receive thread and what it has read. */
+/** Reception from one start to its stop: the link, the receive thread and its framer. */
 class GpsHal::Reception {
 public:
     Reception(std::shared_ptr<GpsHal> hal, std::shared_ptr<GpsHalLink> link)
         : mHal(std::move(hal)), mLink(std::move(link)) {}
 
-    /** Starts the thread, which keeps the reception, and with it the instance, alive. */
+    /** Starts the thread, which keeps the reception and the instance alive. False, with the reason in errno. */
     static bool begin(const std::shared_ptr<Reception>& reception);
     void end();
 
@@ -90,8 +89,11 @@ private:
     void receive(const unsigned char* bytes, unsigned length);
     void tryNextSpeed();
     void awaitLink();
-    void deliver(unsigned char* chunk, unsigned length) {
-        if (!mIsEnding) mHal->notifyObservers(kReceivedData, chunk, length);
+    /** Delivers the framer's chunks. */
+    auto sink() {
+        return [this](unsigned char* chunk, unsigned length) {
+            if (!mIsEnding) mHal->notifyObservers(kReceivedData, chunk, length);
+        };
     }
     void report(int line, const char* what) const {
         QvDbgOutput::DbgPrint(kSource, "run", line, kLogLevel, "%s %s\n", mLink->name(), what);
@@ -113,15 +115,9 @@ private:
 
 bool GpsHal::Reception::begin(const std::shared_ptr<Reception>& reception) {
     reception->mSelf = reception;
-    sigset_t all;  // blocked in the new thread: signals are for the client's threads
-    sigset_t callers;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &callers);
-    const int result = pthread_create(&reception->mThread, nullptr, &Reception::runThread, reception.get());
-    pthread_sigmask(SIG_SETMASK, &callers, nullptr);
-    if (result == 0) return true;
+    errno = qv_create_thread(&reception->mThread, &Reception::runThread, reception.get());
+    if (errno == 0) return true;
     reception->mSelf.reset();
-    errno = result;
     return false;
 }
 
@@ -145,29 +141,27 @@ void* GpsHal::Reception::runThread(void* reception) {
 
 void GpsHal::Reception::run() {
     pthread_setname_np(pthread_self(), kThreadName);
-    const auto sink = [this](unsigned char* chunk, unsigned length) { deliver(chunk, length); };
     unsigned char buffer[4096];
     while (!mIsEnding) {
         const int length = mLink->read(buffer, sizeof(buffer), kReadTimeoutMs);
         if (length > 0) receive(buffer, static_cast<unsigned>(length));
-        if (length == 0) mFramer.pause(sink);
+        if (length == 0) mFramer.pause(sink());
         if (length >= 0 || mIsEnding) continue;
         mLink->close();
-        mFramer.finish(sink);
+        mFramer.finish(sink());
         awaitLink();
     }
 }
 
 void GpsHal::Reception::receive(const unsigned char* bytes, unsigned length) {
-    const auto sink = [this](unsigned char* chunk, unsigned size) { deliver(chunk, size); };
     const unsigned long chunks = mFramer.chunks();
-    mFramer.feed(bytes, length, sink);
+    mFramer.feed(bytes, length, sink());
     if (mSpeedRequests != mHal->mSpeedRequests) {
         mSpeedRequests = mHal->mSpeedRequests;
         mSpeedWatch.reset();
     }
     if (mSpeedWatch.receive(mFramer.chunks() != chunks, mFramer.isInsideFrame(), GpsHalSpeedWatch::Clock::now())) {
-        mFramer.pause(sink);  // a frame with a damaged length may contain good sentences
+        mFramer.pause(sink());  // a frame with a damaged length may contain good sentences
         if (mFramer.chunks() == chunks) return tryNextSpeed();
         mSpeedWatch.reset();
     }
@@ -187,7 +181,7 @@ void GpsHal::Reception::tryNextSpeed() {
     mLink->setSpeed(next->value);
 }
 
-/** Returns when the absent device is open, or reception ends. */
+/** Opens the device again; returns when that has succeeded or reception ends. */
 void GpsHal::Reception::awaitLink() {
     report(__LINE__, "is absent");
     while (mEnding.WaitEvent(kReopenMs) == QvEvent::TIMED_OUT) {

@@ -8,10 +8,8 @@
 #include "QvFramework/Foundation/QvSync.h"
 
 /**
- * A captured byte stream in a regular file, read from its start, without delay, every time the link is opened. At the
- * end of the file the link is silent until the file grows.
- *
- * Written bytes are discarded, and every speed is accepted.
+ * A captured byte stream in a regular file. Every opening reads it from its start, without delay. At the end of the
+ * file the link is silent until the file grows. Written bytes are discarded, and every speed is accepted.
  */
 class GpsHalFileLink : public GpsHalLink {
 public:
@@ -27,7 +25,7 @@ public:
 
 private:
     bool isOpen() const;
-    /** As read, but 0 at the end of the file. */
+    /** As read(), but without waiting: 0 at the end of the file. */
     int readFile(void* buffer, unsigned size);
 
     const std::string mPath;

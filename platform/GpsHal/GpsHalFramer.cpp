@@ -32,7 +32,7 @@ void GpsHalFramer::reset() {
     mSeen = 0;
 }
 
-/** Takes as many bytes as fit: at least one, as an unfinished chunk fills at most half of the buffer. */
+/** Takes as many bytes as fit; at least one, since an unfinished chunk fills at most half of the buffer. */
 unsigned GpsHalFramer::append(const unsigned char* data, unsigned length) {
     if (mBegin == mEnd || mEnd == kCapacity) compact();
     const unsigned taken = std::min(length, kCapacity - mEnd);
@@ -41,7 +41,7 @@ unsigned GpsHalFramer::append(const unsigned char* data, unsigned length) {
     return taken;
 }
 
-/** Moves the undecided bytes and their sums to the front of the buffer. */
+/** Moves the bytes from mBegin on, and their sums, to the front of the buffer. */
 void GpsHalFramer::compact() {
     std::memmove(mBuffer, mBuffer + mBegin, mEnd - mBegin);
     if (mSummed > mBegin) {
@@ -53,7 +53,7 @@ void GpsHalFramer::compact() {
     mBegin = 0;
 }
 
-/** Takes the next whole chunk; none when the undecided bytes could still become one. */
+/** Removes the next whole chunk; none when the rest may still become one. */
 GpsHalFramer::Chunk GpsHalFramer::next(GiveUp giveUp) {
     while (mBegin < mEnd) {
         Verdict verdict = judge();

@@ -10,39 +10,39 @@
  * payload as two bytes with the low one first, payload, checksum) whose Fletcher checksum holds. A sentence is at most
  * 1024 bytes of printable ASCII and carriage returns; another `$` starts it over. A payload is at most 8192 bytes.
  *
- * Nothing intact is lost after damage: of bytes that turn out to be no chunk only the first is dropped, and the rest is
- * scanned again. How the stream is split into calls does not change chunks and counts. Nothing is allocated, and the
- * time is proportional to the number of bytes. One thread at a time.
+ * Damage costs no intact chunk: of bytes that turn out to be none, only the first is dropped and the rest is scanned
+ * again. Chunks and counts do not depend on how the stream is split into calls. Nothing is allocated, and the time is
+ * proportional to the number of bytes. One thread at a time.
  */
 class GpsHalFramer : private QvUncopyable {
 public:
     /**
      * Takes the next bytes of the stream and calls `sink(unsigned char* chunk, unsigned length)` for every chunk that
-     * they complete, in the order of the stream. The chunk's bytes are valid, and the callee's to change, during the
-     * call. The sink must not call the framer.
+     * they complete, in order. The sink may change the chunk's bytes, which are valid during the call only. It must not
+     * call the framer.
      */
     template <class Sink>
     void feed(const void* data, unsigned length, Sink&& sink);
 
     /**
-     * The line has been silent for 250 ms: gives up an unfinished frame and calls `sink` for what is intact inside it
-     * (sentences that a damaged length had claimed). An unfinished sentence stays.
+     * The line has been silent for 250 ms: gives up an unfinished frame and calls `sink` for the chunks inside it,
+     * which a damaged length had included. An unfinished sentence stays.
      */
     template <class Sink>
     void pause(Sink&& sink);
 
-    /** The stream has ended: as pause(), and gives up an unfinished sentence too. Ready for another stream. */
+    /** The stream has ended: as pause(), but gives up an unfinished sentence too. Another stream may follow. */
     template <class Sink>
     void finish(Sink&& sink);
 
-    /** Drops the bytes of an unfinished chunk, to be ready for another stream. */
+    /** Drops an unfinished chunk. Another stream may follow. */
     void reset();
 
     /** Whether the last bytes are the beginning of a frame. */
     bool isInsideFrame() const { return mBegin < mEnd && mBuffer[mBegin] != '$'; }
     /** Chunks found since construction. */
     unsigned long chunks() const { return mChunks; }
-    /** Bytes dropped since construction. Those of an unfinished chunk do not count yet. */
+    /** Bytes dropped since construction, without those of an unfinished chunk. */
     unsigned long droppedBytes() const { return mDroppedBytes; }
 
 private:
@@ -77,9 +77,9 @@ private:
     unsigned char mBuffer[kCapacity];
     unsigned mBegin = 0;  // first byte that is not yet decided
     unsigned mEnd = 0;
-    unsigned mSeen = 0;  // bytes from mBegin on that are known to belong to an unfinished sentence
+    unsigned mSeen = 0;  // bytes of the unfinished sentence at mBegin that need no second look
 
-    // Running sums of the buffer's bytes, and of these sums, before each position. The checksum of any range is a
+    // For each position, the sum of the bytes before it and the sum of these sums. The checksum of any range is a
     // difference of them, so that bytes inside many broken frames are summed only once.
     unsigned char mSums[kCapacity + 1];
     unsigned char mSumsOfSums[kCapacity + 1];

@@ -2,10 +2,10 @@
 #define GPSHAL_GPS_HAL_LINK_H
 
 /**
- * The wire between GpsHal and a receiver.
+ * The connection between GpsHal and a receiver.
  *
- * `open` and `read` are called by one thread at a time, and so are `write` and `setSpeed`; the two groups may run at
- * the same time, and `close` may come from any thread at any time. A closed or lost link may be opened again.
+ * One thread at a time calls `open` and `read`, and one `write` and `setSpeed`; these two may run at the same time. Any
+ * thread may call `close` at any time. A closed or lost link may be opened again.
  */
 class GpsHalLink {
 public:
@@ -31,9 +31,9 @@ public:
     virtual bool write(const void* data, unsigned length) = 0;
 
     /**
-     * Sets the speed of this end of the wire, after what was written has left. It stays across closing and opening.
+     * Sets the speed of this end, after what was written has left. Closing and opening keep it.
      * @param value one of kGpsHalSpeeds
-     * @return false, and the speed stays, when the link is closed or lost or does not take the speed
+     * @return false, with the speed unchanged, when the link is closed or lost or does not support the speed
      */
     virtual bool setSpeed(unsigned value) = 0;
 };

@@ -18,19 +18,19 @@ public:
 
     /** Sends bytes to the library and returns at once. They are kept until the link is open and reads them. */
     void send(std::string_view bytes);
-    /** Waits until every byte sent so far was read and the reader has come back for more, that is until all observers
-     *  have been notified of the last chunk. False after `ms` milliseconds without that. */
+    /** Waits until the library has read all bytes sent so far and waits for more: then all observers have been notified
+     *  of the last chunk. False after `ms` milliseconds. */
     bool waitUntilRead(unsigned ms);
 
     /** Every byte that the library has written, in order. */
     std::string written();
-    /** Called with the bytes of every write, on the writer's thread; it may send. When it returns false, the write
-     *  fails. An empty hook accepts everything. */
+    /** Sets what is called with the bytes of every write, on the writer's thread; it may send. The write fails when it
+     *  returns false. An empty hook accepts everything. */
     void setWriteHook(WriteHook hook);
-    /** The value that the library set last; 0 before. */
+    /** The speed that the library set last; 0 before. */
     unsigned speed();
 
-    /** Waits until the library has the link open (or closed). False after `ms` milliseconds without that. */
+    /** Waits until the library has opened (or closed) the link. False after `ms` milliseconds. */
     bool waitForOpen(bool isOpen, unsigned ms);
     /** Until restore(), the link is lost and cannot be opened. */
     void lose();

@@ -33,7 +33,7 @@ bool isDrained(int device) {
     return waiting == 0 && (ioctl(device, TIOCSERGETLSR, &transmitter) != 0 || (transmitter & TIOCSER_TEMT) != 0);
 }
 
-/** Waits until what was written has left, unlike tcdrain() with a time-out; false when that has passed. */
+/** As tcdrain(), waits until what was written has left, but with a time-out; false when it has passed. */
 bool drain(int device) {
     const auto deadline = std::chrono::steady_clock::now() + kWriteTimeout;
     while (!isDrained(device)) {
@@ -64,7 +64,7 @@ bool isPseudoTerminal(int device) {
     return major(status.st_rdev) < UNIX98_PTY_SLAVE_MAJOR + UNIX98_PTY_MAJOR_COUNT;
 }
 
-/** Releases the claim, even when a forked child still has the descriptor, and closes it. Keeps errno. */
+/** Releases the device, even when a forked child still has the descriptor, and closes it. Keeps errno. */
 void release(int device) {
     const int reason = errno;
     ioctl(device, TIOCNXCL);
@@ -74,9 +74,9 @@ void release(int device) {
 }
 
 /**
- * Opens the device, claims it and sets it up: a descriptor, or -1 with the reason in errno. The lock excludes processes
- * that claim the device too, even root's; the exclusive mode excludes others. It is not set on a pseudo-terminal, which
- * would keep it after its holder is killed.
+ * Opens the device for this process alone and sets it up: a descriptor, or -1 with the reason in errno. The file lock
+ * excludes other users of this function, even root's; the exclusive mode excludes all other programs. A pseudo-terminal
+ * is not set to that mode, which it would keep after its holder is killed.
  */
 int openDevice(const char* path, unsigned speed) {
     const int device = qv_above_standard([path] { return ::open(path, O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC); });

@@ -13,9 +13,8 @@
  * A serial device, or a pseudo-terminal: raw, 8 data bits, no parity, 1 stop bit, no flow control.
  *
  * The device is held exclusively: while one process has it open, opening it fails in any other, even root's. The path
- * may be a symbolic link, which is followed at every opening. A device that hangs up is lost. Nothing waits for the
- * device without limit: writing fails when it does not take all bytes in 2 s, changing the speed when they have not
- * left in 2 s, and closing discards what has not left in 2 s.
+ * may be a symbolic link, which is followed at every opening. A device that hangs up is lost. The device gets 2 s: then
+ * writing and changing the speed fail, and closing discards what has not been sent.
  */
 class GpsHalSerialLink : public GpsHalLink {
 public:

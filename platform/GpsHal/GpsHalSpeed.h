@@ -19,7 +19,7 @@ constexpr unsigned kGpsHalSpeed115200 = 4;
 constexpr GpsHalSpeed kGpsHalSpeeds[] = {
     {kGpsHalSpeed9600, "9600", B9600}, {kGpsHalSpeed38400, "38400", B38400}, {kGpsHalSpeed115200, "115200", B115200}};
 
-/** Detects that the receiver sends at another speed: bytes arrive, but no chunk. One thread. */
+/** Detects that the receiver sends at another speed: bytes arrive, but no chunk. One thread at a time. */
 class GpsHalSpeedWatch {
 public:
     using Clock = std::chrono::steady_clock;
@@ -29,8 +29,8 @@ public:
     void reset() { mLast = Time(); }
 
     /**
-     * Bytes have arrived. True when bytes have been arriving for two seconds, and no chunk; inside a frame for eleven,
-     * as the longest frame takes 8.6 s at 9600 baud and may begin when the two seconds end.
+     * Bytes have arrived. True when bytes without a chunk have arrived for two seconds, or for eleven inside a frame:
+     * the longest frame takes 8.6 s at 9600 baud, and may begin at the end of the two seconds.
      */
     bool receive(bool hasChunk, bool isInsideFrame, Time now) {
         constexpr std::chrono::seconds kLimit{2};
@@ -41,8 +41,8 @@ public:
     }
 
 private:
-    Time mBegin;  // of the bytes without a chunk
-    Time mLast;   // when bytes arrived
+    Time mBegin;  // since when there has been no chunk
+    Time mLast;   // when the last bytes arrived
 };
 
 #endif

@@ -19,7 +19,7 @@ void printText(void*, const char* file, const char* function, int line, int, con
 }
 
 struct Output {
-    QvSync sync;  // held while the sink runs, so that a replaced sink is not in use any more
+    QvSync sync;  // held while the sink runs, so that a replaced sink no longer runs
     QvDbgOutput::Sink sink QV_GUARDED_BY(sync) = &printText;
     void* context QV_GUARDED_BY(sync) = nullptr;
 

@@ -1,6 +1,7 @@
 #include "QvFramework/Foundation/QvHelpers.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -43,6 +44,16 @@ int qv_above_standard(const std::function<int()>& open) {
         if (placeholder != -1) close(placeholder);
     }
     errno = error;
+    return result;
+}
+
+int qv_create_thread(pthread_t* handle, void* (*routine)(void*), void* argument) {
+    sigset_t all;
+    sigset_t previous;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &previous);  // inherited by the new thread
+    const int result = pthread_create(handle, nullptr, routine, argument);
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
     return result;
 }
 

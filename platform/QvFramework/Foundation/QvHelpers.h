@@ -1,6 +1,8 @@
 #ifndef QVFRAMEWORK_FOUNDATION_QV_HELPERS_H
 #define QVFRAMEWORK_FOUNDATION_QV_HELPERS_H
 
+#include <pthread.h>
+
 #include <cstddef>
 #include <functional>
 
@@ -13,15 +15,18 @@ char* qv_strcpy(char* destination, std::size_t size, const char* source);
 char* qv_strncpy(char* destination, std::size_t size, const char* source, std::size_t count);
 
 /**
- * Calls `open`, which opens one descriptor, while /dev/null takes the place of those of 0, 1 and 2 that the host has
- * closed: what the host prints must not reach a file, a device or shared memory, not even for a moment.
+ * Calls `open`, which opens one descriptor, so that it gets a number above 2 even when the host has closed 0, 1 or 2:
+ * what the host prints must not reach a file, a device or shared memory. /dev/null takes the closed numbers meanwhile.
  * @return the result of `open`; -1, with `errno`, when /dev/null could not be opened
  */
 int qv_above_standard(const std::function<int()>& open);
 
+/** As pthread_create; the thread blocks all signals, which are for the client's threads. Returns an error number. */
+int qv_create_thread(pthread_t* handle, void* (*routine)(void*), void* argument);
+
 /** The calling thread's last error number. */
 int qv_get_last_err();
-/** Its text. Valid until the thread's next call. */
+/** Its text. */
 const char* qv_get_last_err_string();
 
 #endif

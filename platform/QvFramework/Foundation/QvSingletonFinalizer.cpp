@@ -14,7 +14,7 @@ namespace {
 struct DestroyFunctions {
     QvSync sync;
     std::vector<void (*)()> functions QV_GUARDED_BY(sync);
-    const DestroyFunctions* const parents;  // those of the process that this one was forked from; keeps them reachable
+    const DestroyFunctions* const parents;  // of the process that forked this one; keeps them reachable
 
     explicit DestroyFunctions(const DestroyFunctions* ofParent) : parents(ofParent) {}
 
@@ -27,13 +27,13 @@ struct DestroyFunctions {
     }
 
     static DestroyFunctions* makeFirst() {
-        pthread_atfork(nullptr, nullptr, &beginAnew);
+        pthread_atfork(nullptr, nullptr, &replaceInChild);
         return new DestroyFunctions(nullptr);
     }
 
-    /** In a forked child. It destroys its own singletons only: those of its parent would wait for threads that it does
-     *  not have, and another thread may have held the lock at the fork. */
-    static void beginAnew() { current() = new DestroyFunctions(current()); }
+    /** A forked child destroys only its own singletons: its parent's would wait for threads that it does not have, and
+     *  another thread may have held the lock at the fork. */
+    static void replaceInChild() { current() = new DestroyFunctions(current()); }
 
     bool add(void (*function)()) {
         QvSyncGuard guard(sync);
@@ -54,7 +54,7 @@ struct DestroyFunctions {
 
 void QvSingletonFinalizer::addDestroyFunc(void (*function)()) {
     const bool isFirst = DestroyFunctions::instance().add(function);
-    // Works for a singleton that is created while the process is exiting, too: a handler added then still runs.
+    // This works even while the process is exiting: a handler added then still runs.
     if (isFirst) std::atexit(&QvSingletonFinalizer::finalize);
 }
 

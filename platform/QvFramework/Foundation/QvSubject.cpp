@@ -4,10 +4,6 @@
 
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
-QvSubject::QvSubject() = default;
-
-QvSubject::~QvSubject() = default;
-
 void QvSubject::AddObserver(QvObserver_* observer) {
     QvSyncGuard guard(mListSync);
     mObservers.push_back(observer);

@@ -23,17 +23,17 @@ public:
     void RemoveObserver(QvObserver_* observer);
 
 protected:
-    QvSubject();
-    ~QvSubject();
+    QvSubject() = default;
+    ~QvSubject() = default;
 
-    /** Calls every observer in the order of attachment, on the caller's thread. */
+    /** Calls the observers in the order in which they were added, on the caller's thread. */
     void notifyObservers(unsigned int eventCode, void* data, unsigned int length);
 
 private:
     QvObserver_* takeNext();
 
     QvSync mNotifySync;  // held while observers run, so that a removal waits for a call in progress
-    QvSync mListSync;    // held for single steps only, so that attaching does not wait for observers
+    QvSync mListSync;    // held for single steps only, so that adding does not wait for observers
     std::vector<QvObserver_*> mObservers QV_GUARDED_BY(mListSync);
     std::size_t mNext QV_GUARDED_BY(mListSync) = 0;  // the observer to be called next
 };

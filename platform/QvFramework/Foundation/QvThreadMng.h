@@ -9,8 +9,8 @@
 /**
  * The process's registry of named threads; sets and reads their priorities.
  *
- * Priorities run from 0 (lowest) over 128 (the system's default) to 255; they are mapped to the nice value of the
- * thread. Without the right to raise a priority, the thread keeps the one it has.
+ * Priorities range from 0 (lowest) to 255, 128 being the system's default, and set the thread's nice value. Without the
+ * right to raise its priority, a thread keeps the one it has.
  */
 class QvThreadMng : private QvUncopyable {
 public:
@@ -18,7 +18,7 @@ public:
 
     /** @param threadId kernel thread id; -1 changes nothing */
     void SetPriority(unsigned long handle, int priority, unsigned int threadId);
-    /** The priority in force, or -1 when there is no such thread. */
+    /** The current priority, or -1 when there is no such thread. */
     int GetPriority(unsigned long handle, unsigned int threadId);
 
     void registerThreadInfo(unsigned long handle, const char* name, int priority, unsigned int value);

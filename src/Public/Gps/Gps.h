@@ -19,27 +19,28 @@ class GpsController;
  * framework's singleton finaliser runs. All operations may be called from any thread and from inside any notification;
  * from inside a location notification a client should not register or unregister.
  *
- * Operations return true for success. They return false, log the reason and change nothing for a null listener, when
- * registering with a full registry (five entries of each kind), when unregistering from an empty one, and for a request
- * whose outcome no registered listener could receive (requestGpsSetting() logs nothing then). Nothing throws except
- * `GetInstance()`, which throws `std::bad_alloc` when memory runs out while it creates the service; it may be called
- * again.
+ * Operations return true on success. They return false, log the reason and change nothing
+ * - for a null listener,
+ * - for a registration when five listeners of its kind are registered, an unregistration when none is,
+ * - for a request whose outcome no registered listener could receive (requestGpsSetting() then logs nothing).
+ *
+ * Only `GetInstance()` throws: `std::bad_alloc` when there is no memory to create the service. It may be called again.
  *
  * A listener that is registered twice gets every notification twice; one unregistration removes all its entries.
- * Unregistering a listener that is not registered changes nothing and returns true if others of its kind are
- * registered.
+ * Unregistering a listener that is not registered changes nothing; it returns true if others of its kind are.
  *
  * Blocking: location notifications, and the first status of a connection listener, run while the registry lock is held.
  * Until such a notification returns, `register...`, `unRegister...` and `setLocationData` block on other threads.
- * `unRegister...` also waits for any other notification of its listener. Therefore do not call these operations while
- * holding a lock that a listener takes in such a notification. Unregistering the last location listener also waits for
- * the worker thread to end, about 100 ms. Requests wait while another thread changes the receiver's speed.
+ * `unRegister...` waits for every notification of its listener on another thread. Therefore do not call these
+ * operations while holding a lock that a listener takes in such a notification. Unregistering the last location
+ * listener also waits about 100 ms for the worker thread to end. Requests wait while another thread changes the
+ * receiver's speed.
  *
- * Process exit: `exit`, or the return from `main`, destroys the service. End all threads that use it before that.
+ * Process exit: `exit`, or the return from `main`, destroys the service. End all other threads that use it first.
  * `exit` may be called inside a notification; it does not wait for that notification.
  *
- * Forked child: it has none of the service's threads. Until it executes another program it may call only
- * `unRegister...`, which changes nothing and returns true.
+ * A forked child has none of the service's threads. Until it executes another program it may call only `unRegister...`,
+ * which changes nothing and returns true.
  */
 class GPS_API Gps : public QvSingleton<Gps> {
 public:
@@ -54,13 +55,13 @@ public:
     bool unRegisterGpsNmeaListener(const GpsNmeaListener* npListener);
 
     /**
-     * Parsed sentences in the given datum, by the same rule. A listener that cannot be served ends the delivery of that
-     * sentence: listeners registered after it are not notified.
+     * Parsed sentences in the given datum, by the same rule. A listener that cannot be notified by that rule ends the
+     * delivery of the sentence: listeners registered after it are not notified.
      */
     bool registerGpsParseNmeaListener(const GpsParseNmeaListener* npListener, GeodeticSystem geodeticSystem);
     bool unRegisterGpsParseNmeaListener(const GpsParseNmeaListener* npListener);
 
-    /** Location data. The first listener starts the worker thread, which ends after the last one unregisters. */
+    /** Location data. The first listener starts the worker thread; the last one to unregister ends it. */
     bool registerGpsLocationDataListener(const GpsLocationDataListener* npListener);
     bool unRegisterGpsLocationDataListener(const GpsLocationDataListener* npListener);
 
@@ -84,14 +85,14 @@ public:
     bool requestGpsVersionInfo();
 
     /**
-     * Sends one setting to the receiver; the answer reaches the setting listeners. Needs a setting listener. False
-     * when the command could not be sent, and also when the link's speed could not be changed or the shared setting
-     * record could not be used, though the receiver may then apply the setting. A change of speed takes 200 ms, and
-     * up to 2 s more on a serial line that does not transmit.
+     * Sends one setting to the receiver; the setting listeners are notified of the answer. Needs a setting listener.
+     * False when the command could not be sent. Also false, although the receiver may apply the setting, when the
+     * link's speed could not be changed or the shared setting record could not be used. A change of speed takes 200 ms,
+     * and up to 2 s more on a serial line that does not transmit.
      *
      * Answers are matched to requests by their order. The receiver answers GPS_SETTING_BAUD_38400 twice; the next
-     * request waits for the second answer, at most 500 ms, before it is sent. A request made in a notification cannot
-     * wait, and may be reported with that answer.
+     * request is sent after the second answer, or after 500 ms. A request made in a notification is sent at once: the
+     * second answer may then be taken for its answer.
      */
     bool requestGpsSetting(GpsSetting setting);
 

@@ -14,14 +14,14 @@
  * through `Gps`. The library never owns, copies or deletes a listener: the object must live until its unregistration
  * has returned.
  *
- * An unregistration waits until no other thread is inside the listener; after it returns, the listener is not called
- * again. Do not unregister while holding a lock that the listener takes. A listener may unregister itself inside its
- * own notification, and may then delete itself. When two notifications each unregister the other's listener, the second
+ * An unregistration waits until no other thread is inside the listener; after it has returned, the listener is not
+ * called again. Do not unregister while holding a lock that the listener takes. A listener may unregister itself inside
+ * its own notification, and then delete itself. When two notifications each unregister the other's listener, the second
  * unregistration returns without waiting.
  *
- * Every pointer passed to a notification is valid during that call only; copy what you keep. Notifications should
- * return soon: the receive thread reads nothing while it is inside one. One object may be notified on several threads
- * (named below) at the same time. No notification may throw.
+ * Pointers passed to a notification are valid during that call only. Notifications should return soon: the receive
+ * thread reads nothing meanwhile. One object may be notified on several threads (named below) at the same time. No
+ * notification may throw.
  */
 
 /** Raw sentences. Called on the receive thread. */
@@ -29,24 +29,24 @@ class GPS_API GpsNmeaListener {
 public:
     virtual ~GpsNmeaListener();
     /**
-     * One NMEA sentence as received, or regenerated in WGS84 when the receiver reports Tokyo and the listener asked for
-     * WGS84. Not called for antenna texts ("$GPTXT", "$GNTXT").
-     * @param sentence bytes, CR LF included; not terminated by a NUL
+     * One NMEA sentence as received; for a WGS84 listener of a receiver that reports Tokyo, a position sentence is
+     * converted and regenerated. Not called for antenna texts ("$GPTXT", "$GNTXT").
+     * @param sentence bytes, CR LF included, without a terminating NUL
      * @param length number of bytes
      */
     virtual void notifyReceiveNmeaSentence(const char* sentence, unsigned int length);
 };
 
-/** Parsed sentences, in the datum asked for at registration. Called on the receive thread. */
+/** Parsed sentences, in the datum given at registration. Called on the receive thread. */
 class GPS_API GpsParseNmeaListener {
 public:
     virtual ~GpsParseNmeaListener();
-    /** The aggregate of an epoch, directly after the sentence that completed it. */
+    /** The aggregate of an epoch, directly after the record that completes it. */
     virtual void notifyParseNmeaSentence(const PARSE_NMEA* record);
     virtual void notifyParseGgaSentence(const GPGGA* record);
     virtual void notifyParseGllSentence(const GPGLL* record);
     virtual void notifyParseGsaSentence(const GPGSA* record);
-    /** Once per cycle, after its last message. */
+    /** Once per cycle of messages, after the last one. */
     virtual void notifyParseGsvSentence(const GPGSV* record);
     virtual void notifyParseRmcSentence(const GPRMC* record);
     virtual void notifyParseVtgSentence(const GPVTG* record);
@@ -56,8 +56,8 @@ public:
 
 /**
  * Location data that any process passed to Gps::setLocationData, about one record a second. Called on the library's
- * worker thread, for each record in the order Rmc, Gga, Pascd, Location, while the registry lock is held (see Gps): a
- * client should not register or unregister listeners from inside.
+ * worker thread, for each record in the order Rmc, Gga, Pascd, Location, while the registry lock is held (see Gps): do
+ * not register or unregister listeners in these notifications.
  */
 class GPS_API GpsLocationDataListener {
 public:
@@ -73,15 +73,15 @@ class GPS_API GpsVersionListener {
 public:
     virtual ~GpsVersionListener();
     /**
-     * @param version text, padded with zeros to `length`
-     * @param length bytes of the whole field (128), not of the text
+     * @param version text, padded with NULs to `length`
+     * @param length bytes with the padding (128)
      */
     virtual void notifyGpsVersionInfo(const char* version, unsigned int length);
 };
 
 /**
  * Antenna status. Called once on the registering thread before the registration returns, while the registry lock is
- * held (see Gps), then on the receive thread for every antenna text, also when the status is unchanged.
+ * held (see Gps), then on the receive thread for every antenna text, even when the status has not changed.
  */
 class GPS_API GpsConnectionListener {
 public:

@@ -7,8 +7,8 @@
 
 /**
  * @file
- * Records of the location-data path. A client publishes a GPS_LOCATION_SYNC_DATA; location listeners in every process
- * get the LOCATION_DATA made from it. The library copies the PASCD block bit for bit and does not interpret it.
+ * Records of locations. A client publishes a GPS_LOCATION_SYNC_DATA; location listeners in every process get the
+ * LOCATION_DATA made from it. The library copies the PASCD block bit for bit and does not interpret it.
  */
 
 enum { GPS_PASCD_SAMPLE_NUM = 50 };
@@ -81,7 +81,7 @@ struct PASCD {
     PASCD_SAMPLE Sample[GPS_PASCD_SAMPLE_NUM];
 };
 
-/** One location as listeners get it. A pointer to it is also a pointer to its `Gga`. */
+/** One location as listeners get it. `Gga` is at its address. */
 struct LOCATION_DATA {
     GPGGA Gga;
     GPRMC Rmc;
@@ -90,8 +90,8 @@ struct LOCATION_DATA {
 
 /** The record in shared memory: 1040 bytes in native byte order. */
 struct GPS_LOCATION_DATA_SHARE {
-    unsigned int UpdateCounter;  ///< incremented by every Gps::setLocationData of any process, modulo 2^32; every
-                                 ///< service that starts resets it to 0
+    unsigned int UpdateCounter;  ///< incremented by every Gps::setLocationData of any process, modulo 2^32; reset to 0
+                                 ///< by every service that starts
     unsigned int Reserved;       ///< never written
     LOCATION_DATA Data;
 };
@@ -108,28 +108,15 @@ static_assert(offsetof(GPS_SYNC_PASCD_DATA, Head2) == 8 && offsetof(GPS_SYNC_PAS
 static_assert(offsetof(GPS_LOCATION_SYNC_DATA, Gga) == 72 && offsetof(GPS_LOCATION_SYNC_DATA, Pascd) == 136 &&
                   sizeof(GPS_LOCATION_SYNC_DATA) == 960,
               "GPS_LOCATION_SYNC_DATA layout");
-static_assert(offsetof(GPGGA, Hour) == 4 && offsetof(GPGGA, MilliSecond) == 10, "GPGGA layout");
-static_assert(offsetof(GPGGA, Lat) == 16 && offsetof(GPGGA, LatDeg) == 24 && offsetof(GPGGA, LatMin) == 32,
+static_assert(offsetof(GPGGA, MilliSecond) == 10 && offsetof(GPGGA, Lat) == 16 && offsetof(GPGGA, Lon) == 40 &&
+                  offsetof(GPGGA, Quality) == 64 && offsetof(GPGGA, Alt) == 80 && offsetof(GPGGA, DGPS_ID) == 100 &&
+                  sizeof(GPGGA) == 104,
               "GPGGA layout");
-static_assert(offsetof(GPGGA, Lon) == 40 && offsetof(GPGGA, LonDeg) == 48 && offsetof(GPGGA, LonMin) == 56,
-              "GPGGA layout");
-static_assert(offsetof(GPGGA, Quality) == 64 && offsetof(GPGGA, SatView) == 68 && offsetof(GPGGA, HDOP) == 72,
-              "GPGGA layout");
-static_assert(offsetof(GPGGA, Alt) == 80 && offsetof(GPGGA, Geo) == 88 && offsetof(GPGGA, DGPS_Age) == 96 &&
-                  offsetof(GPGGA, DGPS_ID) == 100 && sizeof(GPGGA) == 104,
-              "GPGGA layout");
-static_assert(offsetof(GPRMC, Hour) == 4 && offsetof(GPRMC, MilliSecond) == 10 && offsetof(GPRMC, Status) == 12,
+static_assert(offsetof(GPRMC, Status) == 12 && offsetof(GPRMC, Lat) == 16 && offsetof(GPRMC, Lon) == 40 &&
+                  offsetof(GPRMC, Speed) == 64 && offsetof(GPRMC, Day) == 84 && offsetof(GPRMC, Mode) == 96 &&
+                  sizeof(GPRMC) == 104,
               "GPRMC layout");
-static_assert(offsetof(GPRMC, Lat) == 16 && offsetof(GPRMC, LatDeg) == 24 && offsetof(GPRMC, LatMin) == 32,
-              "GPRMC layout");
-static_assert(offsetof(GPRMC, Lon) == 40 && offsetof(GPRMC, LonDeg) == 48 && offsetof(GPRMC, LonMin) == 56,
-              "GPRMC layout");
-static_assert(offsetof(GPRMC, Speed) == 64 && offsetof(GPRMC, Dir) == 72 && offsetof(GPRMC, Year) == 80 &&
-                  offsetof(GPRMC, Month) == 82 && offsetof(GPRMC, Day) == 84,
-              "GPRMC layout");
-static_assert(offsetof(GPRMC, MagDec) == 88 && offsetof(GPRMC, Mode) == 96 && sizeof(GPRMC) == 104, "GPRMC layout");
-static_assert(offsetof(PASCD, Head1) == 0 && offsetof(PASCD, Head2) == 8 && offsetof(PASCD, Head3) == 9 &&
-                  offsetof(PASCD, Head4) == 12 && offsetof(PASCD, Head5) == 16 && offsetof(PASCD, Sample) == 24 &&
+static_assert(offsetof(PASCD, Head3) == 9 && offsetof(PASCD, Head4) == 12 && offsetof(PASCD, Sample) == 24 &&
                   sizeof(PASCD) == 824,
               "PASCD layout");
 static_assert(offsetof(LOCATION_DATA, Gga) == 0 && offsetof(LOCATION_DATA, Rmc) == 104 &&

@@ -9,20 +9,20 @@
  *
  * All records are plain structures; a field that was not read is zero.
  *
- * Coordinates are held in three fields. `Lat` is the sentence's ddmm.mmmm as one number (35 degrees 39.1234 minutes is
- * 3539.1234), `LatDeg` its whole degrees (35), `LatMin` its minutes (39.1234, at most seven characters of the field).
+ * A coordinate has three fields. `Lat` is the sentence's ddmm.mmmm as one number (35 degrees 39.1234 minutes is
+ * 3539.1234), `LatDeg` its whole degrees (35), `LatMin` its minutes (39.1234, from at most seven characters).
  * `Lon`, `LonDeg`, `LonMin` are the same for dddmm.mmmm. South and west are negative in `Lat`, `LatDeg`, `Lon` and
  * `LonDeg`; the minutes are never negative. An empty field is 0 in all three.
  *
- * Times are UTC. `MilliSecond` is the fraction's digits (at most three) read as an integer: ".50" gives 50.
+ * Times are UTC. `MilliSecond` is the first three digits of the fraction, or fewer, as an integer: ".50" gives 50.
  */
 
 /**
  * Datum of the coordinates that a listener gets, or that the receiver reports (the base datum).
  *
- * WGS84 positions that are converted from a receiver in the Tokyo datum are less accurate than those of a receiver in
- * WGS84: in Japan by 0.07 m on average and at most 0.2 m up to 1000 m above the sea, 0.2 m and 0.4 m at 3000 m. This
- * holds for the receiver's coordinates only: coordinates of old Tokyo-datum maps differ from them by metres.
+ * The conversion from Tokyo to WGS84 adds an error: in Japan 0.07 m on average and at most 0.2 m up to 1000 m above the
+ * sea, 0.2 m and 0.4 m at 3000 m. This holds for the receiver's coordinates only: those of old Tokyo-datum maps differ
+ * from them by metres.
  */
 enum GeodeticSystem : int {
     GEODETIC_SYSTEM_WGS84 = 0,
@@ -51,7 +51,7 @@ struct GPGGA {
     double Lon;
     int LonDeg;
     double LonMin;
-    int Quality;   ///< 0 no fix, 1 GPS, 2 differential; others as the receiver sends them
+    int Quality;   ///< 0 no fix, 1 GPS, 2 differential; other values as the receiver sends them
     int SatView;   ///< number of satellites, as in the sentence
     double HDOP;   ///< horizontal dilution of precision
     double Alt;    ///< antenna altitude above mean sea level, metres

@@ -5,8 +5,8 @@
 
 /**
  * @file
- * Records of the factory check. The meaning of the fields is not published, so each is named after its position in the
- * receiver's message: `ptValue20` is at payload byte 20 of MonPt, `pt2Entry4` at byte 4 of a list entry of MonPt2.
+ * Records of the factory check. The maker does not publish what the fields mean, so each is named after its position in
+ * the receiver's message: `ptValue20` is at payload byte 20 of MonPt, `pt2Entry4` at byte 4 of a list entry of MonPt2.
  */
 
 /** One MonPt test result. */

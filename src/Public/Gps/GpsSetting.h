@@ -4,9 +4,9 @@
 /**
  * The receiver settings that a client may request. Each sends one fixed message to the receiver.
  *
- * GPS sends the week number modulo 1024. The receiver assumes the first matching week from its reference week on, which
- * settings A and B set. Its dates are right until 2030-05-11 with settings A (GPS week 1603) and until 2033-04-16 with
- * settings B (week 1756), and 1024 weeks too early after that; the time of day stays right.
+ * Satellites send the week number modulo 1024. The receiver assumes the first matching week from its reference week on.
+ * Settings A set that to GPS week 1603, settings B to week 1756: dates are right until 2030-05-11 and 2033-04-16, and
+ * 1024 weeks too early after that. The time of day stays right.
  */
 enum GpsSetting : int {
     GPS_SETTING_PUBX00_ON = 0,                 ///< PUBX,00 once per fix on every port

@@ -57,7 +57,7 @@ GpsController::~GpsController() {
 }
 
 bool GpsController::end() {
-    mSync.release();  // held when a notification exits the process; the threads that end here may wait for it
+    mSync.release();  // this thread holds it when a notification exits the process; those that end may wait for it
     const bool hasReceptionEnded = endReception();
     return endWorker() && hasReceptionEnded;
 }

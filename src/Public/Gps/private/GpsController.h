@@ -26,8 +26,8 @@ class LocationDataMemory;
 struct GpsRegistryTexts;
 
 /**
- * The core of the library: owns the managers, observes the HAL, dispatches what it delivers, keeps the listener
- * registries, forwards requests and delivers location data on a worker thread.
+ * The core of the library: owns the managers, dispatches what the HAL receives, keeps the listener registries, forwards
+ * requests and delivers location data on a worker thread.
  *
  * `receiveData` and the `...Proc` operations run on the HAL's receive thread and take no registry lock; `Initialize`,
  * `MainProc` and `Finalize` run on the worker; everything else runs on clients' threads. Nothing throws but the
@@ -41,8 +41,8 @@ public:
     virtual ~GpsController();
 
     /**
-     * Ends reception and the worker. False when another thread will use this object for as long as the process lives,
-     * because it waits for a notification that exits the process: it must not be deleted then.
+     * Ends reception and the worker. False when one of them waits for a notification that exits the process, and so
+     * uses this object until the process ends: it must not be deleted then.
      */
     bool end();
 
@@ -84,7 +84,7 @@ public:
     void responseGpsSettingProc(const char* data, unsigned int length);
     void responseGpsProductionProc(const char* data, unsigned int length);
     void parseGpsProductionDataProc(const char* data, unsigned int length);
-    /** No received data is routed to these two: a version request is answered at once. */
+    /** Never called for received data: version requests are answered without the receiver. */
     void responseGpsVersionProc(const char* data, unsigned int length);
     void parseGpsVersionDataProc(const char* data, unsigned int length);
 
@@ -100,11 +100,10 @@ public:
     void init_queue();
     /** One cycle of the worker: takes new records and delivers the one that is due at `now`. */
     void runLocationCycle(const timeval& now);
-    /** Delivers the stored record on the caller's thread, unless the worker has taken it already. */
+    /** Delivers the stored record on the caller's thread, unless the worker has taken it. */
     void notifyLocationData();
 
 private:
-    /** Deleters for what the controller holds of the HAL. */
     struct ShareRelease {
         void operator()(GpsHal* hal) const;
     };
@@ -148,7 +147,7 @@ private:
     QvEvent mStopEvent;
     std::atomic<bool> mIsRunning{false};
     std::atomic<bool> mIsStopRequested{false};
-    std::atomic<bool> mHasWorkerEnded{false};  // as the last listener left; set while mSync is held
+    std::atomic<bool> mHasWorkerEnded{false};  // after the last listener; set while mSync is held
     std::atomic<std::thread::id> mWorker{std::thread::id()};
     LocationPipeline mLocationPipeline;
 

@@ -51,7 +51,7 @@ void fill(GPRMC& to, const GPS_SYNC_RMC_DATA& from) {
     to.Mode = from.Mode;
 }
 
-/** Copies the bits: the fields need not hold valid numbers. */
+/** Copies the bits, which need not be a valid number. */
 void copyBits(double& to, const double& from) {
     std::memcpy(&to, &from, sizeof(to));
 }
@@ -91,7 +91,7 @@ void GpsController::runLocationCycle(const timeval& now) {
     }
     if (!mLocationPipeline.isDue(now) || mIsStopRequested) return;
 
-    const GpsListenerCalls::Call call(this);  // makes a wait for the worker see this delivery
+    const GpsListenerCalls::Call call(this);  // seen by threads that are about to wait for the worker
     QvSyncGuard guard(mSync);
     mLocationPipeline.pop(record);
     if (!deliverLocation(record.Data)) return;

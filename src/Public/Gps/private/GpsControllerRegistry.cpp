@@ -72,7 +72,7 @@ bool GpsController::removeListener(ListenerRegistry<Entry>& registry,
     return !isEmpty || controllerLog.failure(texts.unRegisterFunction, texts.empty);
 }
 
-/** The number of forks between the process of the first call and this one. A process id may be used again. */
+/** Forks between the process of the first call and this one. Unlike a process id, the number is not used again. */
 unsigned int GpsController::forks() {
     static std::atomic<unsigned int> count{0};
     [[maybe_unused]] static const int result = pthread_atfork(nullptr, nullptr, [] { ++count; });

@@ -26,7 +26,6 @@ bool GpsController::start() {
     mIsStopRequested = false;
     mHasWorkerEnded = false;
     if (!mThread->Start(kWorkerName)) {
-        mIsRunning = false;
         return controllerLog.failure("start", "- GpsController::start - unable to start worker.\n");
     }
     mIsRunning = true;
@@ -45,8 +44,8 @@ bool GpsController::stop() {
 }
 
 /**
- * Starts or ends the worker, which runs while there are location listeners. Does nothing on the worker, and on a thread
- * that a location listener waits for: the worker itself looks for listeners after a delivery.
+ * Starts or ends the worker, which runs while there are location listeners. Does nothing on the worker and on threads
+ * for which a location listener waits: after a delivery the worker itself ends when there are no listeners.
  */
 void GpsController::reconcileWorker() {
     if (isForkedChild() || mWorker == std::this_thread::get_id()) return;

@@ -24,7 +24,7 @@ public:
 
     /** Recognises and stores a status, and notifies the listeners on the caller's thread. */
     void changeGpsConnectionStatus(const char* sentence, const GPS_CONNECTION_LISTENER_LIST* list, unsigned int count);
-    /** The same without notifying. False when there is no status in the sentence or it cannot be stored. */
+    /** The same without notifying. False when the sentence has no status or it cannot be stored. */
     bool takeStatus(const char* sentence, GpsConnectionStatus* status);
     /** Notifies one listener of the current status. False only for a null listener. */
     bool getGpsConnectionStatus(const GpsConnectionListener* listener);
@@ -36,7 +36,7 @@ public:
 
     /** Recognises a status and stores it in `status`, in this process's copy and in the segment. */
     bool parseConnectionStatus(const char* sentence, GpsConnectionStatus* status);
-    /** Only recognises a status; changes nothing shared. */
+    /** Recognises a status without storing it. */
     static bool recognizeStatus(const char* sentence, GpsConnectionStatus* status);
 
     bool readLocalMemory(GPS_CONNECTION_LOCAL_MEMORY* out) const;

@@ -9,8 +9,7 @@
 
 /**
  * The location records that wait for delivery, and when the next one is due: about one a second, faster while two or
- * more wait. The time of day is an argument. Fixed storage. Only the worker thread uses it; any thread
- * may call `lastUpdateCounter`.
+ * more wait. Callers pass the time of day. Only the worker uses it; any thread may call `lastUpdateCounter`.
  */
 class LocationPipeline {
 public:
@@ -20,8 +19,8 @@ public:
     void reset(const timeval& now);
 
     /**
-     * Queues a record that was read from the segment. Logs when records before it were missed, and when the oldest one
-     * was dropped because the queue is full.
+     * Queues a record of the segment. Logs when records before it were missed, and when the queue is full and the
+     * oldest record is dropped.
      * @return false when the record is not newer than the last one taken
      */
     bool take(const GPS_LOCATION_DATA_SHARE& record);

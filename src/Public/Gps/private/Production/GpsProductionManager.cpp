@@ -11,7 +11,7 @@ namespace {
 
 constexpr GpsLog log("src/Public/Gps/private/Production/GpsProductionManager");
 
-// Announces 20 bytes of payload but has 14, and no checksum: the receiver accepts it in this form.
+// Announces 20 bytes of payload but has 14 and no checksum; the receiver accepts this form.
 constexpr unsigned char kSwitchMode[] = {0xB5, 0x62, 0x06, 0x45, 0x14, 0x00, 0x00, 0x00, 0x00, 0x00,
                                          0x00, 0x01, 0x00, 0x00, 0x01, 0x00, 0x1E, 0x00, 0xE8, 0x03};
 constexpr unsigned char kStartCheck[] = {0xB5, 0x62, 0x06, 0x59, 0x10, 0x00, 0x00, 0x01, 0xFF, 0x1E, 0xE8, 0x03,
@@ -19,7 +19,7 @@ constexpr unsigned char kStartCheck[] = {0xB5, 0x62, 0x06, 0x59, 0x10, 0x00, 0x0
 constexpr unsigned char kReset[] = {0xB5, 0x62, 0x06, 0x04, 0x04, 0x00, 0xFF, 0x87, 0x04, 0x00, 0x98, 0xFD};
 constexpr unsigned char kColdStart[] = {0xB5, 0x62, 0x06, 0x04, 0x04, 0x00, 0xFF, 0xFF, 0x02, 0x00, 0x0E, 0x61};
 
-// MonPt's factors: these decimals exactly, not the powers of two that they approximate.
+// MonPt's factors: exactly these decimals, not the powers of two near them.
 constexpr double kPtScale20 = 0.00024414062;
 constexpr double kPtScale34 = 0.00390625;
 constexpr double kPtScale32 = 1.525878e-05;
@@ -51,7 +51,7 @@ unsigned int secondListOf(const UbxFrame& frame) {
     return kMonPt2Lists + kMonPt2FirstEntry * frame.byteAt(2);
 }
 
-/** Payload bytes that the counts in a MonPt2 frame require; the frame has at least the fixed part. */
+/** Payload bytes of a MonPt2 frame with the lists that it counts; the frame has at least the part before them. */
 unsigned int monPt2Size(const UbxFrame& frame) {
     return secondListOf(frame) + kMonPt2SecondEntry * frame.byteAt(3);
 }
@@ -86,7 +86,7 @@ constexpr RefusalTexts kMonPt2Texts = {
     "parseGpsProductionDataMonPt2", "GpsProductionManager::parseGpsProductionDataMonPt2() Header Error [%02x][%02x]\n",
     "GpsProductionManager::parseGpsProductionDataMonPt2() ID Error [%02x][%02x]\n"};
 
-/** Whether a chunk is a frame of this message; logs why not unless it is cut short. */
+/** Whether a chunk is a frame of this message; logs why not, unless it ends too early to say. */
 bool isMessage(UbxMessage message, const char* data, unsigned int length, const RefusalTexts& texts) {
     const auto refuse = [&](const char* text, char first, char second) {
         QvDbgOutput::DbgPrint(log.source(), texts.function, __LINE__, GpsLog::kTag, text,

@@ -32,9 +32,9 @@ public:
 
     // Received frames, on the receive thread.
 
-    /** Notifies one listener of an acknowledgement, by the request type only, which stays until the next request. */
+    /** Notifies one listener of an acknowledgement of the last request, whose type stays until the next one. */
     bool switchGpsProductionResponse(const char* data, unsigned int length, const GpsProductionListener* listener);
-    /** False for a test result that is incomplete or too short; true for any other chunk. */
+    /** False for an incomplete test result; true for any other chunk. */
     bool parseGpsProductionData(const char* data, const GpsProductionListener* listener, unsigned int length);
     bool parseGpsProductionDataMonPt(const char* data, const GpsProductionListener* listener, unsigned int length);
     bool parseGpsProductionDataMonPt2(const char* data, const GpsProductionListener* listener, unsigned int length);

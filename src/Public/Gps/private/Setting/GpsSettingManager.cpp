@@ -1,12 +1,12 @@
 #include "Gps/private/Setting/GpsSettingManager.h"
 
 #include <algorithm>
-#include <ctime>
 
 #include "Gps/private/Listeners/GpsListenerList.h"
 #include "Gps/private/Support/GpsLog.h"
 #include "Gps/private/Support/UbxFrame.h"
 #include "GpsHal/GpsHal.h"
+#include "QvFramework/Foundation/QvHelpers.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
 namespace {
@@ -14,31 +14,22 @@ namespace {
 constexpr GpsLog log("src/Public/Gps/private/Setting/GpsSettingManager");
 
 constexpr unsigned int kCommandSize = 128;
-constexpr unsigned int kPortSpeedCommand = 0;          // sets the speed of the HAL's end
-constexpr long kSpeedChangeNanoseconds = 100'000'000;  // for the receiver, then for the HAL
-constexpr std::chrono::milliseconds kPollPatience{500};
+constexpr unsigned int kPortSpeedCommand = 0;  // sets the speed of the HAL's end
+constexpr unsigned int kSpeedChangeMs = 100;   // for the receiver, then for the HAL
+constexpr std::chrono::milliseconds kPollTimeout{500};
 constexpr unsigned char kPortPoll[] = {0xB5, 0x62, 0x06, 0x00, 0x01, 0x00, 0x00, 0x07, 0x21};
 
-/** Values of kPortSpeedCommand. */
-enum PortSpeed : unsigned int { kSpeed9600 = 0, kSpeed38400 = 2, kSpeed115200 = 4 };
-
-/** The speed that a setting requests; none for other settings. */
-std::optional<PortSpeed> speedOf(GpsSetting setting) {
+/** The value of kPortSpeedCommand for a setting of the speed; none for other settings. */
+std::optional<unsigned int> speedOf(GpsSetting setting) {
     switch (setting) {
         case GPS_SETTING_BAUD_9600:
-            return kSpeed9600;
+            return 0;
         case GPS_SETTING_BAUD_38400:
-            return kSpeed38400;
+            return 2;
         case GPS_SETTING_BAUD_115200:
-            return kSpeed115200;
+            return 4;
         default:
             return std::nullopt;
-    }
-}
-
-void waitForSpeedChange() {
-    timespec left{0, kSpeedChangeNanoseconds};
-    while (nanosleep(&left, &left) != 0) {
     }
 }
 
@@ -77,20 +68,20 @@ bool GpsSettingManager::requestGpsSetting(GpsSetting setting, bool canWait) {
 }
 
 /**
- * Awaits the answer to a poll before it sends a command, which that answer would settle otherwise. gCommandSync is free
- * meanwhile: a notification that makes a request takes it on the thread that takes the answer.
+ * Waits for the answer to a poll before it sends a command, which that answer would otherwise settle. gCommandSync is
+ * free meanwhile: a request in a notification takes it on the receive thread, which takes the answer.
  */
 bool GpsSettingManager::applyInTurn(GpsSetting setting, const char* command, unsigned int length, bool canWait) {
-    for (unsigned int patience = 0;;) {
-        mPollAnswered.WaitEvent(patience);
+    for (unsigned int timeout = 0;;) {
+        mPollAnswered.WaitEvent(timeout);
         const QvSyncGuard guard(gCommandSync);
-        patience = canWait ? pollPatience() : 0;
-        if (patience == 0) return apply(setting, command, length);
+        timeout = canWait ? pollTimeLeft() : 0;
+        if (timeout == 0) return apply(setting, command, length);
     }
 }
 
-/** Milliseconds for which the answer to the last poll is still awaited. */
-unsigned int GpsSettingManager::pollPatience() {
+/** Milliseconds for which a command still waits for the answer to the last poll. */
+unsigned int GpsSettingManager::pollTimeLeft() {
     if (mPollAnswered.WaitEvent(0) == 0) return 0;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(mPollDeadline - Clock::now()).count();
     return static_cast<unsigned int>(std::max<decltype(left)>(left, 0));
@@ -105,8 +96,8 @@ bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned 
     }
     mBaseGeodeticSystem = shared.baseGeodeticSystem;
     mSettingFinishFlg = shared.settingFinishFlg != 0;
-    const std::optional<PortSpeed> speed = speedOf(setting);
-    return !speed.has_value() || changeSpeed(*speed);
+    const std::optional<unsigned int> speed = speedOf(setting);
+    return !speed || changeSpeed(*speed);
 }
 
 /**
@@ -138,16 +129,16 @@ bool GpsSettingManager::sendInOrder(GpsSetting setting, const char* command, uns
 
 /** Sets the HAL to the receiver's new speed, at which the receiver answers the poll. */
 bool GpsSettingManager::changeSpeed(unsigned int value) {
-    waitForSpeedChange();
+    qv_msleep(kSpeedChangeMs);
     if (!mpGpsHal->sendCommand(kPortSpeedCommand, value)) return false;
-    waitForSpeedChange();
+    qv_msleep(kSpeedChangeMs);
     {
         QvSyncGuard guard(mPendingSync);
         mAnswersDue = 1;
         mPollAnswered.ResetEvent();
     }
     if (!mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll))) return false;
-    mPollDeadline = Clock::now() + kPollPatience;
+    mPollDeadline = Clock::now() + kPollTimeout;
     return true;
 }
 

@@ -75,7 +75,7 @@ private:
     static constexpr unsigned int kMaxPending = 24;
 
     bool applyInTurn(GpsSetting setting, const char* command, unsigned int length, bool canWait);
-    unsigned int pollPatience() QV_REQUIRES(gCommandSync);
+    unsigned int pollTimeLeft() QV_REQUIRES(gCommandSync);
     bool apply(GpsSetting setting, const char* command, unsigned int length) QV_REQUIRES(gCommandSync);
     bool sendInOrder(GpsSetting setting, const char* command, unsigned int length) QV_REQUIRES(gCommandSync);
     bool changeSpeed(unsigned int value) QV_REQUIRES(gCommandSync);

@@ -32,8 +32,8 @@ enum class DatumDelivery {
 };
 
 /**
- * The datum rule, for the receiver's datum (`base`) and the listener's (`wanted`). There is no conversion to Tokyo, and
- * data in an unknown datum are never delivered.
+ * How data in the receiver's datum (`base`) get to a listener of a datum (`wanted`). There is no conversion to Tokyo,
+ * and data in an unknown datum are never delivered.
  */
 constexpr DatumDelivery datumDelivery(GeodeticSystem base, GeodeticSystem wanted) {
     if (base == GEODETIC_SYSTEM_WGS84 && wanted == GEODETIC_SYSTEM_WGS84) return DatumDelivery::AsReceived;

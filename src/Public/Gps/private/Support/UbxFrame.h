@@ -15,8 +15,8 @@ enum class UbxMessage : int {
 };
 
 /**
- * View of a chunk as a UBX frame: B5 62, class, id, length of the payload (low byte first), payload, checksum. The
- * chunk may hold any bytes and end anywhere; the checksum is not checked.
+ * A chunk read as a UBX frame: B5 62, class, id, length of the payload (low byte first), payload, checksum. The chunk
+ * may hold any bytes and end anywhere; the checksum is not checked.
  */
 class UbxFrame {
 public:
