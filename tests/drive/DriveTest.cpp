@@ -542,8 +542,10 @@ TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
     }
     EXPECT_EQ(witness.monitorFrames, drive.receiver->state().checkResults);
     const auto isAntennaKnown = [&] {
-        const char* const status = std::array{"=OK", "=OPEN", "=SHORT"}[witness.antenna];
-        return drive.receiver->state().antennaText.find(status) != std::string::npos;
+        constexpr std::array kTexts{"=OK", "=OPEN", "=SHORT"};
+        const int status = witness.antenna;
+        return status >= 0 &&
+               drive.receiver->state().antennaText.find(kTexts.at(std::size_t(status))) != std::string::npos;
     };
     // The last text may have been lost while unplugged; the receiver repeats it.
     for (const auto end = Clock::now() + 5s; !isAntennaKnown() && Clock::now() < end;)

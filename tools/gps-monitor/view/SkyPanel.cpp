@@ -2,6 +2,7 @@
 #include <cmath>
 #include <numbers>
 #include <string>
+#include <tuple>
 
 #include "tools/gps-monitor/view/View.h"
 
@@ -95,8 +96,8 @@ void drawSky(Panel panel, const View& view, const std::vector<Satellite>& satell
         labels.tryWrite(map.place(90 * i, 0), kPoints[i], Style::label);
 
     std::vector<Satellite> ordered = satellites;  // the used ones first, then the strong ones
-    std::stable_sort(ordered.begin(), ordered.end(), [](const Satellite& a, const Satellite& b) {
-        return std::pair(a.used, a.snr) > std::pair(b.used, b.snr);
+    std::sort(ordered.begin(), ordered.end(), [](const Satellite& a, const Satellite& b) {
+        return std::tuple(b.used, b.snr, a.system, a.id) < std::tuple(a.used, a.snr, b.system, b.id);
     });
     for (const Satellite& satellite : ordered) {
         const bool isStrong = satellite.used && !view.isStale(satellite.time);
