@@ -18,22 +18,22 @@ bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int lengt
     return parseNmeaSentence(data, length, Recipients(listeners, count, base, settingFinished));
 }
 
-#define PARSE_FOR_ARRAY(operation, Record)                                                                       \
+#define PARSE_FOR_ARRAY(operation, RecordPointer)                                                                \
     bool GpsParseNmeaManager::operation(const char* text, const GPS_PARSE_NMEA_LISTENER_LIST* listeners,         \
-                                        unsigned int count, Record* record, GeodeticSystem base,                 \
+                                        unsigned int count, RecordPointer record, GeodeticSystem base,           \
                                         bool settingFinished) {                                                  \
         const sentence_text::Sentence sentence(text);                                                            \
         return parse(text != nullptr ? &sentence : nullptr, Recipients(listeners, count, base, settingFinished), \
                      *record);                                                                                   \
     }
-PARSE_FOR_ARRAY(parseGgaSentence, GPGGA)
-PARSE_FOR_ARRAY(parseGllSentence, GPGLL)
-PARSE_FOR_ARRAY(parseGsaSentence, GPGSA)
-PARSE_FOR_ARRAY(parseGsvSentence, GPGSV)
-PARSE_FOR_ARRAY(parseRmcSentence, GPRMC)
-PARSE_FOR_ARRAY(parseVtgSentence, GPVTG)
-PARSE_FOR_ARRAY(parseZdaSentence, GPZDA)
-PARSE_FOR_ARRAY(receiveParsePubxSentence, PUBX)
+PARSE_FOR_ARRAY(parseGgaSentence, GPGGA*)
+PARSE_FOR_ARRAY(parseGllSentence, GPGLL*)
+PARSE_FOR_ARRAY(parseGsaSentence, GPGSA*)
+PARSE_FOR_ARRAY(parseGsvSentence, GPGSV*)
+PARSE_FOR_ARRAY(parseRmcSentence, GPRMC*)
+PARSE_FOR_ARRAY(parseVtgSentence, GPVTG*)
+PARSE_FOR_ARRAY(parseZdaSentence, GPZDA*)
+PARSE_FOR_ARRAY(receiveParsePubxSentence, PUBX*)
 #undef PARSE_FOR_ARRAY
 
 bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int length, const Recipients& recipients) {

@@ -139,7 +139,7 @@ bool splitCoordinate(const Token& field, std::size_t degreeDigits, double& value
         const int last = Token(text + point + 1 + read, rest).fewDigits();
         if ((wholeDegrees | wholeMinutes | fraction | last) >= 0) {
             const std::int64_t minuteDigits = wholeMinutes * kPowersOfTen<std::int64_t>[read] + fraction;
-            const std::int64_t all = wholeDegrees * 100 * kPowersOfTen<std::int64_t>[read] + minuteDigits;
+            const std::int64_t all = wholeDegrees * (100 * kPowersOfTen<std::int64_t>[read]) + minuteDigits;
             degrees = wholeDegrees;
             minutes = ratio(minuteDigits, read);
             value = ratio(all * kPowersOfTen<std::int64_t>[rest] + last, decimals);
