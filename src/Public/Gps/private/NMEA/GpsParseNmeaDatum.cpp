@@ -90,10 +90,10 @@ bool quantiseSafely(double radians, double tangent, int& quanta) {
 }
 
 /**
- * The same result from the small angles by which the shift turns a position. The sine and cosine of the parametric
- * latitude come from its sides, so no large arc tangent is needed. Errors, below 1e-5 of a quantum, matter only near a
- * step of the quantisation. False there, near the poles and the date line, where the angles are large or wrap, and for
- * values that are no position.
+ * The same result from the small angles by which the shift turns a position. The sides of the parametric latitude give
+ * its sine and cosine, so no large arc tangent is needed. Errors, below 1e-5 of a quantum, matter only near a step of
+ * the quantisation. False there, near the poles and the date line, where the angles are large or wrap, and for values
+ * that are no position.
  */
 bool toWgs84Quickly(double phi, double lambda, Quanta& result) {
     constexpr double kLargestPhi = 1.4;
@@ -108,11 +108,10 @@ bool toWgs84Quickly(double phi, double lambda, Quanta& result) {
     const double p = along + across * lambdaTurn / 2;  // the root of the sum of their squares, to 1e-8 m
     const double z = n * kBesselOneMinusEccentricitySquared * north.sine + kShiftZ;
     const double adjacent = p * kWgs84AxisRatio;
-    const double scale = 1.0 / std::sqrt(adjacent * adjacent + z * z);
-    const double sinTheta = z * scale;
-    const double cosTheta = adjacent * scale;
-    const double up = z + kWgs84SecondTimesSemiMinor * sinTheta * sinTheta * sinTheta;
-    const double out = p - kWgs84FirstTimesSemiMajor * cosTheta * cosTheta * cosTheta;
+    const double squares = adjacent * adjacent + z * z;
+    const double cube = squares * std::sqrt(squares);
+    const double up = z + kWgs84SecondTimesSemiMinor * z * z * z / cube;
+    const double out = p - kWgs84FirstTimesSemiMajor * adjacent * adjacent * adjacent / cube;
     const double phiTurn = (up * north.cosine - out * north.sine) / (out * north.cosine + up * north.sine);
     return quantiseSafely(phi, phiTurn, result.latitude) && quantiseSafely(lambda, lambdaTurn, result.longitude);
 }
