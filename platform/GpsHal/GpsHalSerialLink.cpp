@@ -4,6 +4,7 @@
 #include <linux/major.h>
 #include <linux/serial.h>
 #include <poll.h>
+#include <pthread.h>
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -25,6 +26,14 @@ namespace {
 constexpr int kNoDevice = -1;
 constexpr std::chrono::seconds kWriteTimeout{2};
 constexpr int kDrainPollMs = 2;
+
+std::atomic<int> gHeldDevice{kNoDevice};  // the one that this process opened last
+
+/** In a forked child, whose copy of the descriptor would keep the device in use after its parent is killed. */
+void closeInheritedDevice() {
+    const int device = gHeldDevice.exchange(kNoDevice);
+    if (device != kNoDevice) ::close(device);
+}
 
 bool isDrained(int device) {
     int waiting = 0;
@@ -64,11 +73,13 @@ bool isPseudoTerminal(int device) {
     return major(status.st_rdev) < UNIX98_PTY_SLAVE_MAJOR + UNIX98_PTY_MAJOR_COUNT;
 }
 
-/** Releases the device, even when a forked child still has the descriptor, and closes it. Keeps errno. */
+/** Releases the device, even when another process still has the descriptor, and closes it. Keeps errno. */
 void release(int device) {
     const int reason = errno;
+    int held = device;
     ioctl(device, TIOCNXCL);
     flock(device, LOCK_UN);
+    gHeldDevice.compare_exchange_strong(held, kNoDevice);
     ::close(device);
     errno = reason;
 }
@@ -87,9 +98,12 @@ int openDevice(const char* path, unsigned speed) {
         errno = reason;
         return kNoDevice;
     }
-    if ((isPseudoTerminal(device) || ioctl(device, TIOCEXCL) == 0) && configure(device, speed)) return device;
-    release(device);
-    return kNoDevice;
+    if ((!isPseudoTerminal(device) && ioctl(device, TIOCEXCL) != 0) || !configure(device, speed)) {
+        release(device);
+        return kNoDevice;
+    }
+    [[maybe_unused]] static const int result = pthread_atfork(nullptr, nullptr, &closeInheritedDevice);
+    return gHeldDevice = device;
 }
 
 }  // namespace

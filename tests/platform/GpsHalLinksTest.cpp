@@ -108,16 +108,20 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     second.close();
     killProcess(child);
 
-    Signal opened;
+    Signal opened, end;
     const pid_t holder = startProcess([&] {
         EXPECT_TRUE(mLink.open());
-        opened.give();
+        if (fork() == 0) {
+            opened.give();
+            _exit(end.wait() ? 0 : 1);
+        }
         pause();
     });
     ASSERT_TRUE(opened.wait());
     EXPECT_FALSE(mLink.open());
     killProcess(holder);
-    EXPECT_TRUE(mLink.open()) << "released by the death of its holder";
+    EXPECT_TRUE(mLink.open()) << "released by the death of its holder, though not of its child";
+    end.give();
 }
 
 TEST_F(SerialLinkTest, ClosingEndsAWaitingReadAndAWaitingWrite) {
