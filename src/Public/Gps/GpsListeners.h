@@ -20,8 +20,9 @@
  * unregistration returns without waiting.
  *
  * Pointers passed to a notification are valid during that call only. Notifications should return soon: the receive
- * thread reads nothing meanwhile. One object may be notified on several threads (named below) at the same time. No
- * notification may throw.
+ * thread reads nothing meanwhile. One object may be notified on several threads (named below) at the same time. The
+ * library's threads block all signals, and a program that a notification starts inherits that. No notification may
+ * throw.
  */
 
 /** Raw sentences. Called on the receive thread. */
