@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include "QvFramework/Foundation/QvSync.h"
@@ -14,26 +15,7 @@ namespace {
 struct DestroyFunctions {
     QvSync sync;
     std::vector<void (*)()> functions QV_GUARDED_BY(sync);
-    const DestroyFunctions* const parents;  // of the process that forked this one; keeps them reachable
-
-    explicit DestroyFunctions(const DestroyFunctions* ofParent) : parents(ofParent) {}
-
-    static DestroyFunctions& instance() { return *current(); }
-
-    // Never destroyed: a singleton may be created and destroyed after this library's static destructors.
-    static std::atomic<DestroyFunctions*>& current() {
-        static auto& current = *new std::atomic<DestroyFunctions*>(makeFirst());
-        return current;
-    }
-
-    static DestroyFunctions* makeFirst() {
-        pthread_atfork(nullptr, nullptr, &replaceInChild);
-        return new DestroyFunctions(nullptr);
-    }
-
-    /** A forked child destroys only its own singletons: its parent's would wait for threads that it does not have, and
-     *  another thread may have held the lock at the fork. */
-    static void replaceInChild() { current() = new DestroyFunctions(current()); }
+    DestroyFunctions* next = nullptr;  // of those inherited
 
     bool add(void (*function)()) {
         QvSyncGuard guard(sync);
@@ -50,16 +32,39 @@ struct DestroyFunctions {
     }
 };
 
+// Never destroyed: a singleton may be created and destroyed after this library's static destructors.
+constinit std::atomic<DestroyFunctions*> gOwn{nullptr};
+constinit DestroyFunctions* gInherited = nullptr;  // from the processes that forked this one; keeps them reachable
+
+/** A forked child destroys only its own singletons: its parent's would wait for threads that it does not have, and
+ *  another thread may have held the lock at the fork. */
+void dropInherited() {
+    DestroyFunctions* const inherited = gOwn.exchange(nullptr);
+    if (inherited == nullptr) return;
+    inherited->next = gInherited;
+    gInherited = inherited;
+}
+
+DestroyFunctions& ownFunctions() {
+    [[maybe_unused]] static const int result = pthread_atfork(nullptr, nullptr, &dropInherited);
+    DestroyFunctions* found = gOwn;
+    if (found != nullptr) return *found;
+    auto created = std::make_unique<DestroyFunctions>();
+    return gOwn.compare_exchange_strong(found, created.get()) ? *created.release() : *found;
+}
+
 }  // namespace
 
 void QvSingletonFinalizer::addDestroyFunc(void (*function)()) {
-    const bool isFirst = DestroyFunctions::instance().add(function);
+    const bool isFirst = ownFunctions().add(function);
     // This works even while the process is exiting: a handler added then still runs.
     if (isFirst) std::atexit(&QvSingletonFinalizer::finalize);
 }
 
 void QvSingletonFinalizer::finalize() {
-    while (void (*const function)() = DestroyFunctions::instance().takeNewest()) {
+    DestroyFunctions* const functions = gOwn;
+    if (functions == nullptr) return;
+    while (void (*const function)() = functions->takeNewest()) {
         function();
     }
 }
