@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <functional>
@@ -107,12 +108,19 @@ protected:
     std::shared_ptr<GpsHalMemoryPeer> mPeer;
 };
 
+bool blocksSignals() {
+    sigset_t mask;
+    pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+    return sigismember(&mask, SIGINT) == 1;
+}
+
 TEST_F(GpsHalTest, ReceivesAndSendsBetweenStartAndStopOnly) {
-    ChunkObserver observer(mHal);
+    ChunkObserver observer(mHal, [] { EXPECT_TRUE(blocksSignals()); });
     for (const std::string& sentence : kSentences) {
         unsigned speed = 2;
         EXPECT_FALSE(send("x") || mHal->sendCommand(0, speed) || mHal->stop());
         ASSERT_TRUE(mHal->start());
+        EXPECT_FALSE(blocksSignals()) << "on the client's thread";
         receive(sentence);
         EXPECT_TRUE(send(sentence) && mHal->sendCommand(0, speed) && mHal->stop());
         EXPECT_TRUE(mPeer->waitForOpen(false, 0));
