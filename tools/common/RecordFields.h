@@ -13,7 +13,7 @@
 #include "Gps/GpsProductionRecords.h"
 
 /**
- * The records as lists of named fields, in declaration order, for printing them in any form.
+ * The records as lists of named fields, in the order of declaration.
  *
  * `visitFields(record, visitor)` calls `visitor(name, value)` once for every field. `name` is a `const char*` of static
  * storage; `value` is one of
@@ -46,191 +46,91 @@ CountedField(const char*, Array Record::*, Count Record::*) -> CountedField<Reco
 template <class Record>
 inline constexpr std::tuple<> kFields;
 
+#define FIELD(Record, member) (Field{#member, &Record::member})
+
 template <>
-inline constexpr std::tuple kFields<GPGGA>{
-    Field{"SatType", &GPGGA::SatType},
-    Field{"Hour", &GPGGA::Hour},
-    Field{"Minute", &GPGGA::Minute},
-    Field{"Second", &GPGGA::Second},
-    Field{"MilliSecond", &GPGGA::MilliSecond},
-    Field{"Lat", &GPGGA::Lat},
-    Field{"LatDeg", &GPGGA::LatDeg},
-    Field{"LatMin", &GPGGA::LatMin},
-    Field{"Lon", &GPGGA::Lon},
-    Field{"LonDeg", &GPGGA::LonDeg},
-    Field{"LonMin", &GPGGA::LonMin},
-    Field{"Quality", &GPGGA::Quality},
-    Field{"SatView", &GPGGA::SatView},
-    Field{"HDOP", &GPGGA::HDOP},
-    Field{"Alt", &GPGGA::Alt},
-    Field{"Geo", &GPGGA::Geo},
-    Field{"DGPS_Age", &GPGGA::DGPS_Age},
-    Field{"DGPS_ID", &GPGGA::DGPS_ID},
-};
+inline constexpr std::tuple kFields<GPGGA>{FIELD(GPGGA, SatType), FIELD(GPGGA, Hour),        FIELD(GPGGA, Minute),
+                                           FIELD(GPGGA, Second),  FIELD(GPGGA, MilliSecond), FIELD(GPGGA, Lat),
+                                           FIELD(GPGGA, LatDeg),  FIELD(GPGGA, LatMin),      FIELD(GPGGA, Lon),
+                                           FIELD(GPGGA, LonDeg),  FIELD(GPGGA, LonMin),      FIELD(GPGGA, Quality),
+                                           FIELD(GPGGA, SatView), FIELD(GPGGA, HDOP),        FIELD(GPGGA, Alt),
+                                           FIELD(GPGGA, Geo),     FIELD(GPGGA, DGPS_Age),    FIELD(GPGGA, DGPS_ID)};
 
 template <>
 inline constexpr std::tuple kFields<GPGLL>{
-    Field{"SatType", &GPGLL::SatType},
-    Field{"Lat", &GPGLL::Lat},
-    Field{"LatDeg", &GPGLL::LatDeg},
-    Field{"LatMin", &GPGLL::LatMin},
-    Field{"Lon", &GPGLL::Lon},
-    Field{"LonDeg", &GPGLL::LonDeg},
-    Field{"LonMin", &GPGLL::LonMin},
-    Field{"Hour", &GPGLL::Hour},
-    Field{"Minute", &GPGLL::Minute},
-    Field{"Second", &GPGLL::Second},
-    Field{"MilliSecond", &GPGLL::MilliSecond},
-    Field{"Status", &GPGLL::Status},
-    Field{"Mode", &GPGLL::Mode},
-};
+    FIELD(GPGLL, SatType),     FIELD(GPGLL, Lat),    FIELD(GPGLL, LatDeg), FIELD(GPGLL, LatMin), FIELD(GPGLL, Lon),
+    FIELD(GPGLL, LonDeg),      FIELD(GPGLL, LonMin), FIELD(GPGLL, Hour),   FIELD(GPGLL, Minute), FIELD(GPGLL, Second),
+    FIELD(GPGLL, MilliSecond), FIELD(GPGLL, Status), FIELD(GPGLL, Mode)};
 
 template <>
 inline constexpr std::tuple kFields<GPGSA>{
-    Field{"SatType", &GPGSA::SatType},
-    Field{"SentenceNum", &GPGSA::SentenceNum},
-    Field{"OperationMode", &GPGSA::OperationMode},
-    Field{"FixType", &GPGSA::FixType},
-    Field{"SatUsed", &GPGSA::SatUsed},
-    Field{"PDOP", &GPGSA::PDOP},
-    Field{"HDOP", &GPGSA::HDOP},
-    Field{"VDOP", &GPGSA::VDOP},
-};
+    FIELD(GPGSA, SatType), FIELD(GPGSA, SentenceNum), FIELD(GPGSA, OperationMode), FIELD(GPGSA, FixType),
+    FIELD(GPGSA, SatUsed), FIELD(GPGSA, PDOP),        FIELD(GPGSA, HDOP),          FIELD(GPGSA, VDOP)};
 
 template <>
-inline constexpr std::tuple kFields<GPGSV_SATELLITE>{
-    Field{"SatID", &GPGSV_SATELLITE::SatID},         Field{"Used", &GPGSV_SATELLITE::Used},
-    Field{"Elevation", &GPGSV_SATELLITE::Elevation}, Field{"SNR", &GPGSV_SATELLITE::SNR},
-    Field{"Azimuth", &GPGSV_SATELLITE::Azimuth},
-};
+inline constexpr std::tuple kFields<GPGSV_SATELLITE>{FIELD(GPGSV_SATELLITE, SatID), FIELD(GPGSV_SATELLITE, Used),
+                                                     FIELD(GPGSV_SATELLITE, Elevation), FIELD(GPGSV_SATELLITE, SNR),
+                                                     FIELD(GPGSV_SATELLITE, Azimuth)};
 
 template <>
-inline constexpr std::tuple kFields<GPGSV>{
-    Field{"SatType", &GPGSV::SatType},
-    Field{"MessageTotal", &GPGSV::MessageTotal},
-    Field{"MessageNum", &GPGSV::MessageNum},
-    Field{"SatView", &GPGSV::SatView},
-    CountedField{"Sat", &GPGSV::Sat, &GPGSV::SatView},
-};
+inline constexpr std::tuple kFields<GPGSV>{FIELD(GPGSV, SatType), FIELD(GPGSV, MessageTotal), FIELD(GPGSV, MessageNum),
+                                           FIELD(GPGSV, SatView), CountedField{"Sat", &GPGSV::Sat, &GPGSV::SatView}};
 
 template <>
 inline constexpr std::tuple kFields<GPRMC>{
-    Field{"SatType", &GPRMC::SatType},
-    Field{"Hour", &GPRMC::Hour},
-    Field{"Minute", &GPRMC::Minute},
-    Field{"Second", &GPRMC::Second},
-    Field{"MilliSecond", &GPRMC::MilliSecond},
-    Field{"Status", &GPRMC::Status},
-    Field{"Lat", &GPRMC::Lat},
-    Field{"LatDeg", &GPRMC::LatDeg},
-    Field{"LatMin", &GPRMC::LatMin},
-    Field{"Lon", &GPRMC::Lon},
-    Field{"LonDeg", &GPRMC::LonDeg},
-    Field{"LonMin", &GPRMC::LonMin},
-    Field{"Speed", &GPRMC::Speed},
-    Field{"Dir", &GPRMC::Dir},
-    Field{"Year", &GPRMC::Year},
-    Field{"Month", &GPRMC::Month},
-    Field{"Day", &GPRMC::Day},
-    Field{"MagDec", &GPRMC::MagDec},
-    Field{"Mode", &GPRMC::Mode},
-};
+    FIELD(GPRMC, SatType), FIELD(GPRMC, Hour),   FIELD(GPRMC, Minute), FIELD(GPRMC, Second), FIELD(GPRMC, MilliSecond),
+    FIELD(GPRMC, Status),  FIELD(GPRMC, Lat),    FIELD(GPRMC, LatDeg), FIELD(GPRMC, LatMin), FIELD(GPRMC, Lon),
+    FIELD(GPRMC, LonDeg),  FIELD(GPRMC, LonMin), FIELD(GPRMC, Speed),  FIELD(GPRMC, Dir),    FIELD(GPRMC, Year),
+    FIELD(GPRMC, Month),   FIELD(GPRMC, Day),    FIELD(GPRMC, MagDec), FIELD(GPRMC, Mode)};
 
 template <>
-inline constexpr std::tuple kFields<GPVTG>{
-    Field{"SatType", &GPVTG::SatType},     Field{"Dir", &GPVTG::Dir},           Field{"MagDir", &GPVTG::MagDir},
-    Field{"SpeedKnot", &GPVTG::SpeedKnot}, Field{"SpeedKMH", &GPVTG::SpeedKMH}, Field{"Mode", &GPVTG::Mode},
-};
+inline constexpr std::tuple kFields<GPVTG>{FIELD(GPVTG, SatType),   FIELD(GPVTG, Dir),      FIELD(GPVTG, MagDir),
+                                           FIELD(GPVTG, SpeedKnot), FIELD(GPVTG, SpeedKMH), FIELD(GPVTG, Mode)};
 
 template <>
-inline constexpr std::tuple kFields<GPZDA>{
-    Field{"SatType", &GPZDA::SatType},
-    Field{"Hour", &GPZDA::Hour},
-    Field{"Minute", &GPZDA::Minute},
-    Field{"Second", &GPZDA::Second},
-    Field{"MilliSecond", &GPZDA::MilliSecond},
-    Field{"Year", &GPZDA::Year},
-    Field{"Month", &GPZDA::Month},
-    Field{"Day", &GPZDA::Day},
-    Field{"LocalHour", &GPZDA::LocalHour},
-    Field{"LocalMinute", &GPZDA::LocalMinute},
-};
+inline constexpr std::tuple kFields<GPZDA>{FIELD(GPZDA, SatType),    FIELD(GPZDA, Hour),        FIELD(GPZDA, Minute),
+                                           FIELD(GPZDA, Second),     FIELD(GPZDA, MilliSecond), FIELD(GPZDA, Year),
+                                           FIELD(GPZDA, Month),      FIELD(GPZDA, Day),         FIELD(GPZDA, LocalHour),
+                                           FIELD(GPZDA, LocalMinute)};
 
 template <>
 inline constexpr std::tuple kFields<PUBX>{
-    Field{"MessageID", &PUBX::MessageID},
-    Field{"Hour", &PUBX::Hour},
-    Field{"Minute", &PUBX::Minute},
-    Field{"Second", &PUBX::Second},
-    Field{"MilliSecond", &PUBX::MilliSecond},
-    Field{"Lat", &PUBX::Lat},
-    Field{"LatDeg", &PUBX::LatDeg},
-    Field{"LatMin", &PUBX::LatMin},
-    Field{"Lon", &PUBX::Lon},
-    Field{"LonDeg", &PUBX::LonDeg},
-    Field{"LonMin", &PUBX::LonMin},
-    Field{"AltRef", &PUBX::AltRef},
-    Field{"Status", &PUBX::Status},
-    Field{"hacc", &PUBX::hacc},
-    Field{"vacc", &PUBX::vacc},
-    Field{"Speed", &PUBX::Speed},
-    Field{"Dir", &PUBX::Dir},
-    Field{"vVel", &PUBX::vVel},
-    Field{"DGPS_Age", &PUBX::DGPS_Age},
-    Field{"HDOP", &PUBX::HDOP},
-    Field{"VDOP", &PUBX::VDOP},
-    Field{"TDOP", &PUBX::TDOP},
-    Field{"SatView", &PUBX::SatView},
-    Field{"DR_MODE", &PUBX::DR_MODE},
-};
+    FIELD(PUBX, MessageID), FIELD(PUBX, Hour),   FIELD(PUBX, Minute),  FIELD(PUBX, Second),   FIELD(PUBX, MilliSecond),
+    FIELD(PUBX, Lat),       FIELD(PUBX, LatDeg), FIELD(PUBX, LatMin),  FIELD(PUBX, Lon),      FIELD(PUBX, LonDeg),
+    FIELD(PUBX, LonMin),    FIELD(PUBX, AltRef), FIELD(PUBX, Status),  FIELD(PUBX, hacc),     FIELD(PUBX, vacc),
+    FIELD(PUBX, Speed),     FIELD(PUBX, Dir),    FIELD(PUBX, vVel),    FIELD(PUBX, DGPS_Age), FIELD(PUBX, HDOP),
+    FIELD(PUBX, VDOP),      FIELD(PUBX, TDOP),   FIELD(PUBX, SatView), FIELD(PUBX, DR_MODE)};
 
 template <>
-inline constexpr std::tuple kFields<PARSE_NMEA>{
-    Field{"Gga", &PARSE_NMEA::Gga}, Field{"Gll", &PARSE_NMEA::Gll}, Field{"Gsa", &PARSE_NMEA::Gsa},
-    Field{"Gsv", &PARSE_NMEA::Gsv}, Field{"Rmc", &PARSE_NMEA::Rmc}, Field{"Vtg", &PARSE_NMEA::Vtg},
-};
+inline constexpr std::tuple kFields<PARSE_NMEA>{FIELD(PARSE_NMEA, Gga), FIELD(PARSE_NMEA, Gll), FIELD(PARSE_NMEA, Gsa),
+                                                FIELD(PARSE_NMEA, Gsv), FIELD(PARSE_NMEA, Rmc), FIELD(PARSE_NMEA, Vtg)};
 
 template <>
-inline constexpr std::tuple kFields<PASCD_SAMPLE>{
-    Field{"ValueA", &PASCD_SAMPLE::ValueA},
-    Field{"ValueB", &PASCD_SAMPLE::ValueB},
-};
+inline constexpr std::tuple kFields<PASCD_SAMPLE>{FIELD(PASCD_SAMPLE, ValueA), FIELD(PASCD_SAMPLE, ValueB)};
 
 template <>
-inline constexpr std::tuple kFields<PASCD>{
-    Field{"Head1", &PASCD::Head1}, Field{"Head2", &PASCD::Head2}, Field{"Head3", &PASCD::Head3},
-    Field{"Head4", &PASCD::Head4}, Field{"Head5", &PASCD::Head5}, Field{"Sample", &PASCD::Sample},
-};
+inline constexpr std::tuple kFields<PASCD>{FIELD(PASCD, Head1), FIELD(PASCD, Head2), FIELD(PASCD, Head3),
+                                           FIELD(PASCD, Head4), FIELD(PASCD, Head5), FIELD(PASCD, Sample)};
 
 template <>
-inline constexpr std::tuple kFields<LOCATION_DATA>{
-    Field{"Gga", &LOCATION_DATA::Gga},
-    Field{"Rmc", &LOCATION_DATA::Rmc},
-    Field{"Pascd", &LOCATION_DATA::Pascd},
-};
+inline constexpr std::tuple kFields<LOCATION_DATA>{FIELD(LOCATION_DATA, Gga), FIELD(LOCATION_DATA, Rmc),
+                                                   FIELD(LOCATION_DATA, Pascd)};
 
 template <>
 inline constexpr std::tuple kFields<PRODUCTION_DATA>{
-    Field{"ptValue4", &PRODUCTION_DATA::ptValue4},   Field{"ptValue20", &PRODUCTION_DATA::ptValue20},
-    Field{"ptValue24", &PRODUCTION_DATA::ptValue24}, Field{"ptValue34", &PRODUCTION_DATA::ptValue34},
-    Field{"ptValue36", &PRODUCTION_DATA::ptValue36}, Field{"ptValue40", &PRODUCTION_DATA::ptValue40},
-    Field{"ptValue48", &PRODUCTION_DATA::ptValue48}, Field{"ptValue39", &PRODUCTION_DATA::ptValue39},
-    Field{"ptValue32", &PRODUCTION_DATA::ptValue32},
-};
+    FIELD(PRODUCTION_DATA, ptValue4),  FIELD(PRODUCTION_DATA, ptValue20), FIELD(PRODUCTION_DATA, ptValue24),
+    FIELD(PRODUCTION_DATA, ptValue34), FIELD(PRODUCTION_DATA, ptValue36), FIELD(PRODUCTION_DATA, ptValue40),
+    FIELD(PRODUCTION_DATA, ptValue48), FIELD(PRODUCTION_DATA, ptValue39), FIELD(PRODUCTION_DATA, ptValue32)};
 
 template <>
 inline constexpr std::tuple kFields<GPS_PRODUCTION_CHECK_DATA>{
-    Field{"checkValid", &GPS_PRODUCTION_CHECK_DATA::checkValid},
-    Field{"pt2Value12", &GPS_PRODUCTION_CHECK_DATA::pt2Value12},
-    Field{"pt2Value16", &GPS_PRODUCTION_CHECK_DATA::pt2Value16},
-    Field{"pt2Value20", &GPS_PRODUCTION_CHECK_DATA::pt2Value20},
-    Field{"pt2FirstEntry0", &GPS_PRODUCTION_CHECK_DATA::pt2FirstEntry0},
-    Field{"pt2Entry4", &GPS_PRODUCTION_CHECK_DATA::pt2Entry4},
-    Field{"pt2Entry6", &GPS_PRODUCTION_CHECK_DATA::pt2Entry6},
-    Field{"pt2Entry24", &GPS_PRODUCTION_CHECK_DATA::pt2Entry24},
-    Field{"pt2Entry25", &GPS_PRODUCTION_CHECK_DATA::pt2Entry25},
-    Field{"pt2Entry22", &GPS_PRODUCTION_CHECK_DATA::pt2Entry22},
-};
+    FIELD(GPS_PRODUCTION_CHECK_DATA, checkValid),     FIELD(GPS_PRODUCTION_CHECK_DATA, pt2Value12),
+    FIELD(GPS_PRODUCTION_CHECK_DATA, pt2Value16),     FIELD(GPS_PRODUCTION_CHECK_DATA, pt2Value20),
+    FIELD(GPS_PRODUCTION_CHECK_DATA, pt2FirstEntry0), FIELD(GPS_PRODUCTION_CHECK_DATA, pt2Entry4),
+    FIELD(GPS_PRODUCTION_CHECK_DATA, pt2Entry6),      FIELD(GPS_PRODUCTION_CHECK_DATA, pt2Entry24),
+    FIELD(GPS_PRODUCTION_CHECK_DATA, pt2Entry25),     FIELD(GPS_PRODUCTION_CHECK_DATA, pt2Entry22)};
+
+#undef FIELD
 
 /** A record whose fields are described here. */
 template <class Type>
