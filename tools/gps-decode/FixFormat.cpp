@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "Gps/GpsDegrees.h"
+
 namespace decode {
 
 namespace {
@@ -13,17 +15,11 @@ std::optional<double> unlessEmpty(double value, const Event& event, unsigned fie
     return value;
 }
 
-/** Degrees of ddmm.mmmm with a sign. */
-double degreesOf(double value) {
-    const double degrees = std::trunc(value / 100.0);
-    return degrees + (value - 100.0 * degrees) / 60.0;
-}
-
 /** @param field of the latitude; the longitude is two after it */
 template <class Record>
 std::optional<Fix::Place> placeOf(const Record& record, const Event& event, unsigned field) {
     if (fieldOf(event.chunk, field).empty() || fieldOf(event.chunk, field + 2).empty()) return std::nullopt;
-    const Fix::Place place = {degreesOf(record.Lat), degreesOf(record.Lon)};
+    const Fix::Place place = {gpsDecimalDegrees(record.Lat), gpsDecimalDegrees(record.Lon)};
     if (!(std::fabs(place.latitude) <= 90.0 && std::fabs(place.longitude) <= 180.0)) return std::nullopt;
     return place;
 }
@@ -91,7 +87,7 @@ void FixFormat::finishFix(std::string& text) {
     writeFix(fix, text);
 }
 
-/** Whether a fix does not continue the last one. */
+/** Whether a fix does not continue the track of the last one. */
 bool FixFormat::isJump(const Fix& fix) const {
     if (fix.starts != mLast->starts) return true;
     if (!fix.time || !mLast->time || fix.time->hasDate != mLast->time->hasDate) return false;

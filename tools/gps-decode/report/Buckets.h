@@ -8,8 +8,8 @@
 namespace decode {
 
 /**
- * What happened over time, in a bounded number of buckets of equal width. When time passes the last bucket, the width
- * doubles and neighbours merge. A default-constructed Bucket is empty; `Bucket::merge` adds a later one.
+ * What happened over time, in at most `capacity` buckets of equal width: when they do not reach a position, neighbours
+ * merge and the width doubles. A default-constructed Bucket is empty; `Bucket::merge` adds a later one.
  */
 template <class Bucket>
 class Buckets {
@@ -26,6 +26,14 @@ public:
     }
 
     std::chrono::milliseconds width() const { return mWidth; }
+
+    /** All buckets merged into one. */
+    Bucket total() const {
+        Bucket all;
+        for (const Bucket& bucket : mBuckets)
+            all.merge(bucket);
+        return all;
+    }
 
     /** Calls `visit(position, bucket)` for every bucket that is not empty, in order. */
     template <class Visit>
@@ -55,14 +63,14 @@ private:
     std::vector<Bucket> mBuckets;
 };
 
-/** The first, last, lowest and highest of some values: all that a line chart shows of them. */
+/** What a line chart shows of the values in a bucket. */
 struct Extremes {
     double first = 0;
     double lowest = 0;
     double highest = 0;
     double last = 0;
     unsigned count = 0;
-    bool beginsLine = false;  ///< not to be joined to the bucket before
+    bool beginsLine = false;  ///< not joined to the bucket before
 
     bool isEmpty() const { return count == 0; }
     void add(double value, bool isBeginOfLine) { merge({value, value, value, value, 1, isBeginOfLine}); }
@@ -93,7 +101,7 @@ struct Mean {
     }
 };
 
-/** States, numbered from 1: the worst of them counts. */
+/** The worst of some states, which are numbered from 1, the best. */
 struct WorstState {
     unsigned state = 0;
 
@@ -101,7 +109,7 @@ struct WorstState {
     void merge(const WorstState& later) { state = std::max(state, later.state); }
 };
 
-/** A set of flags; the lowest means that the set exists. */
+/** A set of flags; empty when no bit is set. */
 struct Flags {
     unsigned bits = 0;
 

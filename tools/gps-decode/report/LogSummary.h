@@ -23,7 +23,7 @@ struct Satellite {
     Mean tracked;                         ///< the signal while it was tracked
     double strongest = 0;
     SparsePath path{1.0, 2000};  ///< degrees from the zenith, to the east and to the north
-    bool isInSky = false;        ///< its last place is known
+    bool isInSky = false;        ///< `place` is known
     SparsePath::Point place{};
 };
 
@@ -54,9 +54,9 @@ enum FixState : unsigned { kFix3D = 1, kFix, kFix2D, kNoFix };
 enum Curve { kSpeed, kAltitude, kSatellitesUsed, kHdop, kCurves };
 
 /** The sentences that an epoch can have, in the usual order. */
-inline constexpr const char* kEpochKinds[] = {"RMC", "VTG", "GGA", "GSA", "GSV", "GLL"};
+inline constexpr std::string_view kEpochKinds[] = {"RMC", "VTG", "GGA", "GSA", "GSV", "GLL"};
 
-/** What a report shows of a log: bounded in size, however long the log is. */
+/** What a report shows of a log. Its size is bounded for any length of log. */
 struct LogSummary {
     std::string name;
     LogTime time;
@@ -88,7 +88,7 @@ struct LogSummary {
     std::map<std::string, RefusalNote, std::less<>> missingFields;
 
     std::vector<Note> notes;
-    unsigned long furtherNotes = 0;                 ///< that there was no room for
+    unsigned long furtherNotes = 0;                 ///< those for which there was no room
     std::vector<std::chrono::milliseconds> starts;  ///< positions at which the receiver started
 
     std::map<std::pair<std::string, unsigned>, Satellite> satellites;  ///< by talker and number

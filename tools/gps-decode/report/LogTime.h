@@ -10,7 +10,7 @@ namespace decode {
 
 /**
  * Positions on a time axis that never goes back. When the receiver's time goes back or jumps ahead by more than ten
- * minutes, as between two drives, a new section of the axis begins.
+ * minutes, for example between two drives, a new section of the axis begins.
  */
 class LogTime {
 public:
@@ -19,11 +19,11 @@ public:
         UtcTime time;                     ///< there
     };
 
-    /** Moves on to a time that was read, if any. */
+    /** Moves to the time of a sentence, if it has one. */
     void advance(const std::optional<UtcTime>& time);
     /** Milliseconds from the beginning of the log. */
     std::chrono::milliseconds position() const { return mPosition; }
-    /** The first ones of a log that has very many. */
+    /** Only the first 100000. */
     const std::vector<Section>& sections() const { return mSections; }
     const std::optional<UtcTime>& last() const { return mLast; }
 

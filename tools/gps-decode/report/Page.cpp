@@ -38,10 +38,9 @@ double share(unsigned long part, unsigned long whole) {
     return whole == 0 ? 0 : 100.0 * static_cast<double>(part) / static_cast<double>(whole);
 }
 
-/** The lowest and highest of a curve; "-" when it has no values. */
+/** The lowest and highest value of a curve; "-" when it has none. */
 std::string rangeText(const Buckets<Extremes>& curve) {
-    Extremes all;
-    curve.forEach([&](milliseconds, const Extremes& bucket) { all.merge(bucket); });
+    const Extremes all = curve.total();
     const auto rounded = [](double value) { return std::round(value * 10) / 10; };
     return all.isEmpty() ? "-" : fmt::format("{} to {}", rounded(all.lowest), rounded(all.highest));
 }
@@ -130,22 +129,21 @@ void writeTrack(const LogSummary& log, std::string& text) {
     }
     const auto& lines = log.track.lines();
     const Map map(lines);
+    const auto place = [&map](SparsePath::Point point) { return map.place(point); };
     const double square = roundStep(Map::kWidth / map.perMetre() / 8);
+    const double step = square * map.perMetre();
     put(text, "<figure><svg viewBox=\"0 0 {} {}\" role=\"img\"><title>track</title>", Map::kWidth, Map::kHeight);
     std::string grid;
-    for (double at = std::fmod(Map::kWidth / 2, square * map.perMetre()); at < Map::kWidth;
-         at += square * map.perMetre())
-        put(grid, "M{:.1f} 0v{}", at, Map::kHeight);
-    for (double at = std::fmod(Map::kHeight / 2, square * map.perMetre()); at < Map::kHeight;
-         at += square * map.perMetre())
-        put(grid, "M0 {:.1f}h{}", at, Map::kWidth);
+    for (double x = std::fmod(Map::kWidth / 2, step); x < Map::kWidth; x += step)
+        put(grid, "M{:.1f} 0v{}", x, Map::kHeight);
+    for (double y = std::fmod(Map::kHeight / 2, step); y < Map::kHeight; y += step)
+        put(grid, "M0 {:.1f}h{}", y, Map::kWidth);
     put(text, "<path class=\"grid\" d=\"{}\"/>", grid);
     for (const auto& [from, to] : log.jumps)
-        put(text, "<path class=\"dash\" d=\"{}\"/>",
-            pathOf({{from, to}}, [&](auto point) { return map.place(point); }));
-    put(text, "<path class=\"line\" d=\"{}\"/>", pathOf(lines, [&](auto point) { return map.place(point); }));
-    const auto start = map.place(*log.start);
-    const auto end = map.place(*log.end);
+        put(text, "<path class=\"dash\" d=\"{}\"/>", pathOf({{from, to}}, place));
+    put(text, "<path class=\"line\" d=\"{}\"/>", pathOf(lines, place));
+    const auto start = place(*log.start);
+    const auto end = place(*log.end);
     put(text, "<circle class=\"begin\" cx=\"{:.1f}\" cy=\"{:.1f}\" r=\"6\"/>", start.x, start.y);
     put(text, "<rect class=\"end\" x=\"{:.1f}\" y=\"{:.1f}\" width=\"9\" height=\"9\"/></svg>", end.x - 4.5,
         end.y - 4.5);
@@ -196,17 +194,17 @@ void writeSky(const LogSummary& log, std::string& text) {
         SparsePath::Point at;
     } kCompass[] = {{"N", {0, -98}}, {"E", {98, 0}}, {"S", {0, 98}}, {"W", {-98, 0}}};
     text +=
-        "<section><h2>Sky</h2><figure><svg viewBox=\"-106 -106 212 212\" role=\"img\"><title>paths of the "
-        "satellites</title>"
+        "<section><h2>Sky</h2><figure><svg viewBox=\"-106 -106 212 212\" role=\"img\">"
+        "<title>paths of the satellites</title>"
         "<g class=\"box\"><circle r=\"90\"/><circle r=\"60\"/><circle r=\"30\"/><path d=\"M-90 0H90M0-90V90\"/></g>";
     Labels labels;
     for (const auto& [letter, at] : kCompass) {
         put(text, "<text x=\"{}\" y=\"{}\">{}</text>", at.x, at.y, letter);
         labels.takeLabel(at);
     }
-    for (const auto& [key, satellite] : log.satellites)
-        if (satellite.isInSky) labels.takeDot({satellite.place.x, -satellite.place.y});
     const auto down = [](SparsePath::Point point) { return SparsePath::Point{point.x, -point.y}; };
+    for (const auto& [key, satellite] : log.satellites)
+        if (satellite.isInSky) labels.takeDot(down(satellite.place));
     std::string names;
     for (const auto& [key, satellite] : log.satellites) {
         const auto& lines = satellite.path.lines();
@@ -223,12 +221,11 @@ void writeSky(const LogSummary& log, std::string& text) {
     text += names;
     text +=
         "</svg><figcaption>The zenith is in the middle, the horizon outside; circles every 30°. A dot is the last "
-        "place. G GPS, "
-        "R GLONASS, E Galileo, C BeiDou.</figcaption></figure></section>\n";
+        "place. G GPS, R GLONASS, E Galileo, C BeiDou.</figcaption></figure></section>\n";
 }
 
-/** Begins a table, or writes `nothing` when it is empty. */
-bool beginTable(const char* title, bool isEmpty, const char* nothing, std::initializer_list<const char*> columns,
+/** Begins a table. False, with `nothing` written instead, when it is empty. */
+bool beginTable(const char* title, bool isEmpty, const char* nothing, std::initializer_list<std::string_view> columns,
                 std::string& text) {
     put(text, "<section><h2>{}</h2>", title);
     if (isEmpty) {
@@ -236,10 +233,8 @@ bool beginTable(const char* title, bool isEmpty, const char* nothing, std::initi
         return false;
     }
     text += "<table><tr>";
-    for (const char* const column : columns)
-        put(text, "<th{}>{}</th>",
-            std::string_view(column) == "Count" || std::string_view(column) == "Duration" ? " class=\"n\"" : "",
-            column);
+    for (const std::string_view column : columns)
+        put(text, "<th{}>{}</th>", column == "Count" || column == "Duration" ? " class=\"n\"" : "", column);
     text += "</tr>\n";
     return true;
 }
@@ -262,8 +257,7 @@ void writeOutages(const LogSummary& log, std::string& text) {
 }
 
 void writeEpochs(const LogSummary& log, std::string& text) {
-    const bool isComplete =
-        std::all_of(log.lackingCount.begin(), log.lackingCount.end(), [](auto count) { return count == 0; });
+    const bool isComplete = std::ranges::count(log.lackingCount, 0UL) == std::ssize(log.lackingCount);
     if (!beginTable("Epochs that lacked a sentence", isComplete, "Every epoch had all its sentences.",
                     {"Sentence", "Count", "Share"}, text))
         return;

@@ -12,7 +12,7 @@ namespace decode {
 
 namespace {
 
-constexpr double kSlow = 2.0;  // km/h, below which a receiver that stands still seems to move
+constexpr double kSlow = 2.0;  // km/h; slower movement may be noise of a receiver that stands still
 constexpr std::size_t kMostSatellites = 128;
 constexpr std::size_t kMostJumps = 200;
 constexpr std::size_t kMostOutages = 200;
@@ -33,15 +33,10 @@ FixState stateOf(const Fix& fix) {
     return fix.dimensions == 3 ? kFix3D : fix.dimensions == 2 ? kFix2D : kFix;
 }
 
-/** The bit of an event's kind of sentence; 0 for one that belongs to no epoch. */
-unsigned kindBit(const Event::Content& content) {
-    if (std::holds_alternative<const GPRMC*>(content)) return 1;
-    if (std::holds_alternative<const GPVTG*>(content)) return 2;
-    if (std::holds_alternative<const GPGGA*>(content)) return 4;
-    if (std::holds_alternative<const GPGSA*>(content)) return 8;
-    if (std::holds_alternative<const GPGSV*>(content)) return 16;
-    if (std::holds_alternative<const GPGLL*>(content)) return 32;
-    return 0;
+/** The bit of a sentence's kind; 0 when it belongs to no epoch. */
+unsigned kindBit(std::string_view sentence) {
+    const auto* const kind = std::ranges::find(kEpochKinds, sentence.substr(3, 3));
+    return kind != std::end(kEpochKinds) ? 1U << (kind - kEpochKinds) : 0;
 }
 
 }  // namespace
@@ -134,7 +129,7 @@ void Report::closeOutage(const std::optional<UtcTime>& to) {
 
 /** An epoch is all sentences with one time. */
 void Report::addToEpoch(const Event& event) {
-    const unsigned bit = kindBit(event.content);
+    const unsigned bit = kindBit(event.chunk);
     if (bit == 0) return;
     if (event.hasOwnTime && event.time != mEpoch) {
         finishEpoch();

@@ -8,9 +8,9 @@
 namespace decode {
 
 /**
- * A path in the plane, reduced for drawing: in each cell of a grid only the first point is kept, and a line between the
- * same two cells is kept once. When there are too many lines, the cells double in width, which bounds the size and
- * keeps the extents.
+ * A path in the plane, reduced for drawing: each cell of a grid keeps only its first point, and of the lines between
+ * the same two cells only one is kept. When there are too many lines, the cells double in width, which bounds the size
+ * and keeps the extents.
  */
 class SparsePath {
 public:
@@ -24,9 +24,9 @@ public:
      *  @param capacity most lines between two points that are kept */
     SparsePath(double cell, std::size_t capacity) : mCell(cell), mCapacity(capacity) {}
 
-    /** @param isJoined to the point before */
+    /** @param isJoined whether a line joins it to the point before */
     void add(Point point, bool isJoined);
-    /** Each of one or more points. */
+    /** Each has at least one point. */
     const std::vector<Line>& lines() const { return mLines; }
 
 private:
@@ -49,8 +49,8 @@ private:
 
     double mCell;
     std::size_t mCapacity;
-    Point mLast{};                        // where the path is
-    std::unordered_set<Way, Hash> mWays;  // each in the direction from the lesser cell
+    Point mLast{};                        // the point added last
+    std::unordered_set<Way, Hash> mWays;  // each from the lesser cell to the greater
     std::vector<Line> mLines;
 };
 

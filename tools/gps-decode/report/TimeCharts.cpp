@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Charts are drawn in a box of this size, which is stretched to the width of the page.
+// Charts are drawn in a box of this size and stretched to the width of the page.
 constexpr double kWidth = 1000;
 constexpr double kHeight = 100;
 
@@ -41,13 +41,12 @@ void writeTimeAxis(const LogSummary& log, std::string& text) {
     text += "<div class=\"row\"><div></div><div class=\"x\">";
     const auto& sections = log.time.sections();
     for (std::size_t i = 0; i < sections.size(); ++i) {
+        const auto& [begin, time] = sections[i];
         const milliseconds end = i + 1 < sections.size() ? sections[i + 1].begin : lengthOf(log);
-        auto time = ceil<milliseconds>(sections[i].time.since);
-        time += (*step - time % *step) % *step;
-        for (; sections[i].begin + (time - sections[i].time.since) <= end; time += *step) {
-            const double x = xOf(log, sections[i].begin + (time - sections[i].time.since));
+        for (auto at = begin + (*step - time.since % *step) % *step; at <= end; at += *step) {
+            const double x = xOf(log, at);
             if (x < last + kCloser) continue;
-            const std::tm calendar = fmt::gmtime(floor<seconds>(time).count());
+            const std::tm calendar = fmt::gmtime(floor<seconds>(time.since + (at - begin)).count());
             const char* const format = *step >= 24h ? "{:%m-%d}" : *step >= 1min ? "{:%H:%M}" : "{:%T}";
             put(text, "<span style=\"left:{:.1f}%\">{}</span>", x / 10, fmt::format(fmt::runtime(format), calendar));
             last = x;
@@ -105,14 +104,9 @@ std::string curvePath(const LogSummary& log, const Buckets<Extremes>& curve, con
 
 void writeCurve(const LogSummary& log, const Buckets<Extremes>& curve, const char* title, double leastStep,
                 std::string& text) {
-    double lowest = INFINITY;
-    double highest = -INFINITY;
-    curve.forEach([&](milliseconds, const Extremes& bucket) {
-        lowest = std::min(lowest, bucket.lowest);
-        highest = std::max(highest, bucket.highest);
-    });
-    if (lowest > highest) return;
-    const Scale scale = scaleOf(lowest, highest, leastStep);
+    const Extremes all = curve.total();
+    if (all.isEmpty()) return;
+    const Scale scale = scaleOf(all.lowest, all.highest, leastStep);
     std::string labels;
     std::string grid;
     for (int line = 0; scale.low + line * scale.step < scale.high + scale.step / 2; ++line) {
@@ -129,12 +123,19 @@ void writeCurve(const LogSummary& log, const Buckets<Extremes>& curve, const cha
     text += "</figure>\n";
 }
 
-/** A row of colours over time: `classes[state]` names the colour of each state from 1 on. */
+/** The class of the style that colours a state, and its name. States are numbered from 1. */
+struct State {
+    const char* colour;
+    const char* name;
+};
+using States = std::span<const State>;
+
+/** A row of colours over time. */
 class Strip {
 public:
     /** @param hold how long a state lasts when no other follows */
-    Strip(const LogSummary& log, std::span<const char* const> classes, milliseconds hold)
-        : mLog(log), mClasses(classes), mHold(hold), mPaths(classes.size()) {}
+    Strip(const LogSummary& log, States states, milliseconds hold)
+        : mLog(log), mStates(states), mHold(hold), mPaths(states.size()) {}
 
     void add(milliseconds position, unsigned state) {
         if (state != mState || position > mUntil) close(position);
@@ -147,46 +148,49 @@ public:
         close(lengthOf(mLog));
         put(text, "<div class=\"row strip\"><div class=\"label\">{}</div><div>", label);
         put(text, "<svg viewBox=\"0 0 1000 10\" preserveAspectRatio=\"none\" role=\"img\"><title>{}</title>", title);
-        for (std::size_t state = 1; state < mPaths.size(); ++state) {
-            if (!mPaths[state].empty()) put(text, "<path class=\"{}\" d=\"{}\"/>", mClasses[state], mPaths[state]);
+        for (std::size_t i = 0; i < mPaths.size(); ++i) {
+            if (!mPaths[i].empty()) put(text, "<path class=\"{}\" d=\"{}\"/>", mStates[i].colour, mPaths[i]);
         }
         text += "</svg></div></div>\n";
     }
 
 private:
-    /** Ends the state that lasts. */
+    /** Ends the current state. */
     void close(milliseconds position) {
-        constexpr double kLeast = 1;  // to be seen
+        constexpr double kLeast = 1;  // still visible
         if (mState == 0) return;
         const double width = std::max(xOf(mLog, std::min(position, mUntil) - mBegin), kLeast);
-        put(mPaths[mState], "M{0:.1f} 0h{1:.1f}v10h-{1:.1f}z", xOf(mLog, mBegin), width);
+        put(mPaths[mState - 1], "M{0:.1f} 0h{1:.1f}v10h-{1:.1f}z", xOf(mLog, mBegin), width);
         mState = 0;
     }
 
     const LogSummary& mLog;
-    const std::span<const char* const> mClasses;
+    const States mStates;
     const milliseconds mHold;
-    std::vector<std::string> mPaths;
-    unsigned mState = 0;
+    std::vector<std::string> mPaths;  // by state
+    unsigned mState = 0;              // 0: none
     milliseconds mBegin{0};
     milliseconds mUntil{0};
 };
 
-void writeLegend(std::span<const char* const> colours, std::span<const char* const> names, std::string& text) {
+/** Writes a strip of buckets; `stateOf` gives the state of a bucket. */
+template <class Bucket, class StateOf>
+void writeStrip(const LogSummary& log, const Buckets<Bucket>& buckets, States states, const std::string& label,
+                const std::string& title, std::string& text, StateOf stateOf) {
+    Strip strip(log, states, std::max<milliseconds>(10s, 2 * buckets.width()));
+    buckets.forEach([&](milliseconds at, const Bucket& bucket) { strip.add(at, stateOf(bucket)); });
+    strip.write(label, title, text);
+}
+
+void writeLegend(States states, std::string& text) {
     text += "<p class=\"dim legend\">";
-    for (std::size_t i = 1; i < names.size(); ++i) {
+    for (const auto& [colour, name] : states) {
         put(text,
             "<span><svg class=\"key\" viewBox=\"0 0 1 1\"><rect class=\"{}\" width=\"1\" "
             "height=\"1\"/></svg>{}</span> ",
-            colours[i], names[i]);
+            colour, name);
     }
     text += "</p>\n";
-}
-
-/** How long a value holds when no other follows. */
-template <class Bucket>
-milliseconds holdOf(const Buckets<Bucket>& buckets) {
-    return std::max<milliseconds>(10s, 2 * buckets.width());
 }
 
 }  // namespace
@@ -229,54 +233,46 @@ void writeCurves(const LogSummary& log, std::string& text) {
 }
 
 void writeStates(const LogSummary& log, std::string& text) {
-    constexpr const char* kFixColours[] = {"", "good", "fair", "warn", "bad"};
-    constexpr const char* kFixNames[] = {"", "3D", "fix", "2D", "no fix"};
-    constexpr const char* kAntennaColours[] = {"", "good", "warn", "bad"};
-    constexpr const char* kAntennaNames[] = {"", "antenna OK", "open", "short"};
-    constexpr const char* kEpochColours[] = {"", "good", "warn"};
-    constexpr const char* kEpochNames[] = {"", "epoch complete", "lacks a sentence"};
+    constexpr State kFixStates[] = {{"good", "3D"}, {"fair", "fix"}, {"warn", "2D"}, {"bad", "no fix"}};
+    constexpr State kAntennaStates[] = {{"good", "antenna OK"}, {"warn", "open"}, {"bad", "short"}};
+    constexpr State kEpochStates[] = {{"good", "epoch complete"}, {"warn", "lacks a sentence"}};
+    const auto worst = [](const WorstState& bucket) { return bucket.state; };
     text += "<h2>Fix, antenna and epochs</h2><figure>\n";
-    Strip fix(log, kFixColours, holdOf(log.fixState));
-    log.fixState.forEach([&](milliseconds at, const WorstState& bucket) { fix.add(at, bucket.state); });
-    fix.write("Fix", "fix", text);
-    Strip antenna(log, kAntennaColours, holdOf(log.antennaState));
-    log.antennaState.forEach([&](milliseconds at, const WorstState& bucket) { antenna.add(at, bucket.state); });
-    antenna.write("Antenna", "antenna status", text);
+    writeStrip(log, log.fixState, kFixStates, "Fix", "fix", text, worst);
+    writeStrip(log, log.antennaState, kAntennaStates, "Antenna", "antenna status", text, worst);
     unsigned everSeen = 0;
     for (std::size_t kind = 0; kind < log.lackingCount.size(); ++kind)
         if (log.lackingCount[kind] < log.wholeEpochs) everSeen |= 2U << kind;
-    Strip epochs(log, kEpochColours, holdOf(log.lacking));
-    log.lacking.forEach(
-        [&](milliseconds at, const Flags& bucket) { epochs.add(at, (bucket.bits & everSeen) != 0 ? 2 : 1); });
-    epochs.write("Epochs", "epochs that lack a sentence", text);
+    writeStrip(log, log.lacking, kEpochStates, "Epochs", "epochs that lack a sentence", text,
+               [everSeen](const Flags& bucket) { return (bucket.bits & everSeen) != 0 ? 2U : 1U; });
     writeTimeAxis(log, text);
-    writeLegend(kFixColours, kFixNames, text);
-    writeLegend(kAntennaColours, kAntennaNames, text);
-    writeLegend(kEpochColours, kEpochNames, text);
+    for (const States states : {States(kFixStates), States(kAntennaStates), States(kEpochStates)})
+        writeLegend(states, text);
     text += "</figure>\n";
 }
 
 void writeSignals(const LogSummary& log, std::string& text) {
-    constexpr const char* kColours[] = {"", "s1", "s2", "s3", "s4", "s5"};
-    constexpr const char* kNames[] = {"",         "in view, not tracked", "below 20", "20 to 30",
-                                      "30 to 40", "40 dB-Hz and more"};
-    const auto stateOf = [](double signal) {
+    constexpr State kStates[] = {{"s1", "in view, not tracked"},
+                                 {"s2", "below 20"},
+                                 {"s3", "20 to 30"},
+                                 {"s4", "30 to 40"},
+                                 {"s5", "40 dB-Hz and more"}};
+    const auto stateOf = [](const Mean& bucket) {
+        const double signal = bucket.value();
         return signal <= 0 ? 1U : signal < 20 ? 2U : signal < 30 ? 3U : signal < 40 ? 4U : 5U;
     };
     if (log.satellites.empty()) return;
     text += "<h2>Signal strength of each satellite</h2><figure>\n";
     for (const auto& [key, satellite] : log.satellites) {
-        Strip strip(log, kColours, holdOf(satellite.signal));
-        satellite.signal.forEach([&](milliseconds at, const Mean& bucket) { strip.add(at, stateOf(bucket.value())); });
         const std::string name = satelliteName(key.first, key.second);
         const double mean = satellite.tracked.isEmpty() ? 0 : satellite.tracked.value();
-        strip.write(
-            fmt::format("{} <b>{:.0f}</b>", name, satellite.strongest),
+        writeStrip(
+            log, satellite.signal, kStates, fmt::format("{} <b>{:.0f}</b>", name, satellite.strongest),
             fmt::format("{}: {:.1f} dB-Hz on average while tracked, {:.0f} at best", name, mean, satellite.strongest),
-            text);
+            text, stateOf);
     }
     writeTimeAxis(log, text);
-    writeLegend(kColours, kNames, text);
+    writeLegend(kStates, text);
     text += "<p class=\"dim\">The number beside the name is the strongest signal, dB-Hz.</p></figure>\n";
 }
 

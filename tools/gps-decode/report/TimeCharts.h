@@ -5,14 +5,14 @@
 
 namespace decode {
 
-/** Appends the charts that share the time axis: curves, then states and signals as strips. */
+/** Append charts over time: curves; states and signals as strips. */
 void writeCurves(const LogSummary& log, std::string& text);
 void writeStates(const LogSummary& log, std::string& text);
 void writeSignals(const LogSummary& log, std::string& text);
 
 /** "G05": a letter for the satellite system, or the talker if it has none, and the number. */
 std::string satelliteName(const std::string& talker, unsigned number);
-/** The letter alone; "O" for other systems. */
+/** The letter alone; "O" for a system without one. */
 char systemLetter(const std::string& talker);
 
 /** A round number (1, 2 or 5 times a power of ten) that is at least `least`. */

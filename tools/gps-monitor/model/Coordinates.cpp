@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "Gps/GpsDegrees.h"
+
 namespace monitor {
 
 namespace {
@@ -33,9 +35,7 @@ std::string coordinate(double value, int degreeDigits, std::string_view letters,
 }  // namespace
 
 double toDegrees(double value) {
-    if (!(std::fabs(value) <= kLargest)) return std::numeric_limits<double>::quiet_NaN();
-    const double degrees = std::trunc(value / 100);
-    return degrees + (value - 100 * degrees) / 60;
+    return std::fabs(value) <= kLargest ? gpsDecimalDegrees(value) : std::numeric_limits<double>::quiet_NaN();
 }
 
 std::string coordinates(const Position& position, CoordinateFormat format) {
