@@ -10,7 +10,7 @@
 
 namespace sim {
 
-/** The state that commands change and a restart resets. Its sections can be saved separately. */
+/** What commands change and a restart resets to what was saved, section by section. */
 struct Configuration {
     struct Port {
         unsigned baud;
@@ -21,7 +21,7 @@ struct Configuration {
     struct Navigation {
         Milliseconds interval;  ///< from one epoch to the next
         Datum datum;
-        unsigned referenceWeek;  ///< first GPS week of the 1024 weeks with right dates
+        unsigned referenceWeek;  ///< first of the 1024 GPS weeks whose dates are right
     };
     Port port;
     Messages messages;

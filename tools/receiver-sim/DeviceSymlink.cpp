@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/** Binds a socket name made from the path, which the kernel frees when its owner ends, also when it is killed. */
+/** Binds a socket name made from the path; the kernel frees it even when the simulator is killed. */
 Descriptor claimed(const std::string& path) {
     Descriptor claim(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     const std::string name = "receiver-sim " + std::to_string(std::hash<std::string>()(fs::absolute(path)));

@@ -12,8 +12,8 @@ class DeviceSymlink {
 public:
     /**
      * Replaces a dangling link or one to a pseudo-terminal, unless a running simulator made it: a killed simulator
-     * leaves its link, and the terminal may belong to another program by then.
-     * @throws tool::BadUse when the path is in use by a running simulator, is anything else, or cannot be created
+     * leaves its link, whose terminal may since belong to another program.
+     * @throws tool::BadUse when the path belongs to a running simulator, is anything else, or cannot be created
      */
     DeviceSymlink(const std::string& path, const std::string& device);
     /** Removes the link, unless it has been changed. */

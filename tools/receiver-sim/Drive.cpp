@@ -20,12 +20,10 @@ Motion driveAt(Milliseconds sinceStart) {
     const double north = kRadius * std::cos(angle);
     const double east = kRadius * std::sin(angle);
 
-    const double flattening = 1.0 / kWgs84.inverseFlattening;
-    const double e2 = flattening * (2.0 - flattening);
+    const double e2 = eccentricitySquared(kWgs84);
     const double sine = std::sin(radians(kCentre.latitude));
-    const double w2 = 1.0 - e2 * sine * sine;
-    const double normal = kWgs84.semiMajorAxis / std::sqrt(w2);
-    const double meridian = normal * (1.0 - e2) / w2;
+    const double normal = normalRadius(kWgs84, sine);
+    const double meridian = normal * (1.0 - e2) / (1.0 - e2 * sine * sine);
 
     Motion motion;
     motion.position.latitude = kCentre.latitude + degrees(north / (meridian + kCentre.height));

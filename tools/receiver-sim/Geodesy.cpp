@@ -5,8 +5,6 @@
 
 namespace sim {
 
-namespace {
-
 double eccentricitySquared(const Datum& datum) {
     const double flattening = 1.0 / datum.inverseFlattening;
     return flattening * (2.0 - flattening);
@@ -15,8 +13,6 @@ double eccentricitySquared(const Datum& datum) {
 double normalRadius(const Datum& datum, double sinLatitude) {
     return datum.semiMajorAxis / std::sqrt(1.0 - eccentricitySquared(datum) * sinLatitude * sinLatitude);
 }
-
-}  // namespace
 
 double radians(double degrees) {
     return degrees * std::numbers::pi / 180.0;

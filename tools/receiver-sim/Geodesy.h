@@ -29,8 +29,12 @@ constexpr Datum kWgs84{6378137.0, 298.257223563, {0.0, 0.0, 0.0}};
 /** The point in WGS84's Cartesian axes. */
 Cartesian toCartesian(const Geodetic& position, const Datum& datum);
 
-/** The point's coordinates in the datum, to better than a micrometre from the sea bed to well above the air. */
+/** The point's coordinates in the datum, to better than a micrometre near the Earth. */
 Geodetic toGeodetic(const Cartesian& point, const Datum& datum);
+
+double eccentricitySquared(const Datum& datum);
+/** Radius of curvature across the meridian, metres. */
+double normalRadius(const Datum& datum, double sinLatitude);
 
 double radians(double degrees);
 double degrees(double radians);

@@ -9,8 +9,8 @@
 namespace sim {
 
 /**
- * A captured byte stream, epoch by epoch. An epoch begins at an RMC sentence; the first one also takes what precedes
- * it. The epochs, one after another, are the log, byte for byte.
+ * A captured byte stream, epoch by epoch. An epoch begins at an RMC sentence; the first one also has what precedes
+ * that. The epochs together are the log, byte for byte.
  */
 class LogReplay {
 public:

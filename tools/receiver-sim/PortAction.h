@@ -21,15 +21,15 @@ namespace sim {
  *     {"event":"dropped","bytes":580}                            a client that read nothing missed bytes
  *     {"event":"end"}                                            the log is at its end
  *
- * Lines about bytes sent while the client's end had another speed also have "garbled":true. Bytes sent without a client
- * are not reported.
+ * A line about bytes that were sent while the client's end had another speed also has "garbled":true. Bytes sent
+ * without a client are not reported.
  */
 using Report = nlohmann::ordered_json;
 
-/** One step at the receiver's port; steps are carried out strictly in order. */
+/** One step at the receiver's port; steps are carried out in order. */
 struct PortAction {
     std::string bytes;  ///< to send; may be empty
-    unsigned baud = 0;  ///< the port's speed from the end of this step on; 0: as it is
+    unsigned baud = 0;  ///< the port's speed after this step; 0: unchanged
     /** Lines for the report, written once the step has been carried out. */
     std::vector<Report> reports{};
 };

@@ -22,7 +22,7 @@ int checked(int result, const char* what) {
     return result;
 }
 
-/** When nothing holds the client's end open, the master reports a hang-up. */
+/** Whether nothing holds the client's end open. */
 bool isHungUp(int master) {
     pollfd entry{master, 0, 0};
     poll(&entry, 1, 0);
@@ -76,8 +76,7 @@ unsigned PtyPort::takeEvents() {
 }
 
 void PtyPort::updatePresence() {
-    // A client that has just opened the terminal may be about to lock it, while the simulator must hold it open. So an
-    // opening is not checked; only a closing is.
+    // An opening is not checked: the check closes and opens the terminal, which the client may lock meanwhile.
     const unsigned events = takeEvents();
     if ((events & IN_CLOSE) != 0) {
         checkPresence();
@@ -87,7 +86,7 @@ void PtyPort::updatePresence() {
 }
 
 void PtyPort::checkPresence() {
-    // The lock outlives the client that set it, and would exclude all others, the simulator included.
+    // The lock outlives the client that set it, and excludes everyone else, even the simulator.
     int isLocked = 0;
     ioctl(mSlave.get(), TIOCGEXCL, &isLocked);
     ioctl(mSlave.get(), TIOCNXCL);

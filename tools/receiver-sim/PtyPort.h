@@ -20,18 +20,18 @@ public:
 
     const std::string& devicePath() const { return mDevicePath; }
 
-    /** Descriptors to poll: for bytes of the client or room for bytes to it, and for its coming and going. The first
-     *  may change, and be -1, which poll leaves out. */
+    /** Descriptors to poll: for the client's bytes and room for bytes to it, and for a client that comes or goes. The
+     *  first may change, and be -1, which poll ignores. */
     int dataDescriptor() const { return mHasClient || mSlave.get() >= 0 ? mMaster.get() : -1; }
     int presenceDescriptor() const { return mWatch.get(); }
 
-    /** Whether a client has the terminal open, as far as the last update or check has seen. */
+    /** Whether a client had the terminal open at the last update or check. */
     bool hasClient() const { return mHasClient; }
     /** To be called when the presence descriptor is readable. */
     void updatePresence();
     /**
-     * Checks whether a client has the terminal open. To be called regularly, because a client that comes or goes during
-     * this check raises no event.
+     * Checks whether a client has the terminal open. To be called regularly: a client that comes or goes during this
+     * check raises no event.
      */
     void checkPresence();
 
@@ -49,7 +49,7 @@ private:
     unsigned takeEvents();
 
     Descriptor mMaster;
-    // The client's end, held open to reset what a client leaves in it: modes, an exclusive lock, unread bytes.
+    // The client's end, held open to reset what a client leaves: modes, an exclusive lock, unread bytes.
     Descriptor mSlave;
     Descriptor mWatch;
     std::string mDevicePath;

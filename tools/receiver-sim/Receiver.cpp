@@ -98,14 +98,14 @@ UtcTime alignedDown(UtcTime time, Milliseconds interval) {
 }  // namespace
 
 const Receiver::Command Receiver::kCommands[] = {
-    {kPort, &Receiver::obeyPort},
-    {{0x06, 0x01}, &Receiver::obeyMessageRate},
-    {{0x06, 0x04}, &Receiver::obeyRestart},
-    {{0x06, 0x06}, &Receiver::obeyDatum},
-    {{0x06, 0x08}, &Receiver::obeyRate},
-    {{0x06, 0x09}, &Receiver::obeySave},
-    {{0x06, 0x23}, &Receiver::obeyNavigationExpert},
-    {{0x06, 0x59}, &Receiver::obeyStartCheck},
+    {kPort, &Receiver::handlePort},
+    {{0x06, 0x01}, &Receiver::handleMessageRate},
+    {{0x06, 0x04}, &Receiver::handleRestart},
+    {{0x06, 0x06}, &Receiver::handleDatum},
+    {{0x06, 0x08}, &Receiver::handleRate},
+    {{0x06, 0x09}, &Receiver::handleSave},
+    {{0x06, 0x23}, &Receiver::handleNavigationExpert},
+    {{0x06, 0x59}, &Receiver::handleStartCheck},
 };
 
 Receiver::Receiver(const Setup& setup, UtcTime start)
@@ -125,11 +125,11 @@ void Receiver::announce() {
 }
 
 void Receiver::receive(std::string_view bytes) {
-    obey(mFramer.push(bytes));
+    handle(mFramer.push(bytes));
 }
 
 void Receiver::receivePause() {
-    obey(mFramer.giveUp());
+    handle(mFramer.giveUp());
 }
 
 UtcTime Receiver::nextEpoch() const {
@@ -195,14 +195,14 @@ void Receiver::announceAntenna() {
     mActions.back().reports.push_back(Report::object({{"event", "antenna"}, {"status", name}}));
 }
 
-void Receiver::obey(const std::vector<Piece>& pieces) {
+void Receiver::handle(const std::vector<Piece>& pieces) {
     for (const Piece& piece : pieces) {
-        if (piece.kind == Piece::Kind::Sentence) obeySentence(piece.bytes);
-        if (piece.kind == Piece::Kind::Frame) obeyFrame(piece.bytes);
+        if (piece.kind == Piece::Kind::Sentence) handleSentence(piece.bytes);
+        if (piece.kind == Piece::Kind::Frame) handleFrame(piece.bytes);
     }
 }
 
-void Receiver::obeySentence(const std::string& sentence) {
+void Receiver::handleSentence(const std::string& sentence) {
     constexpr std::size_t kPortField = 2;
     constexpr std::size_t kBaudField = 5;
     const std::vector<std::string> fields = nmeaFields(sentence);
@@ -214,7 +214,7 @@ void Receiver::obeySentence(const std::string& sentence) {
     if (end.ptr == digits.data() + digits.size() && setBaud(baud)) switchSpeed();
 }
 
-void Receiver::obeyFrame(const std::string& frame) {
+void Receiver::handleFrame(const std::string& frame) {
     const MessageId id = idOf(std::string_view(frame).substr(kUbxSync.size()));
     if (id.messageClass != kConfigurationClass) return;
 
@@ -225,7 +225,7 @@ void Receiver::obeyFrame(const std::string& frame) {
         answer = {false};
     } else if (command != std::end(kCommands)) {
         const std::string_view payload = std::string_view(frame).substr(kUbxHeaderSize, announcedLength(frame));
-        answer = (this->*command->obey)(payload);
+        answer = (this->*command->handle)(payload);
     }
     const std::string answered{static_cast<char>(id.messageClass), static_cast<char>(id.id)};
     mActions.push_back(makeAction(
@@ -236,7 +236,7 @@ void Receiver::obeyFrame(const std::string& frame) {
     switchSpeed();
 }
 
-Receiver::Answer Receiver::obeyMessageRate(std::string_view payload) {
+Receiver::Answer Receiver::handleMessageRate(std::string_view payload) {
     // With rates for all six ports, with a rate for the port in use, or as a poll of the rates.
     constexpr std::size_t kAllPorts = 8;
     constexpr std::size_t kThisPort = 3;
@@ -252,7 +252,7 @@ Receiver::Answer Receiver::obeyMessageRate(std::string_view payload) {
     return {true};
 }
 
-Receiver::Answer Receiver::obeyDatum(std::string_view payload) {
+Receiver::Answer Receiver::handleDatum(std::string_view payload) {
     if (payload.empty()) return {true};
     if (payload.size() != 44) return {false};
     const Datum datum{readNumber<double>(payload, 0),
@@ -269,7 +269,7 @@ Receiver::Answer Receiver::obeyDatum(std::string_view payload) {
     return {true};
 }
 
-Receiver::Answer Receiver::obeyRate(std::string_view payload) {
+Receiver::Answer Receiver::handleRate(std::string_view payload) {
     constexpr std::uint64_t kShortest = 50;  // milliseconds
     if (payload.empty()) return {true};
     if (payload.size() != 6) return {false};
@@ -280,7 +280,7 @@ Receiver::Answer Receiver::obeyRate(std::string_view payload) {
     return {true};
 }
 
-Receiver::Answer Receiver::obeyNavigationExpert(std::string_view payload) {
+Receiver::Answer Receiver::handleNavigationExpert(std::string_view payload) {
     constexpr std::uint64_t kSetsReferenceWeek = 1 << 9;
     if (payload.empty()) return {true};
     if (payload.size() != 40) return {false};
@@ -290,7 +290,7 @@ Receiver::Answer Receiver::obeyNavigationExpert(std::string_view payload) {
     return {true};
 }
 
-Receiver::Answer Receiver::obeyPort(std::string_view payload) {
+Receiver::Answer Receiver::handlePort(std::string_view payload) {
     constexpr std::size_t kSettings = 20;
     constexpr std::uint64_t kPorts = 5;
     const std::uint64_t port = payload.empty() ? kSerialPort : readUnsigned(payload, 0, 1);
@@ -312,7 +312,7 @@ Receiver::Answer Receiver::obeyPort(std::string_view payload) {
     return {true};
 }
 
-Receiver::Answer Receiver::obeyRestart(std::string_view payload) {
+Receiver::Answer Receiver::handleRestart(std::string_view payload) {
     // Other modes restart the whole receiver, which then knows only what was saved.
     constexpr std::uint64_t kNavigationOnly = 2;
     constexpr std::uint64_t kStopNavigation = 8;  // and 9 starts it again: neither has an effect here
@@ -322,7 +322,7 @@ Receiver::Answer Receiver::obeyRestart(std::string_view payload) {
     return {true, mode == kNavigationOnly ? &Receiver::restartNavigation : &Receiver::restart};
 }
 
-Receiver::Answer Receiver::obeySave(std::string_view payload) {
+Receiver::Answer Receiver::handleSave(std::string_view payload) {
     constexpr std::size_t kAllMemories = 12;
     if (payload.size() != kAllMemories && payload.size() != kAllMemories + 1) return {false};
     copySections(mDefaults, mSaved, readUnsigned(payload, 0, 4));
@@ -331,7 +331,7 @@ Receiver::Answer Receiver::obeySave(std::string_view payload) {
     return {true};
 }
 
-Receiver::Answer Receiver::obeyStartCheck(std::string_view) {
+Receiver::Answer Receiver::handleStartCheck(std::string_view) {
     return {true, &Receiver::sendCheckResults};
 }
 

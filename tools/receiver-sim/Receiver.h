@@ -18,9 +18,8 @@ namespace sim {
 enum class Antenna { Ok, Open, Short };
 
 /**
- * The receiver without its port: it composes the sentences of each epoch and obeys commands.
- *
- * It has no thread and no clock. Its owner passes bytes and time, and carries out the resulting actions.
+ * The receiver without its port: composes the sentences of each epoch and carries out commands. It has no thread and no
+ * clock: its owner passes bytes and time, and carries out the resulting actions.
  */
 class Receiver {
 public:
@@ -42,8 +41,9 @@ public:
 
     /** Takes bytes that a client has sent. */
     void receive(std::string_view bytes);
-    /** Whether a command is incomplete; receivePause() then drops it. */
+    /** Whether a command is incomplete. */
     bool isMidCommand() const { return mFramer.isUnfinished(); }
+    /** Drops an incomplete command. */
     void receivePause();
 
     /** When the next epoch is due: the first multiple of the interval after the last one. */
@@ -62,28 +62,28 @@ public:
     std::vector<PortAction> takeActions();
 
 private:
-    /** How the receiver answers a message, and what it does after the answer. */
+    /** The answer to a message, and what to do after it. */
     struct Answer {
         bool isAccepted;
         void (Receiver::*afterwards)() = nullptr;
     };
     struct Command {
         MessageId id;
-        Answer (Receiver::*obey)(std::string_view payload);
+        Answer (Receiver::*handle)(std::string_view payload);
     };
     static const Command kCommands[];
 
-    void obey(const std::vector<Piece>& pieces);
-    void obeySentence(const std::string& sentence);
-    void obeyFrame(const std::string& frame);
-    Answer obeyMessageRate(std::string_view payload);
-    Answer obeyDatum(std::string_view payload);
-    Answer obeyRate(std::string_view payload);
-    Answer obeyNavigationExpert(std::string_view payload);
-    Answer obeyPort(std::string_view payload);
-    Answer obeyRestart(std::string_view payload);
-    Answer obeySave(std::string_view payload);
-    Answer obeyStartCheck(std::string_view payload);
+    void handle(const std::vector<Piece>& pieces);
+    void handleSentence(const std::string& sentence);
+    void handleFrame(const std::string& frame);
+    Answer handleMessageRate(std::string_view payload);
+    Answer handleDatum(std::string_view payload);
+    Answer handleRate(std::string_view payload);
+    Answer handleNavigationExpert(std::string_view payload);
+    Answer handlePort(std::string_view payload);
+    Answer handleRestart(std::string_view payload);
+    Answer handleSave(std::string_view payload);
+    Answer handleStartCheck(std::string_view payload);
 
     bool setBaud(unsigned baud);
     void restart();
@@ -100,7 +100,7 @@ private:
     const Configuration mDefaults;
     Configuration mSaved;
     Configuration mCurrent;
-    unsigned mPortBaud;  // speed of the port once all actions are carried out
+    unsigned mPortBaud;  // of the port after all actions
     Antenna mAntenna;
     std::optional<UtcTime> mFixLost;  // since when there is no fix
     UtcTime mLastEpoch;

@@ -14,7 +14,7 @@ constexpr double kKnot = 1852.0 / 3600.0;  // metres per second
 constexpr std::size_t kSatellitesInGsa = 12;
 constexpr std::size_t kSatellitesInGsv = 4;
 
-/** The more satellites, the better. */
+/** Made up: the more satellites, the better. */
 struct Dilution {
     explicit Dilution(const Fix& fix) {
         const auto used =

@@ -15,9 +15,9 @@ namespace sim {
 /** What the receiver knows at one epoch. Without a fix it still knows the time and which satellites are in view. */
 struct Fix {
     bool isValid;
-    UtcTime time;            ///< with the date that the receiver computes, which may be wrong by its week rollover
+    UtcTime time;            ///< as the receiver computes it: its date may be 1024 weeks early
     Geodetic position;       ///< in the datum that the receiver reports
-    double geoidSeparation;  ///< metres of the sea level above that datum's ellipsoid
+    double geoidSeparation;  ///< sea level above that datum's ellipsoid, metres
     Motion motion;
     std::vector<Satellite> sky;
 };
@@ -33,7 +33,7 @@ struct SentenceKind {
 constexpr std::size_t kSentenceKindCount = 8;
 extern const std::array<SentenceKind, kSentenceKindCount> kSentenceKinds;
 
-/** A text sentence of the receiver about itself. */
+/** A TXT sentence. */
 std::string textSentence(const std::string& text);
 
 }  // namespace sim

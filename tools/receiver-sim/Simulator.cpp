@@ -18,8 +18,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto kPowerUp = 300ms;  // before a log begins; clients register meanwhile
-constexpr auto kLookInterval = 1s;
-constexpr auto kInputPause = 200ms;  // longer than a client ever pauses inside a command
+constexpr auto kCheckInterval = 1s;
+constexpr auto kInputPause = 200ms;  // after which a command is complete or given up
 constexpr auto kStallLimit = 10s;    // how long bytes wait for a client that reads nothing
 constexpr std::size_t kMaxWaiting = 16384;
 
@@ -80,7 +80,7 @@ Simulator::Simulator(const Options& options)
 void Simulator::run() {
     while (!mIsSignalled) {
         const auto now = Clock::now();
-        lookForClient(now);
+        checkForClient(now);
         if (!mReceiver && (mPort.hasClient() || !mOptions.waitsForClient)) switchOn(now);
         if (mReceiver) {
             if (isOver(now)) return;
@@ -105,7 +105,7 @@ void Simulator::waitForEvents() {
 }
 
 Simulator::Clock::time_point Simulator::nextDeadline() const {
-    Clock::time_point deadline = mNextLook;
+    Clock::time_point deadline = mNextCheck;
     const auto consider = [&deadline](Clock::time_point other) { deadline = std::min(deadline, other); };
     if (!mReceiver) return deadline;
     if (!mReplay) consider(mSwitchedOn + (mReceiver->nextEpoch() - mStart));
@@ -123,12 +123,12 @@ bool Simulator::isOver(Clock::time_point now) const {
     return mOptions.endsWithLog && mReplay->isAtEnd() && mActions.empty() && !mPort.hasClient();
 }
 
-void Simulator::lookForClient(Clock::time_point now) {
+void Simulator::checkForClient(Clock::time_point now) {
     if (mHasPresenceEvent) mPort.updatePresence();
     mHasPresenceEvent = false;
-    if (now < mNextLook) return;
+    if (now < mNextCheck) return;
     mPort.checkPresence();
-    mNextLook = now + kLookInterval;
+    mNextCheck = now + kCheckInterval;
 }
 
 void Simulator::switchOn(Clock::time_point now) {
@@ -168,8 +168,8 @@ void Simulator::runDrive(Clock::time_point now) {
 }
 
 bool Simulator::mayReplay() const {
-    const bool isHeard = mPort.hasClient() || !mOptions.waitsForClient;
-    return isHeard && mActions.empty() && (mOptions.isLooping || !mReplay->isAtEnd());
+    const bool isRead = mPort.hasClient() || !mOptions.waitsForClient;
+    return isRead && mActions.empty() && (mOptions.isLooping || !mReplay->isAtEnd());
 }
 
 void Simulator::runReplay(Clock::time_point now) {

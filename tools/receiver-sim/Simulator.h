@@ -34,7 +34,7 @@ private:
 
     void waitForEvents();
     Clock::time_point nextDeadline() const;
-    void lookForClient(Clock::time_point now);
+    void checkForClient(Clock::time_point now);
     void switchOn(Clock::time_point now);
     void takeInput(Clock::time_point now);
     void produce(Clock::time_point now);
@@ -63,7 +63,7 @@ private:
     Clock::time_point mSwitchedOn;
     UtcTime mStart;  // the receiver's time then
     Clock::time_point mNextReplay;
-    Clock::time_point mNextLook;
+    Clock::time_point mNextCheck;
     Clock::time_point mLastInput;
     Clock::time_point mLastProgress;
 

@@ -20,8 +20,8 @@ struct Satellite {
 };
 
 /**
- * The satellites above the horizon, by number: thirty on circular orbits with the period of the real ones. Over Tokyo
- * 8 to 12 of them are tracked at any time.
+ * The satellites above the horizon, by number, of thirty on circular orbits with the real period. Over Tokyo, 8 to 12
+ * are tracked at any time.
  */
 std::vector<Satellite> skyAt(UtcTime time, const Geodetic& observer);
 

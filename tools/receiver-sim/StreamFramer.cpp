@@ -17,7 +17,7 @@ struct Start {
     Piece::Kind kind;
     std::size_t length;
 };
-constexpr Start kNotMine{Piece::Kind::Other, 1};
+constexpr Start kOther{Piece::Kind::Other, 1};
 
 std::optional<Start> sentenceStart(std::string_view bytes) {
     for (std::size_t i = 1; i < std::min(bytes.size(), kMaxSentence); ++i) {
@@ -26,25 +26,25 @@ std::optional<Start> sentenceStart(std::string_view bytes) {
         const bool isText = character == '\r' || (character >= ' ' && character <= '~');
         if (!isText || character == '$') return Start{Piece::Kind::Other, i};
     }
-    return bytes.size() < kMaxSentence ? std::nullopt : std::optional(kNotMine);
+    return bytes.size() < kMaxSentence ? std::nullopt : std::optional(kOther);
 }
 
 std::optional<Start> frameStart(std::string_view bytes) {
     if (bytes.starts_with(kSwitchToProduction)) return Start{Piece::Kind::Frame, kSwitchToProduction.size()};
     if (bytes.size() < kUbxHeaderSize) {
         const bool mayBecomeFrame = bytes.size() < kUbxSync.size() || bytes.starts_with(kUbxSync);
-        return mayBecomeFrame ? std::nullopt : std::optional(kNotMine);
+        return mayBecomeFrame ? std::nullopt : std::optional(kOther);
     }
-    if (!bytes.starts_with(kUbxSync) || announcedLength(bytes) > kMaxPayload) return kNotMine;
+    if (!bytes.starts_with(kUbxSync) || announcedLength(bytes) > kMaxPayload) return kOther;
     const std::size_t length = announcedLength(bytes) + kUbxOverhead;
     if (bytes.size() < length) return std::nullopt;
-    return isUbxFrame(bytes.substr(0, length)) ? Start{Piece::Kind::Frame, length} : kNotMine;
+    return isUbxFrame(bytes.substr(0, length)) ? Start{Piece::Kind::Frame, length} : kOther;
 }
 
 std::optional<Start> startOf(std::string_view bytes) {
     if (bytes.front() == '$') return sentenceStart(bytes);
     if (bytes.front() == kUbxSync.front()) return frameStart(bytes);
-    return kNotMine;
+    return kOther;
 }
 
 void append(std::vector<Piece>& pieces, Piece::Kind kind, std::string_view bytes) {
@@ -73,7 +73,7 @@ std::vector<Piece> StreamFramer::cut(bool isRestMissing) {
     while (!rest.empty()) {
         auto start = startOf(rest);
         if (!start && !isRestMissing) break;
-        if (!start) start = kNotMine;
+        if (!start) start = kOther;
         append(pieces, start->kind, rest.substr(0, start->length));
         rest.remove_prefix(start->length);
     }

@@ -18,7 +18,7 @@ struct Piece {
     std::string bytes;
 };
 
-/** Cuts a byte stream into pieces. No byte is lost: the pieces, one after another, are the stream. */
+/** Cuts a byte stream into pieces, which together are the stream, byte for byte. */
 class StreamFramer {
 public:
     /** The pieces that are complete with these bytes. */

@@ -18,7 +18,7 @@ struct MessageId {
     auto operator<=>(const MessageId&) const = default;
 };
 
-/** Class and id at the start of the bytes; they must be there. */
+/** Class and id, the first two bytes. */
 MessageId idOf(std::string_view bytes);
 
 constexpr std::string_view kUbxSync{"\xB5\x62", 2};
