@@ -12,8 +12,8 @@
 namespace tool {
 
 /**
- * Parses the options that `app` knows, and --version.
- * @return the exit status when nothing is left to do: help or the version was printed
+ * Parses the options of `app`, --help and --version.
+ * @return the exit status when help or the version was printed
  * @throws BadUse, or std::system_error when help or the version cannot be written; a closed pipe is no error
  */
 inline std::optional<int> parseCommandLine(CLI::App& app, int argc, char** argv) {

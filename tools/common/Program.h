@@ -15,19 +15,20 @@
 /** What the tools' main functions have in common. */
 namespace tool {
 
-/** What the user asks for cannot be done; the text names the option. */
+/** The command line asks for something that cannot be done; the text names the option. */
 class BadUse : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/** Occupies standard streams that the caller has closed, so that no file gets their numbers; using them is an error. */
+/** Opens closed standard streams to /dev/null, so that no file gets their numbers; reading or writing them fails. */
 inline void keepStandardStreams() {
     for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(fd, F_GETFD) < 0) open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
 }
 
+/** Prints a problem on one line and returns the exit status. */
 inline int complain(const char* program, std::string problem, int status) {
     std::replace(problem.begin(), problem.end(), '\n', ' ');
     std::fprintf(stderr, "%s: %s\n", program, problem.c_str());
@@ -35,9 +36,8 @@ inline int complain(const char* program, std::string problem, int status) {
 }
 
 /**
- * Runs a tool with the options that `parse` gives, or ends with its exit status. A problem is one line on standard
- * error.
- * @return exit status: what `run` returns, 2 for bad use, 1 for any other problem
+ * Parses the options and runs a tool. A problem is one line on standard error.
+ * @return exit status: that of `parse` or `run`, 2 for bad use, 1 for any other problem
  */
 template <class Options, class Run>
 int runProgram(const char* program, int argc, char** argv, std::variant<Options, int> (*parse)(int, char**), Run run) {

@@ -16,26 +16,26 @@
 
 namespace decode {
 
-/** How the receiver and the listeners are set up, and what of the stream is written. */
+/** The receiver's and the listeners' setup, and what is written. */
 struct Setup {
-    GeodeticSystem base = GEODETIC_SYSTEM_WGS84;    ///< in which the receiver reports
-    GeodeticSystem wanted = GEODETIC_SYSTEM_WGS84;  ///< by the listeners
+    GeodeticSystem base = GEODETIC_SYSTEM_WGS84;    ///< of the receiver
+    GeodeticSystem wanted = GEODETIC_SYSTEM_WGS84;  ///< of the listeners
     bool settingFinished = true;
     bool readsLfAsCrLf = false;
     bool isVerbose = false;
     Selection selection;
 };
 
-/** Number of chunks by the reason why they gave no record and no status; those that did are Refusal::None. */
+/** Number of chunks, by Refusal. */
 using RefusalCounts = std::array<unsigned long, static_cast<std::size_t>(Refusal::Count)>;
 
 /**
- * Cuts a byte stream into chunks and dispatches them as the service does, to one listener of each kind, without using
- * the memory that processes share.
+ * Cuts a byte stream into chunks and dispatches them to one listener of each kind as the service does, without the
+ * shared memory.
  */
 class Decoder {
 public:
-    /** @param format gets every selected event at once; must outlive this object, as must `text`, to which it writes */
+    /** @param format gets every selected event, and writes to `text`; both must outlive this object */
     Decoder(const Setup& setup, Format& format, std::string& text);
 
     void feed(const char* data, unsigned length);
@@ -49,13 +49,13 @@ public:
     unsigned long droppedBytes() const { return mFramer.droppedBytes(); }
     const RefusalCounts& refusals() const { return mRefusals; }
 
-    // Steps for the chunks that `route` passes on, as in the service.
+    // Called by `route`, as those of the service.
 
     void connectionStatusProc(const char* chunk, unsigned length);
     void nmeaSentenceProc(const char* chunk, unsigned length);
     void parseNmeaSentenceProc(const char* chunk, unsigned length);
     void parseGpsProductionDataProc(const char* chunk, unsigned length);
-    // No requests are made, so an acknowledgement has no receiver.
+    // Without requests nothing waits for an acknowledgement.
     void responseGpsSettingProc(const char*, unsigned) { mRefusal = Refusal::Frame; }
     void responseGpsProductionProc(const char*, unsigned) {}
 
@@ -79,11 +79,11 @@ private:
     std::string mWithCr;
     std::string_view mChunk;
     sentence_text::Sentence mSentence;
-    bool mIsChecked = false;  // mSentence is what the parser gets
+    bool mIsChecked = false;  // it is a sentence with a correct checksum, mSentence
     bool mHasTime = false;
     bool mIsDelivered = false;
     bool mHasRecord = false;
-    Refusal mRefusal = Refusal::None;  // if it has no record
+    Refusal mRefusal = Refusal::None;  // for the case that it gives no record
 
     unsigned long mDelivered = 0;
     RefusalCounts mRefusals{};

@@ -11,8 +11,8 @@
 
 namespace decode {
 
-/** One notification: its name, what the listener gets, and the received chunk that it comes from. Everything that is
- *  pointed to lives as long as the notification. */
+/** One notification, and the received chunk that caused it. Everything pointed to is valid during the notification
+ * only. */
 struct Event {
     using Content = std::variant<std::string_view,  // a raw sentence
                                  GpsConnectionStatus, const PARSE_NMEA*, const GPGGA*, const GPGLL*, const GPGSA*,
@@ -23,14 +23,14 @@ struct Event {
     Content content;
     std::string_view chunk;
     std::optional<UtcTime> time;  ///< of the last sentence that had one
-    bool hasOwnTime;              ///< it is the time of this chunk
-    unsigned starts;              ///< of the receiver, as its texts show, before this event
+    bool hasOwnTime;              ///< `time` is from this chunk
+    unsigned starts;              ///< how often the receiver has started, by its texts
 };
 
 /** Why a chunk gave its listener neither a record nor a status. */
 enum class Refusal { None, Checksum, Length, LineEnd, Field, Datum, Kind, Text, Frame, Count };
 
-/** A chunk all of whose events have been written. */
+/** A chunk, after all its events. */
 struct ChunkEnd {
     std::string_view chunk;
     std::optional<UtcTime> time;
@@ -38,7 +38,7 @@ struct ChunkEnd {
     std::string_view missingField;  ///< "RMC Lat", for Refusal::Field
 };
 
-/** A form in which events are written; each operation appends to the text. */
+/** A form of output; each operation appends to the text. */
 class Format {
 public:
     virtual ~Format() = default;

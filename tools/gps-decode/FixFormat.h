@@ -5,7 +5,7 @@
 
 namespace decode {
 
-/** The position data of the sentences with one time; values that none of them has are empty. */
+/** The position data of the sentences of one time; empty where none of them has a value. */
 struct Fix {
     struct Place {
         double latitude;  ///< degrees, north and east positive
@@ -20,17 +20,17 @@ struct Fix {
     std::optional<double> course;    ///< degrees from true north
     std::optional<double> hdop;
     std::optional<int> satellites;  ///< used
-    int dimensions = 0;             ///< 2 or 3; 0 where no GSA has it
+    int dimensions = 0;             ///< 2 or 3; 0 without a GSA
     bool isDifferential = false;
     bool beginsSegment = false;  ///< the first of a track segment
-    unsigned starts = 0;         ///< of the receiver, before
+    unsigned starts = 0;         ///< as Event::starts
 };
 
-/** "none", "2d", "3d" or "dgps", as GPX calls them; empty when the sentences do not show it. */
+/** "none", "2d", "3d" or "dgps", as in GPX; empty when unknown. */
 const char* fixName(const Fix& fix);
 
 /**
- * A form made of fixes. An RMC, a GGA of the same time of day and the first GSA after them make one fix. It has no
+ * A form of output by fixes. An RMC, a GGA of the same time of day and the first GSA after them make one fix. It has no
  * place when the RMC's status is not "A", the GGA's quality is 0 or the coordinates are invalid. A track segment begins
  * where the fix was lost, the receiver started, time went back or `gap` passed without a fix.
  */
@@ -56,7 +56,7 @@ private:
     void add(const GPGGA& gga, const Event& event, std::string& text);
     void add(const GPRMC& rmc, const Event& event, std::string& text);
     void add(const GPGSA& gsa);
-    /** The epoch to which a sentence of this kind and time belongs; `has` is whether an epoch has one already. */
+    /** The epoch of an event; a new one begins with another time or a second sentence of a kind, by its flag `has`. */
     Epoch& epochOf(const Event& event, bool Epoch::*has, std::string& text);
     void finishFix(std::string& text);
     bool isJump(const Fix& fix) const;

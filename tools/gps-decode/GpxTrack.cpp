@@ -17,7 +17,7 @@ constexpr std::string_view kEnd = "</trk>\n</gpx>\n";
 
 constexpr double kKmhPerMetrePerSecond = 3.6;
 
-/** An element with a value, if there is one. */
+/** An element, if there is a value. */
 template <class Value>
 std::string element(std::string_view format, const std::optional<Value>& value) {
     return value ? fmt::format(fmt::runtime(format), *value) : std::string();

@@ -5,7 +5,7 @@
 
 namespace decode {
 
-/** The positions as one GPX 1.1 track. Speed and course are in the extension that most readers know. */
+/** The positions as one GPX 1.1 track. Speed and course are in the TrackPointExtension, which most readers know. */
 class GpxTrack : public FixFormat {
 public:
     GpxTrack(std::string name, std::chrono::milliseconds gap) : FixFormat(gap), mName(std::move(name)) {}

@@ -6,7 +6,7 @@
 
 namespace decode {
 
-/** A file or standard input, read from front to end. Errors are thrown as std::system_error that names the input. */
+/** A file or standard input. Errors are thrown as std::system_error with the name of the input. */
 class Input {
 public:
     /** @param path "-" for standard input */
@@ -17,9 +17,9 @@ public:
 
     const std::string& name() const { return mName; }
     int fd() const { return mFd; }
-    /** Bytes in a regular file; none for anything else. */
+    /** Bytes of a regular file. */
     std::optional<std::size_t> size() const;
-    /** Reads what there is, at least one byte; waits for it. 0 at the end. */
+    /** Waits for bytes and reads them. 0 at the end. */
     std::size_t read(char* buffer, std::size_t size);
 
 private:

@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kEndSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-// What the handler may touch.
+// Of the handler.
 int gWakeUp = -1;
 volatile sig_atomic_t gSignal = 0;
 

@@ -11,7 +11,7 @@ namespace decode {
 
 namespace {
 
-/** Writes values to a text; a function writes the content of an object. */
+/** Appends values to a text. */
 class JsonWriter {
 public:
     explicit JsonWriter(std::string& text) : mText(text) {}
@@ -91,7 +91,7 @@ private:
     std::string& mText;
 };
 
-/** Writes what follows the event's name. */
+/** Appends an event's content. */
 struct ContentWriter {
     JsonWriter& json;
 

@@ -6,9 +6,9 @@
 namespace decode {
 
 /**
- * One JSON object a line: "event", then the fields under their own names and in their order. Integer fields never have
- * a point, doubles always have a point or an exponent and read back as the same bits; those that are not finite, which
- * JSON cannot express, become null.
+ * One JSON object a line: "event", then the record's fields by name, in order. Integers never have a point; doubles
+ * always have a point or an exponent and read back as the same bits. A double that is not finite, which JSON cannot
+ * express, is null.
  */
 class JsonLines : public Format {
 public:

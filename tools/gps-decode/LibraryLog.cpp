@@ -1,5 +1,6 @@
 #include "tools/gps-decode/LibraryLog.h"
 
+#include <cctype>
 #include <cstdio>
 #include <string_view>
 
@@ -41,7 +42,7 @@ void LibraryLog::receive(void* log, const char* file, const char* function, int 
     if (text.ends_with(" Error")) text.remove_suffix(std::string_view(" Error").size());
     self.mMissingField.clear();
     for (const char letter : parser)
-        self.mMissingField += static_cast<char>(letter & ~0x20);  // to upper case
+        self.mMissingField += static_cast<char>(std::toupper(letter));
     (self.mMissingField += ' ') += text;
 }
 

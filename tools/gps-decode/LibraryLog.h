@@ -5,11 +5,10 @@
 
 namespace decode {
 
-/** Receives the library's messages while this object exists; those of the parsers name a missing field. One object at a
- *  time. */
+/** Receives the library's messages while this object exists, to learn which field is missing. One object at a time. */
 class LibraryLog {
 public:
-    /** @param isShown on standard error, too */
+    /** @param isShown also prints the messages on standard error */
     explicit LibraryLog(bool isShown);
     ~LibraryLog();
     LibraryLog(const LibraryLog&) = delete;

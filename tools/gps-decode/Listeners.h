@@ -8,7 +8,7 @@
 
 namespace decode {
 
-/** The four listeners in one: every notification goes to the sink. Answers to requests do not occur in a capture. */
+/** One object as all four listeners; notifications go to the sink. A capture has no answers to requests. */
 class Listeners : public GpsNmeaListener,
                   public GpsParseNmeaListener,
                   public GpsConnectionListener,

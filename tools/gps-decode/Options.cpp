@@ -67,7 +67,7 @@ constexpr struct {
                {"production", "notifyReceiveGpsProductionData"},
                {"check", "notifyReceiveGpsProductionCheckData"}};
 
-/** Option values as typed; parseOptions converts them. */
+/** Values that parseOptions converts. */
 struct Typed {
     std::string base = "wgs84";
     std::string wanted = "wgs84";
@@ -77,7 +77,7 @@ struct Typed {
     unsigned gap = 10;
 };
 
-/** Options that exclude each other: each chooses a form of output. */
+/** The options that choose a form of output; they exclude each other. */
 void addForms(CLI::App& app, Options& options) {
     using Form = Options::Form;
     const auto add = [&](const char* name, Form form, const char* help) {
@@ -126,7 +126,7 @@ void addOptions(CLI::App& app, Options& options, Typed& typed) {
     app.add_flag("--verbose", options.setup.isVerbose, "Show the library's messages on standard error");
 }
 
-/** The notification that the user means. */
+/** The notification named by --event. */
 std::string eventOf(const std::string& typed) {
     std::string known;
     for (const auto& event : kEvents) {

@@ -9,7 +9,7 @@ namespace decode {
 /** The reader of standard output has closed it. */
 struct ReaderGone {};
 
-/** Standard output or a file, written from front to end. Errors are thrown as std::system_error that names it. */
+/** Standard output or a file. Errors are thrown as std::system_error with its name. */
 class Output {
 public:
     /** Opens and truncates the file. @param path "-" for standard output */

@@ -10,7 +10,7 @@
 
 namespace decode {
 
-/** Which events are written. Times without a date are times of any day; a range of them may pass midnight. */
+/** Which events are written. A time without a date is one of every day; a range of such times may pass midnight. */
 struct Selection {
     std::vector<std::string> names;  ///< empty for all
     std::optional<UtcTime> from;
@@ -20,7 +20,7 @@ struct Selection {
         return names.empty() || std::find(names.begin(), names.end(), name) != names.end();
     }
 
-    /** Both ends belong to the range. No range includes an event without a time. */
+    /** Both ends are included; an event without a time never is. */
     bool includesTime(const std::optional<UtcTime>& time) const {
         if (!from && !to) return true;
         if (!time) return false;
@@ -31,7 +31,7 @@ struct Selection {
     }
 
 private:
-    /** @param limit one of them, as the user gave it */
+    /** @param limit the one that the user gave */
     static bool isInOrder(const UtcTime& earlier, const UtcTime& later, const UtcTime& limit) {
         if (!limit.hasDate) return earlier.ofDay() <= later.ofDay();
         return earlier.hasDate && later.hasDate && earlier.since <= later.since;

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/** The value of a text of digits only, within limits. */
+/** The value of a text of digits, if it is within the limits. */
 std::optional<int> numberOf(std::string_view text, int lowest, int highest) {
     int number = 0;
     for (const char digit : text) {
@@ -48,7 +48,7 @@ std::optional<days> noDate(std::string_view) {
 }
 
 std::optional<days> rmcDate(std::string_view sentence) {
-    constexpr int kFirstYear = 80;  // the system's time begins in 1980
+    constexpr int kFirstYear = 80;  // GPS time begins in 1980
     const std::string_view field = fieldOf(sentence, 9);
     if (field.size() != 6) return std::nullopt;
     auto year = numberOf(field.substr(4), 0, 99);

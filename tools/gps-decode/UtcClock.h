@@ -17,10 +17,10 @@ struct UtcTime {
     std::chrono::milliseconds ofDay() const { return since - std::chrono::floor<std::chrono::days>(since); }
 };
 
-/** "2026-11-16T01:02:03Z"; "01:02:03Z" without a date. Milliseconds only where they are not 0. */
+/** "2026-11-16T01:02:03Z" or, without a date, "01:02:03Z"; with milliseconds unless they are 0. */
 std::string isoText(const UtcTime& time);
 
-/** The fields of a sentence, of which the address is number 0; empty where there is none. */
+/** A field of a sentence, by number; the address is 0. Empty when there is none. */
 std::string_view fieldOf(std::string_view sentence, unsigned number);
 
 /**
@@ -29,8 +29,7 @@ std::string_view fieldOf(std::string_view sentence, unsigned number);
  */
 class UtcClock {
 public:
-    /** @param sentence whose checksum is right
-     *  @return whether it has a time; one without changes nothing */
+    /** Takes the time of a sentence with a correct checksum; false when it has none. */
     bool read(std::string_view sentence);
     /** The last time read. */
     const std::optional<UtcTime>& now() const { return mNow; }

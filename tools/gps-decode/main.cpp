@@ -25,7 +25,7 @@ using decode::Options;
 using decode::Refusal;
 
 constexpr std::size_t kBlock = 128UL * 1024;
-constexpr int kSignalStatus = 128;  // plus the signal's number, as shells have it
+constexpr int kSignalStatus = 128;  // plus the signal's number, as in shells
 
 constexpr const char* kRefusalNames[] = {"none",  "checksum", "length", "line end", "field",
                                          "datum", "kind",     "text",   "frame"};
@@ -48,7 +48,7 @@ std::unique_ptr<decode::Format> formatOf(const Options& options, const std::stri
     return std::make_unique<decode::JsonLines>();
 }
 
-/** Feeds the input to the decoder, and writes the output of every block before it waits for the next one. */
+/** Decodes the input, and writes the output of every block before it waits for the next one. */
 void decodeAll(decode::Input& input, const decode::Interrupt& interrupt, decode::Decoder& decoder, std::string& text,
                decode::Output& output) {
     decode::Progress progress(input.size());
@@ -96,7 +96,7 @@ int decodeStream(const Options& options) {
     return interrupt.signal() == 0 ? 0 : kSignalStatus + interrupt.signal();
 }
 
-/** It is no problem when the reader closes the output. */
+/** The end of the output's reader is no error. */
 int run(const Options& options) {
     try {
         return decodeStream(options);

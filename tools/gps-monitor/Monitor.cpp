@@ -13,7 +13,7 @@ namespace monitor {
 
 namespace {
 
-/** Every count, for programs that read the lines. */
+/** All counts, for programs that read the lines. */
 std::string countsLine(const MonitorState& state) {
     std::string text = "summary";
     for (std::size_t i = 0; i < kNotificationNames.size(); ++i)

@@ -10,7 +10,7 @@
 namespace monitor {
 
 /**
- * Runs the monitor until a signal, a key, the time or a failed write ends it, then prints what it received.
+ * Runs the monitor until a signal, a key, --seconds or a failed write ends it, then prints a summary.
  * @return exit status: 1 when a setting of the command line was not acknowledged or a recording failed
  */
 int runMonitor(const Options& options);
@@ -18,7 +18,7 @@ int runMonitor(const Options& options);
 void runPlain(const Options& options, Model& model, Signals& signals, PlainWriter& writer);
 void runScreen(const Options& options, Model& model, Signals& signals, Terminal& terminal);
 
-/** Milliseconds for poll(2) until a moment, at most a second; 0 when it has passed. */
+/** Milliseconds until a moment, at most 1000; 0 when it has passed. */
 int millisecondsUntil(Clock::time_point moment);
 
 }  // namespace monitor

@@ -29,7 +29,7 @@ std::string footer() {
     return text;
 }
 
-/** Option values as typed; parseOptions converts them. */
+/** Values that parseOptions converts. */
 struct Texts {
     std::string datum = "wgs84";
     std::string coordinates = std::string(kCoordinateFormatNames[0]);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::chrono::seconds kStatusInterval{1};
 
-/** True when a signal has asked the program to end. */
+/** Whether a signal has asked the program to end. */
 bool isEndAsked(Signals& signals) {
     while (const auto signal = signals.take()) {
         if (isEndSignal(*signal)) return true;
@@ -23,7 +23,7 @@ bool isEndAsked(Signals& signals) {
 
 void runPlain(const Options& options, Model& model, Signals& signals, PlainWriter& writer) {
     Session session(options, model, &writer);
-    // This thread writes nothing, so that a reader that has stopped cannot keep it from handling signals.
+    // Another thread writes, so that this one handles signals even when the reader has stopped.
     const Periodic statusReport(kStatusInterval, [&, shown = std::string()]() mutable {
         const std::string status = session.link(model.snapshot()).text;
         if (status != shown) writer.line("status " + status);

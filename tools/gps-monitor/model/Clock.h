@@ -18,7 +18,7 @@ struct Timed {
     Value value;
 };
 
-/** Estimates the time between two epochs as the median of the last five intervals; one second before that. */
+/** Estimates the time between two epochs as the median of the last five intervals, one second each before them. */
 class EpochTimer {
 public:
     /** An epoch has begun. */

@@ -7,8 +7,8 @@
 namespace monitor {
 
 /**
- * A location to publish: the receiver's newest records, with an example position while it has no fix, and a PASCD block
- * that is easy to recognise at the receiving end.
+ * A location to publish: the receiver's newest records, with an example position while it has no fix, and an example
+ * PASCD block.
  */
 GPS_LOCATION_SYNC_DATA makeLocation(const MonitorState& state, Clock::time_point now);
 

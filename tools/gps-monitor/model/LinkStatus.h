@@ -10,7 +10,7 @@ namespace monitor {
 
 enum class Health { good, unsure, bad };
 
-/** Whether sentences are received, in words. */
+/** Whether sentences arrive, and what to show of it. */
 struct LinkStatus {
     Health health;
     std::string text;

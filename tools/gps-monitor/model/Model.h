@@ -10,10 +10,10 @@
 
 namespace monitor {
 
-/** The one MonitorState, shared by the threads that notify, those that request and the one that draws. */
+/** The MonitorState, shared by all threads. */
 class Model {
 public:
-    /** Changes the state by `change(MonitorState&)`, which must not block, and wakes waiting threads. */
+    /** Calls `change(MonitorState&)`, which must not block, and wakes waiting threads. */
     template <class Change>
     void update(Change change) {
         {

@@ -78,7 +78,7 @@ struct MonitorState {
     std::optional<Timed<Position>> position;
     std::optional<Timed<Altitude>> altitude;
     std::optional<Timed<Motion>> motion;
-    bool hadFix = false;                         ///< as of the last updateFix()
+    bool hadFix = false;                         ///< at the last updateFix()
     std::optional<Clock::time_point> fixLostAt;  ///< time of the last position before the fix was lost
     Track track;
 
@@ -101,10 +101,10 @@ void apply(MonitorState& state, const GPRMC& record, Clock::time_point now);
 void addRawSentence(MonitorState& state, RawSentence sentence);
 void addLog(MonitorState& state, std::string text, std::time_t time);
 
-/** True when a value received at `time` is older than two epochs. */
+/** Whether a value received at `time` is older than two epochs. */
 bool isStale(const MonitorState& state, Clock::time_point time, Clock::time_point now);
 
-/** True while positions come with each epoch. */
+/** Whether epochs have positions. */
 bool hasFix(const MonitorState& state, Clock::time_point now);
 
 /** Logs a fix that was lost or regained since the last call. @return what it logged */

@@ -9,7 +9,7 @@ namespace monitor {
 namespace {
 
 constexpr std::chrono::seconds kInViewLifetime{10};
-constexpr long long kBridgedSeconds = 2;  // an epoch may miss a second of the clock by a little
+constexpr long long kBridgedSeconds = 2;  // epochs one second apart may skip a second of the clock
 
 long long secondOf(Clock::time_point time) {
     return std::chrono::floor<std::chrono::seconds>(time.time_since_epoch()).count();

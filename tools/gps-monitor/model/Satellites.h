@@ -52,8 +52,8 @@ private:
     std::array<std::optional<Timed<GPGSV>>, SATELLITE_TYPE_GNSS + 1> mSystems;  // by SatelliteType
     std::map<std::pair<SatelliteType, unsigned>, Signal> mSignals;              // by system and number
 
-    // Satellites that the GSA sentences list: of this epoch so far, and of the epoch before, used until this one is
-    // complete.
+    // Satellites that the GSA sentences list: those of this epoch so far, and those of the last one, which may be
+    // missing in this one only because it is not complete.
     std::bitset<256> mUsedNow;
     std::bitset<256> mUsedBefore;
 };

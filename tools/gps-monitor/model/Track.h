@@ -13,7 +13,7 @@ struct TrackPoint {
     bool startsSegment;
 };
 
-/** The positions since the start. When there are too many, every second one is dropped, also from then on. */
+/** The positions since the start. When there are too many, every second one is dropped, of later ones too. */
 class Track {
 public:
     void add(const Position& position, bool startsSegment);

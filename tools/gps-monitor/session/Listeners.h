@@ -13,8 +13,7 @@ namespace monitor {
 /** Logs a fix that was lost or regained in the model and, when there is one, to the writer. */
 void watchFix(Model& model, PlainWriter* writer);
 
-/** Handles all notifications: updates the model, writes a line for each when there is a writer, and records the raw
- *  sentences. */
+/** Updates the model by all notifications, writes a line for each if there is a writer, and records raw sentences. */
 class Listeners : public GpsNmeaListener,
                   public GpsParseNmeaListener,
                   public GpsLocationDataListener,
@@ -71,7 +70,7 @@ private:
     Recorder& mRecorder;
 };
 
-/** Handles the raw sentences in a second datum: stores the position and the time of the last sentence. */
+/** Takes the position from the raw sentences in a second datum. */
 class OtherDatumListener : public GpsNmeaListener {
 public:
     explicit OtherDatumListener(Model& model) : mModel(model) {}

@@ -11,21 +11,21 @@
 namespace monitor {
 
 /**
- * Appends raw sentences to a file while it records. The model shows the file and how many sentences were recorded. A
- * write that fails ends the recording; the reason is logged and kept in the model. Any thread.
+ * Appends raw sentences to a file while it records, and keeps the file's name and the number of sentences in the model.
+ * A failed write ends the recording; the reason is logged and kept in the model. Any thread.
  */
 class Recorder {
 public:
     /**
      * @param writer gets a line when a recording fails; may be null
-     * @param path the file to start with; empty: none
+     * @param path file to record to from the start; empty: none
      */
     Recorder(Model& model, PlainWriter* writer, const std::string& path);
     ~Recorder();
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
-    /** Stops, or starts again: with the file used before, or else one named after the time in UTC. */
+    /** Stops, or starts: with the last file, or else one named after the time in UTC. */
     void toggle();
 
     void write(std::string_view sentence);

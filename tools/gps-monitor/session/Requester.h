@@ -14,10 +14,8 @@
 namespace monitor {
 
 /**
- * Makes requests of the library one after another on its own thread, so that neither sending nor waiting for an
- * answer blocks the caller. The outcome goes to the model, and to the writer when there is one.
- *
- * All operations return at once. The destructor drops what has not been started.
+ * Makes requests of the library one after another on its own thread; all operations return at once. The outcome goes to
+ * the model, and to the writer if there is one. The destructor drops requests that have not been started.
  */
 class Requester {
 public:
@@ -44,7 +42,7 @@ private:
     /** Makes a request that is answered: adds it to the model, sends it and waits. True when it was sent. */
     bool ask(const std::stop_token& stop, std::string_view operation, const Request& request,
              const std::function<bool()>& send);
-    /** Makes a request without waiting: it has no answer, or had it before it returned. */
+    /** Makes a request that has no answer, or has it before it returns. */
     void post(std::string_view operation, const std::function<bool()>& send);
     void checkProduction(const std::stop_token& stop);
 

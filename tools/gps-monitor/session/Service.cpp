@@ -8,7 +8,7 @@ namespace monitor {
 
 namespace {
 
-/** A message's place in the source, as written before the message. */
+/** A message's place in the source, to be printed before it. */
 std::string where(std::string_view file, int line, const char* function) {
     if (file.empty()) return "";
     return fmt::format("{}:{} {}: ", tool::printable(file), line, tool::printable(function));
@@ -49,8 +49,7 @@ Service::Service(Model& model, PlainWriter* writer, Recorder& recorder, Geodetic
     mGps->registerGpsConnectionListener(&mListeners);
     mGps->registerGpsParseNmeaListener(&mListeners, datum);
     mGps->registerGpsNmeaListener(&mListeners, datum);
-    // The other datum is watched through raw sentences: a raw listener that cannot be served has no effect on others,
-    // whereas a parse listener that cannot be served keeps every epoch from being finished.
+    // A raw listener, because a parse listener of a datum that is not delivered would keep every epoch from completion.
     mGps->registerGpsNmeaListener(&mOtherDatumListener, otherDatum(datum));
 }
 

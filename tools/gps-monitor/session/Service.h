@@ -13,7 +13,7 @@ class Service {
 public:
     /**
      * @param datum datum of the raw and the parsed sentences
-     * @param writer null while the screen shows what happens
+     * @param writer null when there is a screen
      */
     Service(Model& model, PlainWriter* writer, Recorder& recorder, GeodeticSystem datum);
     ~Service();
@@ -26,7 +26,7 @@ public:
     const std::string& startMessage() const { return mStartMessage; }
 
 private:
-    /** Receives the debug log as long as it exists. */
+    /** Receives the library's messages while it exists. */
     class LogSink {
     public:
         LogSink(Model& model, PlainWriter* writer);

@@ -11,8 +11,8 @@ namespace monitor {
 /**
  * Writes whole lines to a file descriptor, in the order of the calls. Any thread.
  *
- * A slow reader blocks the writing thread; the first failed write ends the output. After stop(), a reader that reads
- * nothing for a second counts as gone, so that the program can end.
+ * A slow reader blocks the writing thread. The first failed write ends the output. After stop(), so does a reader that
+ * reads nothing for a second.
  */
 class PlainWriter {
 public:

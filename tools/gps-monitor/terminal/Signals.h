@@ -6,9 +6,8 @@
 namespace monitor {
 
 /**
- * Makes signals available to poll(2): those that end the program, SIGWINCH and SIGTSTP. They are
- * blocked in the thread that creates this object and in all threads that it starts afterwards, so no handler ever runs.
- * SIGPIPE is ignored.
+ * Makes signals available to poll(2): those that end the program, SIGWINCH and SIGTSTP. They are blocked in the thread
+ * that creates this object and in all threads that it starts afterwards. SIGPIPE is ignored.
  */
 class Signals {
 public:
@@ -19,14 +18,14 @@ public:
 
     int fd() const { return mFd; }
 
-    /** The next signal that came; none when there is none. Does not wait. */
+    /** The next signal, if one has come. */
     std::optional<int> take();
 
 private:
     int mFd;
 };
 
-/** True for the signals that ask the program to end. */
+/** Whether a signal asks the program to end. */
 bool isEndSignal(int signal);
 
 }  // namespace monitor

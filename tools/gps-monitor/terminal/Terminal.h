@@ -10,7 +10,7 @@ namespace monitor {
 /** The terminal as a full screen. One object at a time, used by one thread. */
 class Terminal {
 public:
-    /** Takes the terminal over; null when standard output is no terminal, or one that cannot be drawn on. */
+    /** Takes over the terminal; null when standard output is none, or one whose cursor cannot be moved. */
     static std::unique_ptr<Terminal> open();
 
     /** Restores the terminal. */
@@ -30,7 +30,7 @@ public:
     /** Makes the next show() send everything. */
     void redraw();
 
-    /** The next key that was pressed, as its ASCII character where it has one, or a negative number. Does not wait. */
+    /** The next key pressed, as its ASCII character if it has one; negative when there is none. */
     int readKey();
 
     /** Stops the process as Ctrl-Z does; the terminal is restored meanwhile. */

@@ -14,7 +14,7 @@ struct Cell {
     Style style = Style::normal;
 };
 
-/** A rectangle of cells; nothing is shown when it has no width or no height. */
+/** A rectangle of cells. */
 struct Rect {
     int x = 0;
     int y = 0;
@@ -47,7 +47,7 @@ private:
 /** A part of a canvas with its own coordinates; nothing is drawn outside it. */
 class Panel {
 public:
-    /** The part of `canvas` that `area` covers; it may extend past the canvas's edges. */
+    /** @param area may extend past the edges of the canvas */
     Panel(Canvas& canvas, Rect area) : mCanvas(canvas), mArea(area) {}
 
     int width() const { return mArea.width; }

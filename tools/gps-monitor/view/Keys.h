@@ -8,7 +8,7 @@
 
 namespace monitor {
 
-/** What a key does: request a setting, or one of these. */
+/** What a key does. */
 enum class Action {
     quit,
     help,
@@ -75,7 +75,7 @@ constexpr const Key* findKey(int pressed) {
     return nullptr;
 }
 
-/** True for a key that sends something to the receiver or to other processes. */
+/** Whether a key sends something to the receiver or to other processes. */
 constexpr bool sends(const Key& key) {
     return key.action >= Action::setting;
 }

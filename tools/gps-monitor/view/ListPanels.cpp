@@ -107,7 +107,7 @@ void drawCounts(Panel panel, const View& view) {
 }
 
 void drawRaw(Panel panel, const View& view) {
-    constexpr int kTimeWidth = 14;  // shown when the longest sentence fits beside it
+    constexpr int kTimeWidth = 14;  // the time is shown when the longest sentence fits beside it
     constexpr int kSentenceWidth = 82;
     const bool showsTime = panel.width() >= kTimeWidth + kSentenceWidth;
     std::vector<const RawSentence*> matching;

@@ -43,7 +43,7 @@ public:
     explicit Labels(Panel& panel)
         : mPanel(panel), mTaken(static_cast<std::size_t>(panel.width()) * static_cast<std::size_t>(panel.height())) {}
 
-    /** As near to a place as possible; a dot when there is no room. */
+    /** Writes near a place; a dot there when there is no room. */
     void write(Place place, std::string_view text, Style style) {
         constexpr Place kShifts[] = {{0, 0},  {-1, 0},  {1, 0},  {0, -1}, {0, 1},
                                      {-2, 0}, {-1, -1}, {-1, 1}, {1, -1}, {1, 1}};
@@ -53,7 +53,7 @@ public:
         if (!isTaken(place.x, place.y)) mPanel.put(place.x, place.y, U'•', style);
     }
 
-    /** Exactly at a place. False when there is no room. */
+    /** Writes exactly at a place; false when there is no room. */
     bool tryWrite(Place place, std::string_view text, Style style) {
         const int end = place.x + columns(text);
         if (place.x < 0 || end > mPanel.width() || place.y < 0 || place.y >= mPanel.height()) return false;

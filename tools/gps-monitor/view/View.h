@@ -15,7 +15,7 @@ namespace monitor {
 struct View {
     const MonitorState& state;
     const Controls& controls;
-    GeodeticSystem datum;  ///< of the sentences that the monitor asked for
+    GeodeticSystem datum;  ///< of the sentences
     LinkStatus link;
     Clock::time_point now;
 
