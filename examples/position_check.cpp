@@ -1,6 +1,6 @@
-// Prints once a second whether the vehicle's position can be trusted: it must come from a valid fix of good geometry
-// and be recent. A receiver that loses its fix keeps sending, and one that is unplugged sends nothing, so a client must
-// check both the status and the age. Ends after the given number of seconds (default 60).
+// Prints once a second the vehicle's position, or why there is none that can be trusted: it must come from a recent fix
+// of good geometry. A client must check both status and age: a receiver without a fix keeps sending, one that is
+// unplugged sends nothing. Ends after the given number of seconds (default 60).
 
 #include <chrono>
 #include <cstdio>
@@ -22,9 +22,8 @@ public:
         if (!mHasFix) {
             std::puts("no position: the receiver has had no fix yet");
         } else if (Clock::now() - mTime > kOldest) {
-            std::printf(
-                "no position: the last fix is %ld s old\n",
-                static_cast<long>(std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - mTime).count()));
+            std::printf("no position: the last fix is %.0f s old\n",
+                        std::chrono::duration<double>(Clock::now() - mTime).count());
         } else if (mGga.HDOP > kWorstDilution) {
             std::printf("no position: too inaccurate, HDOP %.1f\n", mGga.HDOP);
         } else {
