@@ -83,7 +83,7 @@ private:
     bool mHasTime = false;
     bool mIsDelivered = false;
     bool mHasRecord = false;
-    Refusal mRefusal = Refusal::None;  // for the case that it gives no record
+    Refusal mRefusal = Refusal::None;  // if it gives no record
 
     unsigned long mDelivered = 0;
     RefusalCounts mRefusals{};

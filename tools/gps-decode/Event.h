@@ -11,8 +11,7 @@
 
 namespace decode {
 
-/** One notification, and the received chunk that caused it. Everything pointed to is valid during the notification
- * only. */
+/** One notification and the chunk that caused it. Pointers are valid during the notification only. */
 struct Event {
     using Content = std::variant<std::string_view,  // a raw sentence
                                  GpsConnectionStatus, const PARSE_NMEA*, const GPGGA*, const GPGLL*, const GPGSA*,

@@ -56,7 +56,7 @@ private:
     void add(const GPGGA& gga, const Event& event, std::string& text);
     void add(const GPRMC& rmc, const Event& event, std::string& text);
     void add(const GPGSA& gsa);
-    /** The epoch of an event; a new one begins with another time or a second sentence of a kind, by its flag `has`. */
+    /** The epoch of an event: a new one for another time, and when `has` shows that the epoch has such a sentence. */
     Epoch& epochOf(const Event& event, bool Epoch::*has, std::string& text);
     void finishFix(std::string& text);
     bool isJump(const Fix& fix) const;

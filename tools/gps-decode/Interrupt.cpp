@@ -16,7 +16,7 @@ namespace {
 
 constexpr int kEndSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
-// Of the handler.
+// Used by the signal handler.
 int gWakeUp = -1;
 volatile sig_atomic_t gSignal = 0;
 

@@ -8,7 +8,7 @@ namespace decode {
 
 /**
  * A line on standard error that shows how much of a long input has been read; the destructor removes it. Shown only
- * when standard error is a terminal, standard output is none, and the input's size is known.
+ * when standard error is a terminal, standard output is not, and the input's size is known.
  */
 class Progress {
 public:

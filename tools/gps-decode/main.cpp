@@ -96,7 +96,7 @@ int decodeStream(const Options& options) {
     return interrupt.signal() == 0 ? 0 : kSignalStatus + interrupt.signal();
 }
 
-/** The end of the output's reader is no error. */
+/** A reader that closes the output ends the program without an error. */
 int run(const Options& options) {
     try {
         return decodeStream(options);

@@ -10,7 +10,7 @@
 
 namespace sim {
 
-/** What commands change and a restart resets to what was saved, section by section. */
+/** The state that commands change and a restart resets to what was saved. Sections are saved separately. */
 struct Configuration {
     struct Port {
         unsigned baud;

@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kPowerUp = 300ms;  // before a log begins; clients register meanwhile
 constexpr auto kCheckInterval = 1s;
-constexpr auto kInputPause = 200ms;  // after which a command is complete or given up
+constexpr auto kInputPause = 200ms;  // after which an incomplete command is given up
 constexpr auto kStallLimit = 10s;    // how long bytes wait for a client that reads nothing
 constexpr std::size_t kMaxWaiting = 16384;
 

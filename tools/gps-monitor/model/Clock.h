@@ -18,7 +18,7 @@ struct Timed {
     Value value;
 };
 
-/** Estimates the time between two epochs as the median of the last five intervals, one second each before them. */
+/** Estimates the time between epochs as the median of the last five; those not yet measured count as one second. */
 class EpochTimer {
 public:
     /** An epoch has begun. */

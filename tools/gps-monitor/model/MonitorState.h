@@ -104,7 +104,7 @@ void addLog(MonitorState& state, std::string text, std::time_t time);
 /** Whether a value received at `time` is older than two epochs. */
 bool isStale(const MonitorState& state, Clock::time_point time, Clock::time_point now);
 
-/** Whether epochs have positions. */
+/** Whether the receiver has a fix: the last epoch had a position. */
 bool hasFix(const MonitorState& state, Clock::time_point now);
 
 /** Logs a fix that was lost or regained since the last call. @return what it logged */
