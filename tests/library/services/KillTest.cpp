@@ -130,14 +130,17 @@ using Clock = std::chrono::steady_clock;
 void storm(Progress& progress, bool isAnotherUser, Clock::time_point end) {
     umask(022);
     ASSERT_EQ(unshare(CLONE_NEWPID), 0);
-    startProcess([] { pause(); });  // the namespace ends with it, and it with this process
     ASSERT_TRUE(!isAnotherUser || changeUser());
+    const pid_t first = startProcess([] { pause(); });  // the namespace ends with it
     std::deque<pid_t> victims;
     Member member(progress);
     while (!testing::Test::HasFailure()) {
         while (victims.size() < 2 && Clock::now() < end)
             victims.push_back(startProcess([&] { workUntilKilled(progress); }));
-        if (victims.empty()) return member.operate(1000);
+        if (victims.empty()) {
+            member.operate(1000);
+            break;
+        }
         member.operate(static_cast<unsigned>(std::rand() % 30));
         int status = 0;
         kill(victims.front(), SIGKILL);
@@ -146,6 +149,7 @@ void storm(Progress& progress, bool isAnotherUser, Clock::time_point end) {
         victims.pop_front();
         ++progress.kills;
     }
+    killProcess(first);
 }
 
 /** The processes of the two namespaces have the same process ids. QVGPS_ENDURANCE_SECONDS makes it longer. */
