@@ -119,7 +119,7 @@ TEST_F(GpsHalTest, ReceivesAndSendsBetweenStartAndStopOnly) {
     for (const std::string& sentence : kSentences) {
         unsigned speed = 2;
         EXPECT_FALSE(send("x") || mHal->sendCommand(0, speed) || mHal->stop());
-        ASSERT_TRUE(mHal->start());
+        ASSERT_TRUE(mHal->start() && mHal->start());
         EXPECT_FALSE(blocksSignals()) << "on the client's thread";
         receive(sentence);
         EXPECT_TRUE(send(sentence) && mHal->sendCommand(0, speed) && mHal->stop());
