@@ -67,6 +67,8 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
     refused(m.divideDate(nullptr, &s, &s, &s), "divideDate");
     refused(m.divideTime(nullptr, &s, &s, &s, &s), "divideTime");
     refused(m.getSatelliteType(nullptr) != SATELLITE_TYPE_UNKNOWN, "getSatelliteType", "Argument Error\n");
+    refused(m.getSatelliteType("GGA") != SATELLITE_TYPE_UNKNOWN, "getSatelliteType", "Unknown Sat Type_1\n");
+    refused(m.getSatelliteType("$QPGGA") != SATELLITE_TYPE_UNKNOWN, "getSatelliteType", "Unknown Sat Type_2\n");
     refused(m.convertOperationMode(nullptr) != 0, "convertOperationMode");
     for (int missing = 0; missing < 6; ++missing) {
         const auto or0 = [&](auto* pointer, int place) { return place == missing ? nullptr : pointer; };
@@ -109,6 +111,35 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
     EXPECT_THAT(log.texts(), testing::IsEmpty());
 }
 
+TEST(Helpers, ReadAndWriteTexts) {
+    Manager m;
+    LogCapture log;
+    char text[20] = {}, other[2] = {};
+    EXPECT_STREQ(m.getNextToken("12,3*", text), "3*");
+    EXPECT_STREQ(text, "12");
+    EXPECT_EQ(m.getNextToken("55555555555555555555,", text), nullptr);
+    EXPECT_STREQ(text, "");
+    m.judgeNortSouthAndEastWest(-0.5, 0, text, other);
+    EXPECT_EQ(std::string(text) + other, "SE");
+    m.judgeNortSouthAndEastWest(0, -0.5, text, other);
+    EXPECT_EQ(std::string(text) + other, "NW");
+    m.judgeStatusPubx(8, text);
+    EXPECT_STREQ(text, "NF");
+    m.setTalkerId(static_cast<SatelliteType>(5), text);
+    EXPECT_STREQ(text, "$GP");
+}
+
+TEST(Parsers, ReadFieldsAnywhereInALongSentence) {
+    for (std::size_t zeros = 0; zeros < 10; ++zeros) {
+        std::string text = "$";
+        for (const char* c = kBodies[7]; *c != '\0'; ++c)
+            text += *c == ',' ? "," + std::string(zeros, '0') : std::string(1, *c);
+        PUBX pubx = {};
+        EXPECT_TRUE(Manager().receiveParsePubxSentence((text + "*00").c_str(), nullptr, 0, &pubx, kWgs84, false));
+        EXPECT_EQ(std::tuple(pubx.Speed, pubx.TDOP, pubx.SatView, pubx.DR_MODE), std::tuple(0.007, 0.77, 9, 1));
+    }
+}
+
 TEST(Parsers, KeepWhatWasReadBeforeAMissingField) {
     LogCapture log;
     PUBX pubx = {};
@@ -133,6 +164,11 @@ TEST(Satellites, InViewAreReadWhenEachMessageIsAndAreDelivered) {
     EXPECT_FALSE(parse("$GPGSV,2,2,05,05,,,*00", kTokyo)) << "not deliverable";
     EXPECT_FALSE(parse("$GPGSV,2,1,05,01,,,*00", kWgs84)) << "a field is missing";
     EXPECT_FALSE(parse("$GPGSV,40,33,128,01,,,*00", kWgs84)) << "no such place";
+    EXPECT_FALSE(parse("$GPGSV,1,1*00", kWgs84)) << "nor a number of them";
+    EXPECT_FALSE(parse("$GPGSV,1,1,129,01,,,*00", kWgs84)) << "too many";
+    GPGSA used = {};
+    const GPS_PARSE_NMEA_LISTENER_LIST registry[] = {{&listener, kWgs84}};
+    EXPECT_FALSE(manager.parseGsaSentence("$GPGSA,A,3,05*00", registry, 1, &used, kWgs84, true));
     EXPECT_EQ(listener.kinds, "");
     EXPECT_TRUE(parse("$GPGSV,1,1,01,05,,,*00", kWgs84));
     EXPECT_EQ(listener.kinds, "GSV");
@@ -200,6 +236,7 @@ std::string hostileChunk() {
         body.replace(place, below(12), stretches[below(std::size(stretches))]);
     }
     std::string chunk = sentence(body);
+    if (below(8) == 0) chunk.replace(chunk.rfind('*') + below(5), below(2), 1, "x0"[below(2)]);
     if (below(8) == 0) chunk.resize(below(chunk.size() + 1));
     if (below(8) == 0) {
         for (char& c : chunk)
