@@ -1,10 +1,8 @@
 #include "QvFramework/SharedMemory/QvSharedSyncObject.h"
 
 #include <gmock/gmock.h>
-#include <sys/mman.h>
 
 #include <atomic>
-#include <new>
 #include <optional>
 
 #include "QvFramework/Foundation/QvSyncGuard.h"
@@ -28,44 +26,31 @@ private:
     const std::string mName = "QVSDK_TEST_LOCK_" + std::to_string(getpid()) + "_" + std::to_string(++sCount);
 };
 
-/** Memory that child processes share. */
-struct Shared {
-    std::atomic<int> inside{0};
-    std::atomic<int> clashes{0};
-};
-
 TEST(SharedSyncObject, IsOneLockForProcessesOfTwoUsersThatStartTogether) {
-    constexpr int kProcesses = 6;
-    void* const memory = mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    auto* const shared = new (memory) Shared;
+    const ForAllProcesses<std::atomic<int>> inside;
     for (int round = 0; round < 10; ++round) {
         const Name name;
         Signal go;
-        const auto takeTurns = [&](bool isAnotherUser) {
-            umask(022);
-            if (isAnotherUser) changeUser();
-            EXPECT_TRUE(go.wait());
-            const QvSharedSyncObject lock(name);
-            EXPECT_TRUE(lock.isAvailable());
-            for (int i = 0; i < 300; ++i) {
-                QvSyncGuard guard(lock);
-                if (++shared->inside != 1) ++shared->clashes;
-                --shared->inside;
-            }
-        };
-        pid_t processes[kProcesses];
+        pid_t processes[6];
         for (pid_t& process : processes) {
-            process = startProcess([&] { takeTurns((&process - processes) % 2 != 0); });
+            process = startProcess([&] {
+                umask(022);
+                if ((&process - processes) % 2 != 0) changeUser();
+                EXPECT_TRUE(go.wait());
+                const QvSharedSyncObject lock(name);
+                EXPECT_TRUE(lock.isAvailable());
+                for (int i = 0; i < 300; ++i) {
+                    QvSyncGuard guard(lock);
+                    EXPECT_EQ(++*inside, 1);
+                    --*inside;
+                }
+            });
         }
-        for (int i = 0; i < kProcesses; ++i) {
+        for (int i = 0; i < 6; ++i)
             go.give();
-        }
-        for (const pid_t process : processes) {
+        for (const pid_t process : processes)
             EXPECT_EQ(exitCodeOf(process), 0);
-        }
     }
-    EXPECT_EQ(shared->clashes, 0);
-    munmap(memory, sizeof(Shared));
 }
 
 TEST(SharedSyncObject, IsHeldUntilItIsUnlockedAsOftenAsItWasLocked) {
