@@ -15,8 +15,6 @@ using namespace std::string_literals;
 using sim::Antenna;
 using sim::ubxFrame;
 using testing::ElementsAre;
-using testing::EndsWith;
-using testing::Pair;
 
 constexpr sim::UtcTime kStart{std::chrono::sys_days(std::chrono::year(2024) / 5 / 1) + 12h};
 
@@ -44,6 +42,7 @@ const std::string kSave = message(0x09, hex("00 00 00 00 FF FF 00 00 00 00 00 00
 const std::string kSwitchToProduction(sim::kSwitchToProduction);
 const std::string kStartCheck = message(0x59, hex("00 01 FF 1E E8 03 00 00 64 00 00 00 00 01 00 00"));
 const std::string kPollPort = message(0x00, hex("01"));
+const std::string kSpeed = message(0x00, hex("01 00 00 00 D0 08 00 00 00 96 00 00 07 00 03 00 00 00 00 00"));
 
 /** What is sent, and the changes of speed in brackets. */
 std::string bytesOf(const std::vector<sim::PortAction>& actions) {
@@ -125,6 +124,12 @@ TEST(Commands, AreAnsweredAndHaveTheirEffectUnlessTheyAreRefused) {
         {"no interval", message(0x08, hex("00 00 01 00 01 00")), answer(0x08, false)},
         {"no such speed", message(0x00, hex("01 00 00 00 D0 08 00 00 39 30 00 00 07 00 03 00 00 00 00 00")),
          answer(0x00, false)},
+        {"speed", kSpeed + kPollPort, answer(0x00, true) + "<38400>" + kSpeed + answer(0x00, true)},
+        {"speed by a sentence", sim::nmeaSentence("PUBX,41,1,0007,0003,115200,0"), "<115200>"},
+        {"no such speed by a sentence", sim::nmeaSentence("PUBX,41,1,0007,0003,12345,0"), ""},
+        {"another port's speed", sim::nmeaSentence("PUBX,41,3,0007,0003,38400,0"), ""},
+        {"no number", sim::nmeaSentence("PUBX,41,1,0007,0003,38400x,0"), ""},
+        {"too short", sim::nmeaSentence("PUBX,41,1,0007"), ""},
         {"no such port", message(0x00, hex("09")), answer(0x00, false)},
         {"no expert settings", message(0x23, hex("00 00 FF FF")), answer(0x23, false)},
         {"wrong checksum", kZdaOn.substr(0, kZdaOn.size() - 1) + 'x', ""},
@@ -147,19 +152,6 @@ TEST(Commands, AreAnsweredAndHaveTheirEffectUnlessTheyAreRefused) {
     sim.answerTo(rate("F0 08 02"));
     EXPECT_EQ(sim.nextKinds(), usual + "1000") << "every second epoch";
     EXPECT_EQ(sim.nextKinds(), zda + "1000");
-}
-
-TEST(Commands, ChangeThePortsSpeedAfterTheAnswer) {
-    Simulation sim;
-    const std::string settings = hex("01 00 00 00 D0 08 00 00 00 96 00 00 07 00 03 00 00 00 00 00");
-    EXPECT_EQ(sim.answerTo(message(0x00, settings)), answer(0x00, true) + "<38400>");
-    EXPECT_EQ(sim.answerTo(kPollPort), message(0x00, settings) + answer(0x00, true));
-    for (const auto& [sentence, action] : {std::pair("PUBX,41,1,0007,0003,115200,0", "<115200>"),
-                                           {"PUBX,41,1,0007,0003,12345,0", ""},
-                                           {"PUBX,41,3,0007,0003,38400,0", ""},
-                                           {"PUBX,41,1,0007,0003,38400x,0", ""},
-                                           {"PUBX,41,1,0007", ""}})
-        EXPECT_EQ(sim.answerTo(sim::nmeaSentence(sentence)), action);
 }
 
 TEST(Commands, StartTheFactoryCheck) {
@@ -197,22 +189,10 @@ TEST(Epoch, KeepsToTheGridAndLeavesOutWhatWasMissed) {
     EXPECT_EQ(sim.receiver.nextEpoch(), kStart + 2000ms);
 }
 
-TEST(Antenna, IsReportedAtTheStartAndWithEveryChange) {
-    Simulation sim({.antenna = {Antenna::Ok, Antenna::Short, Antenna::Short, Antenna::Ok}, .antennaEvery = 2s});
-    sim.receiver.announce();
-    EXPECT_THAT(sim.bytesSent(), EndsWith("\r\n$GPTXT,01,01,02,ANTSTATUS=OK*3B\r\n"));
-    std::map<int, std::string> texts;
-    for (int second = 0; second < 12; ++second) {
-        const std::string first = sim.nextEpoch().front();
-        if (sim::nmeaKind(first) == "TXT") texts[second] = first;
-    }
-    EXPECT_THAT(texts, ElementsAre(Pair(2, "$GPTXT,01,01,02,ANTSTATUS=SHORT*6D\r\n"),
-                                   Pair(6, "$GPTXT,01,01,02,ANTSTATUS=OK*3B\r\n")));
-}
-
-TEST(Fix, IsLostForATimeAndWithAnOpenAntenna) {
+TEST(Fix, IsLostForATimeAndWithAnOpenAntennaWhoseChangesAreReported) {
     for (const sim::Receiver::Setup& setup :
-         {sim::Receiver::Setup{.antenna = {Antenna::Ok, Antenna::Open, Antenna::Ok}, .antennaEvery = 10s},
+         {sim::Receiver::Setup{.antenna = {Antenna::Ok, Antenna::Ok, Antenna::Open, Antenna::Open, Antenna::Ok},
+         .antennaEvery = 5s},
           sim::Receiver::Setup{.fixLostAt = 10s, .fixLostFor = 10s}}) {
         Simulation sim(setup);
         sim.answerTo(kPubxOn);
@@ -224,6 +204,10 @@ TEST(Fix, IsLostForATimeAndWithAnOpenAntenna) {
                       isLost ? "V01VNF" : "A13AG3");
             EXPECT_EQ(fields["RMC"][3].empty() && fields["VTG"][5].empty() && fields["GGA"][2].empty(), isLost);
             EXPECT_EQ(fields["RMC"][9], "010524") << "the clock goes on";
+            const bool isChange = setup.antenna.size() > 1 && (second == 10 || second == 20);
+            const std::string text = isLost ? "ANTSTATUS=OPEN" : "ANTSTATUS=OK";
+            EXPECT_EQ(fields["TXT"], isChange ? sim::nmeaFields(sim::nmeaSentence("GPTXT,01,01,02," + text))
+                                              : std::vector<std::string>());
             if (!isLost) continue;
             const unsigned now = static_cast<unsigned>(std::atoi(fields["GSV"].back().c_str()));
             EXPECT_TRUE(now < signal || now == 0) << "satellites fade";
