@@ -13,7 +13,7 @@ void rewriteGga(benchmark::State& state) {
     const char* const sentence = kExampleGga;
     const auto length = static_cast<unsigned int>(std::strlen(sentence));
     for (auto _ : state) {
-        char out[GpsParseNmeaManager::REGENERATED_SIZE];
+        char out[GpsParseNmeaManager::kRegeneratedSize];
         unsigned int outSize = 0;
         manager.convertTokyoToWgs84ForNmea(sentence, length, GEODETIC_SYSTEM_WGS84, out, &outSize);
         benchmark::DoNotOptimize(out);

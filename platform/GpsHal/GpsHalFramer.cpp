@@ -26,12 +26,6 @@ constexpr std::array<bool, 256> kInsideSentence = makeInsideSentence();
 
 }  // namespace
 
-void GpsHalFramer::reset() {
-    mDroppedBytes += mEnd - mBegin;
-    mBegin = mEnd;
-    mSeen = 0;
-}
-
 /** Takes as many bytes as fit; at least one, since an unfinished chunk fills at most half of the buffer. */
 unsigned GpsHalFramer::append(const unsigned char* data, unsigned length) {
     if (mBegin == mEnd || mEnd == kCapacity) compact();

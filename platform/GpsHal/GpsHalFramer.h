@@ -35,9 +35,6 @@ public:
     template <class Sink>
     void finish(Sink&& sink);
 
-    /** Drops an unfinished chunk. Another stream may follow. */
-    void reset();
-
     /** Whether the last bytes are the beginning of a frame. */
     bool isInsideFrame() const { return mBegin < mEnd && mBuffer[mBegin] != '$'; }
     /** Chunks found since construction. */

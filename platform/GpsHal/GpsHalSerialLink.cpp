@@ -58,6 +58,7 @@ bool configure(int device, unsigned value) {
     termios settings{};
     if (row == std::end(kGpsHalSpeeds) || tcgetattr(device, &settings) != 0) return false;
     cfmakeraw(&settings);
+    settings.c_iflag &= ~static_cast<tcflag_t>(IXOFF | IXANY);
     settings.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
     settings.c_cflag |= CREAD | CLOCAL;
     settings.c_cc[VMIN] = 1;  // a read of 0 bytes means that the device has hung up

@@ -34,7 +34,7 @@ struct Outcome {
     bool operator==(const Outcome&) const = default;
 };
 
-enum class End { none, pause, finish, reset };
+enum class End { none, pause, finish };
 
 /** What becomes of a stream that comes in pieces, the first of them of its own length. */
 Outcome outcomeOf(const std::string& bytes, std::size_t first, std::size_t others, End end = End::none) {
@@ -51,7 +51,6 @@ Outcome outcomeOf(const std::string& bytes, std::size_t first, std::size_t other
     }
     if (end == End::pause) framer->pause(take);
     if (end == End::finish) framer->finish(take);
-    if (end == End::reset) framer->reset();
     EXPECT_EQ(framer->chunks(), outcome.chunks.size());
     outcome.dropped = framer->droppedBytes();
     return outcome;
@@ -103,7 +102,6 @@ TEST(Framer, GivesUpFramesInAPauseAndSentencesTooAtTheEndOfTheStream) {
     EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::pause), freed);
     EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::finish), (Outcome{freed.chunks, freed.dropped + 20}));
     EXPECT_EQ(outcomeOf(claimed + "\xB5", 7, 7, End::pause), (Outcome{freed.chunks, freed.dropped + 1}));
-    EXPECT_EQ(outcomeOf(kGga + "$GPRMC,0927", 7, 7, End::reset), (Outcome{{kGga}, 11}));
 }
 
 /** Chunks, all different, and noise that is none and completes none, in any mix: a line feed could make a sentence of

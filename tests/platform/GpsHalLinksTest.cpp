@@ -74,7 +74,7 @@ TEST_F(SerialLinkTest, SetsEverythingUpAndKeepsItsSpeedAcrossReopening) {
         mReceiver = std::make_unique<Receiver>(mDevice);
         termios settings = mReceiver->settings();
         settings.c_cflag = CSTOPB | CRTSCTS | PARENB;
-        settings.c_iflag |= IXON;
+        settings.c_iflag |= IXON | IXOFF | IXANY;
         settings.c_cc[VMIN] = settings.c_cc[VTIME] = 9;
         tcsetattr(mReceiver->descriptor(), TCSANOW, &settings);
         ASSERT_TRUE(mLink.open());
@@ -83,7 +83,7 @@ TEST_F(SerialLinkTest, SetsEverythingUpAndKeepsItsSpeedAcrossReopening) {
         EXPECT_EQ(cfgetispeed(&settings), speed);
         EXPECT_EQ(settings.c_cflag & ~static_cast<tcflag_t>(CBAUD | CBAUDEX | CIBAUD | HUPCL),
                   static_cast<tcflag_t>(CS8 | CREAD | CLOCAL));
-        EXPECT_EQ(settings.c_iflag & IXON, 0U);
+        EXPECT_EQ(settings.c_iflag & (IXON | IXOFF | IXANY), 0U);
         EXPECT_EQ(settings.c_cc[VMIN] * 10 + settings.c_cc[VTIME], 10);
         mLink.close();
     }

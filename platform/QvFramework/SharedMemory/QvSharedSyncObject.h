@@ -13,10 +13,10 @@ struct QvSharedLock;
  *
  * The lock is a small shared-memory object, "/NAME.lock", mode 0660. Every process that uses it keeps a descriptor of
  * it; a process that closes a descriptor of that object, this or another one, counts as dead. A host must not close
- * descriptors that are not its own, as with closefrom: this one then no longer shows who is alive, so that lock() waits
- * for a dead holder without end or, once the number is in use again, takes the lock from a live one. The lock is not
- * available without write permission, memory or a descriptor for the object, or when the object is no lock or one of
- * another version. A message gives the reason, and the next QvSharedSyncObject of this name tries again.
+ * descriptors that it did not open, as closefrom does: lock() then waits without end for a dead holder or, once the
+ * descriptor's number is in use again, takes the lock from a live one. The lock is not available without write
+ * permission, memory or a descriptor for the object, or when the object is no lock or one of another version. A message
+ * gives the reason, and the next QvSharedSyncObject of this name tries again.
  */
 class QV_CAPABILITY QvSharedSyncObject : private QvUncopyable {
 public:

@@ -262,7 +262,7 @@ bool holdsSentence(const std::string& chunk) {
 /** What a listener of WGS84 gets for a chunk of a receiver that reports Tokyo; nothing when it is refused. */
 std::string rewrite(std::string_view chunk) {
     const std::vector<char> exact(chunk.begin(), chunk.end());
-    std::vector<char> out(GpsParseNmeaManager::REGENERATED_SIZE, '#');
+    std::vector<char> out(GpsParseNmeaManager::kRegeneratedSize, '#');
     const std::vector<char> untouched = out;
     unsigned int size = 7777;
     if (GpsParseNmeaManager().convertTokyoToWgs84ForNmea(exact.data(), static_cast<unsigned int>(exact.size()),
@@ -313,7 +313,7 @@ TEST(Rewriting, KeepsCodesAndLeavesOtherSentencesAlone) {
         EXPECT_NE(rewritten.find("," + status + ","), std::string::npos) << rewritten;
     }
     std::string chunk = sentence(kBodies[2]);
-    chunk.resize(GpsParseNmeaManager::REGENERATED_SIZE, '\xFF');
+    chunk.resize(GpsParseNmeaManager::kRegeneratedSize, '\xFF');
     EXPECT_EQ(rewrite(chunk), chunk);
     EXPECT_EQ(rewrite(chunk + "x"), "") << "too long";
 }

@@ -47,7 +47,7 @@ using Values = std::vector<std::uint64_t>;
 
 /** What is made of a field that is followed by other digits, as bits. */
 Values read(const std::string& field) {
-    const std::string padded = field + std::string(number_text::Token::READ_AHEAD, '7');
+    const std::string padded = field + std::string(number_text::Token::kReadAhead, '7');
     const std::vector<char> exact(padded.begin(), padded.end());
     const number_text::Token read(exact.data(), field.size());
     return {static_cast<std::uint64_t>(read.toInteger()), read.toUnsigned(),
@@ -103,7 +103,7 @@ TEST(Numbers, AreReadAsTheCLibraryDoes) {
 }
 
 std::string written(double value, unsigned int precision) {
-    std::vector<char> exact(number_text::LONGEST);
+    std::vector<char> exact(number_text::kLongest);
     return {exact.data(), number_text::writeFixed(exact.data(), value, precision)};
 }
 

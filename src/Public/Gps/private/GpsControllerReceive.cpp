@@ -19,9 +19,7 @@ bool hasBytes(const void* data, unsigned int length, const char* function, const
     return (data != nullptr && length != 0) || controllerLog.failure(function, text);
 }
 
-/**
- * Calls `notify` with one listener after another until it returns false. Logs `noListener` when no listener is left.
- */
+/** Calls `notify` with one listener after another until it returns false. Logs `noListener` if all left meanwhile. */
 template <class Listener, class Notify>
 void notifyEach(ListenerRegistry<const Listener*>& registry, const char* function, const char* noListener,
                 Notify notify) {

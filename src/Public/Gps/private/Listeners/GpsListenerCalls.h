@@ -60,7 +60,7 @@ public:
     class Wait : private QvUncopyable {
     public:
         explicit Wait(const void* listener) : Wait(listener, nullptr) {}
-        /** @param awaited the thread; read again each time that a thread is about to wait */
+        /** @param awaited the thread; may change during the wait */
         explicit Wait(const std::atomic<std::thread::id>& awaited) : Wait(nullptr, &awaited) {}
         ~Wait() {
             if (mCanEnd) instance().endWait(*this);

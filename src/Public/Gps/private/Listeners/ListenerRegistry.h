@@ -50,16 +50,16 @@ public:
 
     /**
      * Calls each of the notifications with one entry after another until a call returns false. A removed entry gets
-     * none of the rest; its removal does not skip others. An entry added meanwhile is called, unless its index is below
-     * the number of entries called before: a listener that registers itself again is called once.
+     * none of the rest; its removal does not skip others. An entry added meanwhile is called too, unless its index is
+     * below the number of entries called before: a listener that registers itself again is called once.
      * @return number of entries called
      */
     template <class First, class... Rest>
     unsigned int callEach(First first, Rest... rest) {
         Pass pass;
-        bool goesOn = count() != 0;
-        while (goesOn && beginNext(pass))
-            goesOn = first(pass.entry) && (... && (!contains(pass.serial) || rest(pass.entry)));
+        bool isContinued = count() != 0;
+        while (isContinued && beginNext(pass))
+            isContinued = first(pass.entry) && (... && (!contains(pass.serial) || rest(pass.entry)));
         return pass.calls;
     }
 

@@ -47,7 +47,7 @@ int quantise(double radians) {
     return truncateToInt(radians / kRadiansPerDegree * 3600.0 * 256.0);
 }
 
-/** The reference: its result is right by definition, which includes the order of the operations. */
+/** The reference: another computation must give the same result, so the order of the operations matters. */
 Quanta toWgs84Exactly(double phi, double lambda) {
     const double sinPhi = std::sin(phi);
     const double cosPhi = std::cos(phi);
@@ -90,10 +90,10 @@ bool quantiseSafely(double radians, double tangent, int& quanta) {
 }
 
 /**
- * The same result from the small angles by which the shift turns a position. The sides of the parametric latitude give
- * its sine and cosine, so no large arc tangent is needed. Errors, below 1e-5 of a quantum, matter only near a step of
- * the quantisation. False there, near the poles and the date line, where the angles are large or wrap, and for values
- * that are no position.
+ * Computes the same result faster, from the small angles by which the shift turns a position. The sides of the
+ * parametric latitude give its sine and cosine, so no large arc tangent is needed.
+ * @return false near a step of the quantisation, where errors (below 1e-5 of a quantum) could change the result, near
+ * the poles and the date line, where the angles are large or wrap, and for values that are no position
  */
 bool toWgs84Quickly(double phi, double lambda, Quanta& result) {
     constexpr double kLargestPhi = 1.4;

@@ -77,8 +77,7 @@ void GpsParseNmeaManager::parseKind(const sentence_text::Sentence& sentence, con
     }
 }
 
-/** Builds and delivers the aggregate. When the delivery stops, the epoch stays complete and the next sentence
- *  retries it. */
+/** Builds and delivers the aggregate. When that fails, the epoch stays complete, and the next sentence tries again. */
 bool GpsParseNmeaManager::deliverEpoch(const Recipients& recipients) {
     if (parsedFlags.gsv) checkGsvStatus(&gsvData, &gsaData);
     parseNmeaData.Gga = ggaData;

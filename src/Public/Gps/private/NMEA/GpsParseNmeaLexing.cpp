@@ -25,8 +25,8 @@ unsigned int letterCode(std::string_view field, std::string_view letters, unsign
 }
 
 /**
- * Takes a sentence that fills its chunk and has no character below "," between "$" and "*": sums eight characters at a
- * time and notes their commas.
+ * Takes a sentence that fills its chunk and has no character below "," between "$" and "*". Computes the checksum and
+ * finds the commas eight characters at a time.
  */
 bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence) {
     constexpr unsigned int kEnding = 5;  // "*", the checksum, CR and LF

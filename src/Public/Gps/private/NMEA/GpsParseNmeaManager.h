@@ -34,7 +34,7 @@ public:
     /** Most bytes of a sentence that is parsed. */
     static constexpr unsigned int kSentenceSize = 128;
     /** Bytes of a buffer for a regenerated sentence, of which 255 are used at most. */
-    static constexpr unsigned int REGENERATED_SIZE = 256;
+    static constexpr unsigned int kRegeneratedSize = 256;
 
     GpsParseNmeaManager();
     virtual ~GpsParseNmeaManager();
@@ -135,11 +135,11 @@ public:
     /**
      * A received chunk in WGS84: position sentences converted and regenerated, anything else unchanged.
      * @param geodeticSystem must be GEODETIC_SYSTEM_WGS84
-     * @param out at least REGENERATED_SIZE bytes; a chunk to pass on that is longer is refused
+     * @param out at least kRegeneratedSize bytes; a chunk to pass on that is longer is refused
      */
     bool convertTokyoToWgs84ForNmea(const char* sentence, unsigned int length, GeodeticSystem geodeticSystem, char* out,
                                     unsigned int* outSize);
-    /** The same, but a chunk that needs no rewriting only clears `converted`. */
+    /** The same, but a chunk without a position is not copied: it only clears `converted`. */
     bool parseNmeaSentenceMinimum(const char* sentence, unsigned int length, GeodeticSystem geodeticSystem,
                                   bool* converted, char* out, unsigned int* outSize);
 
@@ -173,7 +173,7 @@ private:
     unsigned int gsvSatCount = 0;
     unsigned int gsaSentenceCount = 0;
     unsigned int touchedSatellites = 0;  // entries of the GSV record that may not be zero
-    bool isClear = true;                 // whether clearData() has nothing to do
+    bool isClear = true;                 // whether all records are zero
 };
 
 #endif

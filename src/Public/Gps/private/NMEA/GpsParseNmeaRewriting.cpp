@@ -83,7 +83,7 @@ bool GpsParseNmeaManager::convertTokyoToWgs84ForNmea(const char* sentence, unsig
     }
     bool converted = false;
     const bool isParsed = parseNmeaSentenceMinimum(sentence, length, geodeticSystem, &converted, out, outSize);
-    if (!isParsed || (!converted && length > REGENERATED_SIZE)) {
+    if (!isParsed || (!converted && length > kRegeneratedSize)) {
         return nmeaLog.failure(
             kFunction, "GpsParseNmeaManager::convertTokyoToWgs84ForNmea() : parseNmeaSentenceMinimum() = false");
     }

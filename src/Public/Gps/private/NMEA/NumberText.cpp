@@ -101,7 +101,7 @@ unsigned int writeFixed(char* out, double value, unsigned int precision) {
     const bool isFast = magnitude == 0.0 || (magnitude >= kSmallestFast && magnitude < kLargestFast);
     if (!isFast) {
         const auto result =
-            std::to_chars(out, out + LONGEST, value, std::chars_format::fixed, static_cast<int>(precision));
+            std::to_chars(out, out + kLongest, value, std::chars_format::fixed, static_cast<int>(precision));
         return static_cast<unsigned int>(result.ptr - out);
     }
     unsigned int length = 0;

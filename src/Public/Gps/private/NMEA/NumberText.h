@@ -79,7 +79,7 @@ inline double ratio(std::int64_t digits, std::size_t decimals) {
 /** The text of a field, at most 127 characters without a NUL. 16 bytes must be readable after its end. */
 class Token {
 public:
-    static constexpr std::size_t READ_AHEAD = 16;
+    static constexpr std::size_t kReadAhead = 16;
 
     Token() = default;
     Token(const char* text, std::size_t size) : mText(text), mSize(size) {}
@@ -151,9 +151,9 @@ private:
 };
 
 /** Characters that the longest number takes: 309 digits before the point, up to 5 after it, sign and point. */
-inline constexpr unsigned int LONGEST = 320;
+inline constexpr unsigned int kLongest = 320;
 
-/** Writes `value` as %.`precision`f to LONGEST bytes, without a NUL. `precision` is at most 5. Returns the length. */
+/** Writes `value` as %.`precision`f to kLongest bytes, without a NUL. `precision` is at most 5. Returns the length. */
 unsigned int writeFixed(char* out, double value, unsigned int precision);
 
 /** Writes `value` as %0`width`d, without a NUL; `width` is at most 11. Returns the length, at most 11. */

@@ -4,7 +4,7 @@
 #include "Gps/private/Listeners/ListenerRegistry.h"
 #include "Gps/private/Support/GpsReceiveRules.h"
 
-/** The listeners that get parsed records, in an array or a registry, and the state that decides on the datum. */
+/** The listeners that get parsed records, in an array or a registry, and the setting that decides in which datum. */
 class Recipients {
 public:
     using Entry = GPS_PARSE_NMEA_LISTENER_LIST;
@@ -15,7 +15,7 @@ public:
     Recipients(ListenerRegistry<Entry>& registry, GeodeticSystem base, bool settingFinished)
         : mpRegistry(&registry), mCount(registry.count()), mBase(base), mIsFinished(settingFinished) {}
 
-    /** Whether there were none at construction. */
+    /** Whether there was no recipient at construction. */
     bool isEmpty() const { return mCount == 0; }
 
     DatumDelivery deliveryTo(const Entry& entry) const {

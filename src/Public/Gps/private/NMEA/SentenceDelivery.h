@@ -46,7 +46,7 @@ private:
     GpsParseNmeaManager& mManager;
     const GeodeticSystem mBase;
     const std::string_view mSentence;
-    char mConverted[GpsParseNmeaManager::REGENERATED_SIZE];
+    char mConverted[GpsParseNmeaManager::kRegeneratedSize];
     unsigned int mConvertedLength = 0;
 };
 

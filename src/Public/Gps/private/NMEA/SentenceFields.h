@@ -26,7 +26,7 @@ struct Field {
     const char* unreadable = "";  // logged when the field's text cannot be split; only fields of several parts
 };
 
-// Operations of rows. Numbers are narrowed to the record's field as by a cast.
+// Values of Field::store. Numbers are cast to the type of the record's field.
 
 template <class Record>
 bool skip(const Token&, Record&) {

@@ -47,7 +47,7 @@ struct Sentence {
     /** The whole text as one field. */
     Token whole() const { return {text, length}; }
 
-    char text[kMaxLength + 1 + Token::READ_AHEAD];  ///< terminated
+    char text[kMaxLength + 1 + Token::kReadAhead];  ///< terminated
     std::size_t length;
     /** Bit i of the whole array is set when text[i] is "," or "*". The last word ends all searches. */
     std::uint64_t separators[kMaxLength / 64 + 2] = {0, 0, 0, 0, 0, 0, 0, ~std::uint64_t{0}};

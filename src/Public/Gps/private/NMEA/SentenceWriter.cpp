@@ -21,7 +21,7 @@ SentenceWriter& SentenceWriter::integer(int value, unsigned int width) {
 }
 
 SentenceWriter& SentenceWriter::fixed(double value, unsigned int width, unsigned int precision) {
-    char number[number_text::LONGEST];
+    char number[number_text::kLongest];
     const unsigned int length = number_text::writeFixed(number, value, precision);
     for (unsigned int i = length; i < width; ++i) {
         text(" ");
