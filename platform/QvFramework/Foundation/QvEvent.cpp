@@ -15,5 +15,6 @@ void QvEvent::ResetEvent() {
 
 int QvEvent::WaitEvent(unsigned int ms) {
     std::unique_lock guard(mMutex);
+    if (ms == 0) return mIsSet ? 0 : TIMED_OUT;  // without a system call
     return mCondition.wait_for(guard, std::chrono::milliseconds(ms), [this] { return mIsSet; }) ? 0 : TIMED_OUT;
 }
