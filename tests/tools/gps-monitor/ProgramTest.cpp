@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
-#include <termios.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
 #include "tests/support/Child.h"
+#include "tests/support/Receiver.h"
 #include "tests/support/ScratchDirectory.h"
 
 // The program itself, as it is started from a shell.
@@ -71,35 +71,21 @@ TEST(PlainOutput, HasEveryNotificationOfAReceiver) {
     tokyo.expect({"\nsummary notifyReceiveNmeaSentence=0 notifyParseNmeaSentence=0 "});
 }
 
-termios settingsOf(int terminal) {
-    termios settings{};
-    tcgetattr(terminal, &settings);
-    return settings;
-}
-
-/** As every terminal has them before a program has changed them. */
-termios settingsOfANewTerminal() {
-    int ends[2] = {-1, -1};
-    openpty(&ends[0], &ends[1], nullptr, nullptr, nullptr);
-    const termios settings = settingsOf(ends[0]);
-    close(ends[0]);
-    close(ends[1]);
-    return settings;
-}
-
 TEST(OnATerminal, ItIsLeftCleanHoweverTheProgramEnds) {
     const struct {
         const char* keys;
         int signal;
     } cases[] = {{"q", 0}, {"\x03", 0}, {"\x1C", 0}, {"", SIGINT}, {"", SIGTERM}, {"", SIGHUP}};
+    const ScratchDirectory directory;
+    const termios before = Receiver(directory.path("terminal")).settings();  // of any new terminal
     for (const auto& [keys, signal] : cases) {
         Monitor monitor({}, Child::On::terminal);
-        const termios before = settingsOfANewTerminal();
         monitor.expect({"\x1B[?1049h", "quit"});
         monitor.send(keys);
         EXPECT_EQ(monitor.end(signal), 0) << keys << signal;
         monitor.expect({"\x1B[?1049l", "received 0 sentences"});
-        const termios after = settingsOf(monitor.descriptor());
+        termios after{};
+        tcgetattr(monitor.descriptor(), &after);
         EXPECT_EQ(std::memcmp(&before, &after, sizeof(before)), 0) << keys << signal;
     }
 }

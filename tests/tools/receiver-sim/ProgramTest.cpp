@@ -115,15 +115,4 @@ TEST(Program, KeepsItsLinkUntilItEndsAndReplacesAStaleOne) {
     EXPECT_EQ(Simulator({"--link", link}).end(), 2) << "neither stale nor its own";
 }
 
-TEST(Program, ServesOneClientAfterAnotherUntilItsTimeIsOver) {
-    const ScratchDirectory scratch;
-    const std::string log = scratch.write("log", "$GPRMC,1*00\r\n$GPRMC,2*00\r\n");
-    Simulator simulator({"--log", log, "--loop", "--rate", "5", "--seconds", "2"});
-    for (int visit = 0; visit < 4; ++visit) {
-        Client client(simulator);
-        EXPECT_THAT(client.until("*00\r\n"), MatchesRegex("[$]GPRMC,[12][*]00\r\n")) << "visit " << visit;
-    }
-    EXPECT_EQ(simulator.end(), 0);
-}
-
 }  // namespace
