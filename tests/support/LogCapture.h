@@ -31,9 +31,8 @@ public:
 
     std::vector<std::string> texts() const {
         std::vector<std::string> texts;
-        for (Line& line : lines()) {
+        for (Line& line : lines())
             texts.push_back(std::move(line.text));
-        }
         return texts;
     }
 

@@ -29,9 +29,8 @@ inline std::string ubxChecksum(std::string_view bytes) {
 /** A whole UBX frame. */
 inline std::string ubxFrame(unsigned char messageClass, unsigned char id, const std::string& payload) {
     std::string body;
-    for (const std::size_t byte : {std::size_t{messageClass}, std::size_t{id}, payload.size(), payload.size() >> 8}) {
+    for (const std::size_t byte : {std::size_t{messageClass}, std::size_t{id}, payload.size(), payload.size() >> 8})
         body += static_cast<char>(byte);
-    }
     body += payload;
     return "\xB5\x62" + body + ubxChecksum(body);
 }

@@ -73,9 +73,6 @@ private:
     LOCATION_DATA mLocation{};
 };
 
-/** The lines of one location. */
-const Strings kLocationLines = {"location's RMC", "location's GGA", "location's PASCD", "location"};
-
 /** A controller on a link in memory, and the shared records as after the start of the system. */
 class ControllerTest : public testing::Test {
 protected:
@@ -105,61 +102,6 @@ protected:
     std::shared_ptr<GpsHalMemoryPeer> mPeer;
     std::unique_ptr<GpsController> mController;
 };
-
-/** Each listener's name before each of the lines. */
-inline Strings linesOf(const Strings& names, const Strings& lines) {
-    Strings all;
-    for (const std::string& name : names) {
-        for (const std::string& line : lines)
-            all.push_back(name + ":" + line);
-    }
-    return all;
-}
-
-/** The same for each kind of listener, by its index. The worker never runs: the test's thread delivers locations. */
-class EveryKind : public ControllerTest, public testing::WithParamInterface<std::size_t> {
-protected:
-    static std::string name() { return kKinds<GpsController>[GetParam()].name; }
-    bool add(const AnyListener* listener) {
-        const bool isAdded = kKinds<GpsController>[GetParam()].add(*mController, listener);
-        mController->stop();
-        return isAdded;
-    }
-    bool remove(const AnyListener* listener) {
-        return kKinds<GpsController>[GetParam()].remove(*mController, listener);
-    }
-
-    /** Causes a notification of the listeners of the kind. */
-    void fire() {
-        const std::function<void()> causes[] = {
-            [this] { receive("$X"); },
-            [this] { receive(kZda); },
-            [this] { mController->setLocationData(&kNowhere), mController->notifyLocationData(); },
-            [this] { mController->requestGpsVersionInfo(); },
-            [this] { receive(kAntennaOpen); },
-            [this] { mController->requestGpsSetting(GPS_SETTING_ZDA_ON), receive(kAck); },
-            [this] { mController->requestSwitchGpsProductionMode(), receive(kAck); },
-        };
-        causes[GetParam()]();
-    }
-
-    /** The lines of listeners of these names, in this order. */
-    static Strings linesTo(const Strings& names) {
-        const Strings lines[] = {
-            {"raw $X"},    {"ZDA"},           kLocationLines, {"version u-blox 7c" + std::string(119, '\0')},
-            {"antenna 1"}, {"setting 1 yes"}, {"mode yes"}};
-        return linesOf(names, lines[GetParam()]);
-    }
-
-    Strings mLines;
-    Listener mA{"A", &mLines};
-    Listener mB{"B", &mLines};
-    Listener mC{"C", &mLines};
-};
-
-#define INSTANTIATE_FOR_EVERY_KIND(Suite)                                     \
-    INSTANTIATE_TEST_SUITE_P(Kinds, Suite, testing::Range<std::size_t>(0, 7), \
-                             [](const auto& i) { return std::string(kKinds<GpsController>[i.param].name); })
 
 /** Fails, and ends the program, when a step that may be stuck is. */
 template <class Result>

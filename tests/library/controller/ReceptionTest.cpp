@@ -9,9 +9,56 @@
 
 namespace {
 
-using Lifetimes = EveryKind;
+/** The same for each kind of listener, by its index. The worker never runs: the test's thread delivers locations. */
+class Lifetimes : public ControllerTest, public testing::WithParamInterface<std::size_t> {
+protected:
+    void add(const AnyListener* listener) {
+        kKinds<GpsController>[GetParam()].add(*mController, listener);
+        mController->stop();
+    }
+    bool remove(const AnyListener* listener) {
+        return kKinds<GpsController>[GetParam()].remove(*mController, listener);
+    }
 
-INSTANTIATE_FOR_EVERY_KIND(Lifetimes);
+    /** Causes a notification of the listeners of the kind. */
+    void fire() {
+        const std::function<void()> causes[] = {
+            [this] { receive("$X"); },
+            [this] { receive(kZda); },
+            [this] { mController->setLocationData(&kNowhere), mController->notifyLocationData(); },
+            [this] { mController->requestGpsVersionInfo(); },
+            [this] { receive(kAntennaOpen); },
+            [this] { mController->requestGpsSetting(GPS_SETTING_ZDA_ON), receive(kAck); },
+            [this] { mController->requestSwitchGpsProductionMode(), receive(kAck); },
+        };
+        causes[GetParam()]();
+    }
+
+    /** The lines of listeners of these names, in this order. */
+    static Strings linesTo(const Strings& names) {
+        const Strings lines[] = {{"raw $X"},
+                                 {"ZDA"},
+                                 {"location's RMC", "location's GGA", "location's PASCD", "location"},
+                                 {"version u-blox 7c" + std::string(119, '\0')},
+                                 {"antenna 1"},
+                                 {"setting 1 yes"},
+                                 {"mode yes"}};
+        Strings all;
+        for (const std::string& name : names) {
+            for (const std::string& line : lines[GetParam()])
+                all.push_back(name + ":" + line);
+        }
+        return all;
+    }
+
+    Strings mLines;
+    Listener mA{"A", &mLines};
+    Listener mB{"B", &mLines};
+    Listener mC{"C", &mLines};
+};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, Lifetimes, testing::Range<std::size_t>(0, 7),
+                         [](const auto& i) { return std::string(kKinds<GpsController>[i.param].name); });
 
 TEST_P(Lifetimes, aListenerMayUnregisterItselfAndOneThatComesLater) {
     for (const Listener* listener : {&mA, &mB, &mC})
@@ -76,11 +123,6 @@ TEST_P(Lifetimes, unregisteringOnAnotherThreadWaitsUntilTheListenerHasReturned) 
 
 class Threads : public ControllerTest {
 protected:
-    template <class Step>
-    static auto run(Step step) {
-        return std::async(std::launch::async, step);
-    }
-
     Listener mRaw{"raw"};
     Listener mVersion{"version"};
     Listener mAntenna{"antenna"};
@@ -98,8 +140,8 @@ TEST_F(Threads, inTwoNotificationsMayUnregisterEachOthersListeners) {
         bothInside.arrive_and_wait();
         EXPECT_TRUE(mController->unRegisterGpsNmeaListener(&mRaw));
     });
-    auto request = run([this] { mController->requestGpsVersionInfo(); });
-    auto delivery = run([this] { receive("$X"); });
+    auto request = std::async(std::launch::async, [this] { mController->requestGpsVersionInfo(); });
+    auto delivery = std::async(std::launch::async, [this] { receive("$X"); });
     expectDone(request, "the version listener");
     expectDone(delivery, "the raw listener");
 }
@@ -120,7 +162,7 @@ TEST_F(Threads, unregisteringTheirListenerFromInsideWaitForTheOthersInside) {
             hasOtherReturned = true;
         }
     });
-    auto request = run([this] { mController->requestGpsVersionInfo(); });
+    auto request = std::async(std::launch::async, [this] { mController->requestGpsVersionInfo(); });
     mController->requestGpsVersionInfo();
     expectDone(request, "the other request");
 }
@@ -140,8 +182,9 @@ TEST_F(Threads, mayUnregisterInTheFirstStatusAListenerThatIsRegistering) {
         waitUntilBlocked(unregistering.get_future().get());
         EXPECT_TRUE(mController->registerGpsVersionListener(&mVersion));  // wants the lock of the registration above
     });
-    auto delivery = run([this] { receive("$X"); });
-    auto registration = run([this] { EXPECT_TRUE(mController->registerGpsConnectionListener(&mAntenna)); });
+    auto delivery = std::async(std::launch::async, [this] { receive("$X"); });
+    auto registration =
+        std::async(std::launch::async, [this] { EXPECT_TRUE(mController->registerGpsConnectionListener(&mAntenna)); });
     expectDone(delivery, "the raw listener");
     expectDone(registration, "the registration");
     receive(kAntennaOpen);
@@ -160,7 +203,7 @@ TEST_F(Threads, mayUnregisterOneObjectInItsNotificationsOnTheReceiveThreadAndOnT
         controller->unRegisterGpsLocationDataListener(&mRaw);
     });
     mController->setLocationData(&kNowhere);
-    auto delivery = run([this] { receive("$X"); });  // the worker comes a second later
+    auto delivery = std::async(std::launch::async, [this] { receive("$X"); });  // the worker comes a second later
     expectDone(delivery, "the raw listener");
     std::promise<void> delivered;
     mVersion.setHook([&, calls = 0]() mutable {
@@ -170,7 +213,7 @@ TEST_F(Threads, mayUnregisterOneObjectInItsNotificationsOnTheReceiveThreadAndOnT
     mController->setLocationData(&kNowhere);
     auto next = delivered.get_future();
     expectDone(next, "the next listener");
-    auto end = run([this] { mController.reset(); });
+    auto end = std::async(std::launch::async, [this] { mController.reset(); });
     expectDone(end, "the controller's end");
 }
 

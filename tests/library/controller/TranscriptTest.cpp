@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <sstream>
 
 #include "tests/library/controller/ControllerTest.h"
@@ -11,7 +10,7 @@
 // a notification after the names of its listeners, a log text after "log", or bytes sent. Every other line is a step.
 // A transcript passes when its steps, run again, give the same text. Steps:
 //   # or an empty line        nothing
-//   let NAME body             names a sentence
+//   let NAME body             names a sentence; those of kBodies have their kinds as names
 //   send NAME...              receives named sentences
 //   $ body                    receives a sentence: checksum and line end are added
 //   < chunk                   receives these characters; \xHH is a byte
@@ -19,7 +18,7 @@
 //   base datum finished       sets the shared setting record; two numbers
 //   listen NAME [KIND[:datum]...]   registers, without kinds for everything
 //   leave NAME [KIND...]      unregisters, without kinds from everything
-//   show [SUBJECT...]         limits the notifications that are shown from now on; without subjects to none
+//   show SUBJECT              limits the notifications that are shown from now on
 //   request OPERATION [setting]     calls an operation
 //   writes fail|work          makes sending fail or work
 //   publish number            publishes a location and delivers it
@@ -28,20 +27,9 @@
 
 namespace {
 
-constexpr char kHexDigits[] = "0123456789ABCDEF";
-
-std::string escaped(const std::string& bytes) {
-    std::string text;
-    for (const char c : bytes) {
-        const unsigned value = static_cast<unsigned char>(c);
-        if (c == '\n') text += "\\n";
-        if (c == '\r') text += "\\r";
-        if (c == '\n' || c == '\r') continue;
-        if (value >= ' ' && value <= '~' && c != '\\')
-            text += c;
-        else
-            text += {'\\', 'x', kHexDigits[value >> 4], kHexDigits[value & 15]};
-    }
+std::string escaped(std::string text) {
+    for (std::size_t i = 0; (i = text.find_first_of("\r\n", i)) != std::string::npos;)
+        text.replace(i, 1, text[i] == '\r' ? "\\r" : "\\n");
     return text;
 }
 
@@ -74,11 +62,10 @@ std::string fromHex(std::istream& words) {
 }
 
 std::string inHex(const std::string& bytes) {
+    constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text;
-    for (const char c : bytes) {
-        const unsigned value = static_cast<unsigned char>(c);
-        text += {' ', kHexDigits[value >> 4], kHexDigits[value & 15]};
-    }
+    for (const unsigned char c : bytes)
+        text += {' ', kDigits[c >> 4], kDigits[c & 15]};
     return text.substr(1);
 }
 
@@ -90,8 +77,8 @@ struct Note {
 /** What all listeners of a transcript share. */
 struct Scene {
     std::vector<Note> notes;
-    std::string chunk;                // the last one received
-    std::optional<Strings> subjects;  // those that are shown, if not all
+    std::string chunk;    // the last one received
+    std::string subject;  // the only one that is shown, if any
 };
 
 class Witness : public Listener {
@@ -123,8 +110,7 @@ public:
 private:
     /** Listeners that receive the same one after another share a line. */
     void note(const std::string& what, const std::string& line) {
-        const auto& shown = mScene.subjects;
-        if (shown && std::find(shown->begin(), shown->end(), what) == shown->end()) return;
+        if (!mScene.subject.empty() && what != mScene.subject) return;
         if (!mScene.notes.empty() && mScene.notes.back().text == line)
             mScene.notes.back().listeners += " " + mName;
         else
@@ -181,12 +167,7 @@ private:
             return;
         }
         if (step == "listen" || step == "leave") return change(step == "listen", name, words);
-        if (step == "show") {
-            mScene.subjects.emplace();
-            for (; !name.empty(); name = {}, words >> name)
-                mScene.subjects->push_back(name);
-            return;
-        }
+        if (step == "show") return void(mScene.subject = name);
         if (step == "writes") return mPeer->setWriteHook([name](std::string_view) { return name != "fail"; });
         if (step == "publish") return publish(std::stoi(name));
         int value = 0;
@@ -204,23 +185,20 @@ private:
     /** Registers or unregisters for the kinds in `words`, for all when there are none. */
     void change(bool isComing, const std::string& name, std::istream& words) {
         const Witness& listener = mListeners.try_emplace(name, name, mScene).first->second;
-        std::map<std::string, int> datums;
-        for (std::string word; words >> word;) {
-            const std::size_t colon = word.find(':');
-            datums[word.substr(0, colon)] =
-                colon == std::string::npos ? GEODETIC_SYSTEM_WGS84 : std::stoi(&word[colon + 1]);
-        }
+        const std::string wanted{std::istreambuf_iterator<char>(words), {}};
         std::string refused;
         for (const auto& kind : kKinds<GpsController>) {
-            if (!datums.empty() && datums.count(kind.name) == 0) continue;
-            const auto datum =
-                static_cast<GeodeticSystem>(datums.empty() ? GEODETIC_SYSTEM_WGS84 : datums.at(kind.name));
+            const std::string word = std::string(" ") + kind.name;
+            const std::size_t at = wanted.find(word);
+            if (!wanted.empty() && at == std::string::npos) continue;
+            const std::string end = wanted.empty() ? "" : wanted.substr(at + word.size(), 2);  // ":1"
+            const auto datum = static_cast<GeodeticSystem>(end[0] == ':' ? end[1] - '0' : GEODETIC_SYSTEM_WGS84);
             const bool isDone = !isComing               ? kind.remove(*mController, &listener)
                                 : kind.name == "Nmea"sv ? mController->registerGpsNmeaListener(&listener, datum)
                                 : kind.name == "ParseNmea"sv
                                     ? mController->registerGpsParseNmeaListener(&listener, datum)
                                     : kind.add(*mController, &listener);
-            if (!isDone) refused += std::string(" ") + kind.name;
+            if (!isDone) refused += word;
         }
         mController->stop();
         if (!refused.empty()) note("refused", refused.substr(1));
@@ -246,7 +224,9 @@ private:
 
     Scene mScene;
     std::map<std::string, Witness> mListeners;
-    std::map<std::string, std::string> mSentences;
+    std::map<std::string, std::string> mSentences{{"GGA", kBodies[0]}, {"GLL", kBodies[1]}, {"GSA", kBodies[2]},
+                                                  {"GSV", kBodies[3]}, {"RMC", kBodies[4]}, {"VTG", kBodies[5]},
+                                                  {"ZDA", kBodies[6]}, {"PUBX", kBodies[7]}};
     std::size_t mWritten = 0;
 };
 
