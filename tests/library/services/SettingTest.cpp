@@ -21,9 +21,8 @@ GpsSetting settingOf(int value) {
 /** The notifications of settings that are all answered alike. */
 Texts answers(std::initializer_list<int> settings, const char* how = "yes") {
     Texts notified;
-    for (const int setting : settings) {
+    for (const int setting : settings)
         notified.push_back("L:setting " + std::to_string(setting) + " " + how);
-    }
     return notified;
 }
 
@@ -41,9 +40,8 @@ protected:
         return {buffer, GpsSettingManager().setCommandForGpsSetting(settingOf(setting), buffer, sizeof(buffer))};
     }
     void request(std::initializer_list<int> settings) {
-        for (const int setting : settings) {
+        for (const int setting : settings)
             ASSERT_TRUE(mController->requestGpsSetting(settingOf(setting))) << setting;
-        }
     }
     /** Sends frames on the receive thread; returns when everything they caused has happened. */
     bool send(const std::string& frames) {
@@ -121,9 +119,8 @@ TEST_F(Setting, FailedSendLeavesNoTraceAlsoWhileAnotherRequestIsSent) {
 }
 
 TEST_F(Setting, FullRingLosesItsOldestEntryToARequestThatIsSentAndToNoOther) {
-    for (int setting = 0; setting < 24; ++setting) {
+    for (int setting = 0; setting < 24; ++setting)
         request({setting});
-    }
     mPeer->setWriteHook([](std::string_view) { return false; });
     EXPECT_FALSE(mController->requestGpsSetting(GPS_SETTING_RATE_5HZ));
     send(kYes);
@@ -176,9 +173,8 @@ TEST_F(Setting, SpeedChangeExcludesAllOtherCommandsButNoAnswers) {
         ASSERT_EQ(writes.size(), 5u);
         EXPECT_EQ(writes[0], std::pair(commandOf(setting), speed));
         EXPECT_EQ(writes[1], std::pair(kPortPoll, newSpeed));
-        for (std::size_t i = 2; i < writes.size(); ++i) {
+        for (std::size_t i = 2; i < writes.size(); ++i)
             EXPECT_EQ(writes[i].second, newSpeed);
-        }
         send(kYes + kYes);
         EXPECT_EQ(mListener.take().size(), 2u);
         speed = newSpeed;

@@ -16,10 +16,6 @@ namespace {
 using namespace std::string_literals;
 using Memory = QvSharedMemory<int, 2>;  // 12 bytes
 
-std::string zeros(std::size_t size) {
-    return std::string(size, '\0');
-}
-
 class SharedMemory : public testing::Test {
 protected:
     const FreshSegments segments;
@@ -53,22 +49,12 @@ TEST_F(SharedMemory, ObjectThatExistsIsFinishedUsedOrRefusedByItsLength) {
         const bool isTaken = length == 0 || length >= 12;
         EXPECT_EQ(Memory(kTestSegment).getData() != nullptr, isTaken) << length;
         EXPECT_EQ(textsOf(log.lines()), isTaken ? Texts() : Texts{"mmap error\n"}) << length;
-        const std::string contents = length == 0 ? zeros(8) : std::string(length - (isTaken ? 4 : 0), 'x');
+        const std::string contents = length == 0 ? std::string(8, '\0') : std::string(length - (isTaken ? 4 : 0), 'x');
         EXPECT_EQ(contentsOf(kTestSegment), isTaken ? "\x08\0\0\0"s + contents : contents);
         EXPECT_EQ(modeOf(kTestSegment), std::filesystem::perms(0664)) << length;
     }
     EXPECT_EQ(modeOf(kTestSegment + std::string(".lock")), std::filesystem::perms(0660));
     EXPECT_EQ(umask(before), 077u) << "as it was";
-}
-
-GPS_LOCATION_DATA_SHARE filled(unsigned char byte) {
-    GPS_LOCATION_DATA_SHARE record;
-    std::memset(static_cast<void*>(&record), byte, sizeof(record));
-    return record;
-}
-
-std::string bytesOf(const GPS_LOCATION_DATA_SHARE& record) {
-    return {reinterpret_cast<const char*>(&record), sizeof(record)};
 }
 
 TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
@@ -92,6 +78,7 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
     const std::string unmapped =
         "LocationDataMemory::write() lpData = NULL\nLocationDataMemory::read() lpData = NULL\n";
     const auto descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+    const std::string untouched(sizeof(GPS_LOCATION_DATA_SHARE), '\x5A');
     LocationDataMemory();  // and its lock, which stays
     const auto before = descriptors();
     for (const auto& row : cases) {
@@ -101,10 +88,10 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
         GPS_LOCATION_DATA_SHARE record;
         const LogCapture log;
         letFail(row.faults);
-        record = filled(0x5A);
+        std::memcpy(static_cast<void*>(&record), untouched.data(), sizeof(record));
         const bool isRead = LocationDataMemory().read(&record);
         EXPECT_EQ(isRead, row.texts.empty());
-        EXPECT_TRUE(isRead || bytesOf(record) == bytesOf(filled(0x5A))) << "left alone";
+        EXPECT_TRUE(isRead || std::memcmp(&record, untouched.data(), sizeof(record)) == 0) << "left alone";
         EXPECT_TRUE(areAllFaultsTaken()) << "called as often as it was to fail";
         EXPECT_TRUE(LocationDataMemory().read(&record)) << "the next holder works";
         EXPECT_EQ(descriptors(), before);

@@ -30,9 +30,8 @@ struct FreshSegments {
     FreshSegments() { remove(); }
     ~FreshSegments() { remove(); }
     static void remove() {
-        for (const char* name : {kConnectionSegment, kSettingSegment, kLocationSegment, kTestSegment}) {
+        for (const char* name : {kConnectionSegment, kSettingSegment, kLocationSegment, kTestSegment})
             std::filesystem::remove(objectPath(name));
-        }
     }
 };
 
