@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <random>
 #include <shared_mutex>
+#include <thread>
 
 #include "Gps/Gps.h"
 #include "QvFramework/Foundation/QvDbgOutput.h"
@@ -65,8 +66,7 @@ public:
         sim::Configuration configuration;
         std::map<std::pair<sim::MessageId, bool>, unsigned> answers;  // configuration messages accepted and refused
         unsigned restarts;
-        std::string antennaText;  // the last one
-        std::size_t sent;         // number of sentences, texts aside
+        std::size_t sent;  // number of sentences, texts aside
     };
 
     /** @param link path of a symbolic link to the terminal, which exists while the receiver is plugged in */
@@ -76,10 +76,7 @@ public:
         plugIn();
     }
     ~PtyReceiver() {
-        {
-            const std::lock_guard guard(mSync);
-            mIsEnding = true;
-        }
+        mThread.request_stop();
         mThread.join();
         unplug();
     }
@@ -151,13 +148,12 @@ private:
 
     struct Step {
         sim::PortAction action;
-        bool isSentence;
-        std::size_t number;  // of the sentence
+        Sent* sentence;  // if it is one
     };
 
-    void run() {
+    void run(const std::stop_token& end) {
         std::unique_lock guard(mSync);
-        while (!mIsEnding) {
+        while (!end.stop_requested()) {
             pollfd port{-1, POLLIN, 0};
             if (mPort) {
                 exchange();
@@ -195,14 +191,11 @@ private:
                 const std::string event = report["event"];
                 mState.restarts += event == "restart";
                 if (event == "ack") ++mState.answers[{{report["class"], report["id"]}, report["accepted"]}];
-                if (event == "antenna") mState.antennaText = action.bytes;
                 isSentence = isSentence || (event == "sentence" && report["kind"] != "TXT");
             }
-            if (isSentence) {
-                mSent.push_back({action.bytes, sim::nmeaKind(action.bytes), mTruth, isTokyo, false});
-                ++mState.sent;
-            }
-            mSteps.push_back({std::move(action), isSentence, mState.sent});
+            if (isSentence) mSent.push_back({action.bytes, sim::nmeaKind(action.bytes), mTruth, isTokyo, false});
+            mState.sent += isSentence;
+            mSteps.push_back({std::move(action), isSentence ? &mSent.back() : nullptr});
         }
         while (mSent.size() > kRemembered)
             mSent.pop_front();
@@ -218,7 +211,7 @@ private:
                 std::generate(rest.begin(), rest.end(), [this] { return static_cast<char>(mNoise() | 0x80); });
             const std::size_t written = mPort->write(rest);
             if (written == 0) return false;
-            if (!isClear && step.isSentence) mSent[mSent.size() - 1 - (mState.sent - step.number)].mayBeLost = true;
+            if (!isClear && step.sentence != nullptr) step.sentence->mayBeLost = true;
             mWritten += written;
         }
         return true;
@@ -236,8 +229,7 @@ private:
     std::mt19937 mNoise;
     std::deque<Sent> mSent;  // the last ones
     State mState{};
-    bool mIsEnding = false;
-    std::thread mThread{[this] { run(); }};
+    std::jthread mThread{[this](const std::stop_token& end) { run(end); }};
 };
 
 using Sent = PtyReceiver::Sent;
@@ -258,7 +250,7 @@ struct Request {
     sim::MessageId id;
     bool (*isInForce)(const sim::Configuration&);
 };
-enum Group { Zda, Gll, Vtg, Pubx, Rate, Speed, Datum, Save, Warm, Others, GroupCount = Others + 6 };
+enum Group { Zda, Gll, Vtg, Pubx, Rate, Speed, Datum, Save, Warm, Others, GroupCount = Others + 4 };
 constexpr sim::MessageId kMessage{6, 1}, kPort{6, 0}, kDatum{6, 6}, kSave{6, 9}, kReset{6, 4};
 
 template <int kind, int rate>
@@ -284,11 +276,9 @@ const Request kRequests[] = {
     {GPS_SETTING_BAUD_115200, 2, Speed, kPort, hasSpeed<115200>},
     {GPS_SETTING_WARM_START, 1, Warm, kReset, always},
     {GPS_SETTING_NAV5_PDOP10, 10, Others + 0, {6, 0x24}, always},
-    {GPS_SETTING_NAVX5_WEEK1756_AOP_ON, 10, Others + 1, {6, 0x23}, always},
-    {GPS_SETTING_SBAS_MSAS, 10, Others + 2, {6, 0x16}, always},
-    {GPS_SETTING_ANTENNA_SUPERVISOR, 10, Others + 3, {6, 0x13}, always},
-    {GPS_SETTING_GNSS_GPS, 10, Others + 4, {6, 0x3E}, always},
-    {GPS_SETTING_NMEA_V23, 10, Others + 5, {6, 0x17}, always},
+    {GPS_SETTING_SBAS_MSAS, 10, Others + 1, {6, 0x16}, always},
+    {GPS_SETTING_GNSS_GPS, 10, Others + 2, {6, 0x3E}, always},
+    {GPS_SETTING_NMEA_V23, 10, Others + 3, {6, 0x17}, always},
     {GPS_SETTING_DATUM_TOKYO, 0, Datum, kDatum, [](const auto& now) { return now.navigation.datum.centre.x != 0; }},
     {GPS_SETTING_SAVE_CONFIG, 2, Save, kSave, always},
 };
@@ -307,10 +297,9 @@ unsigned timeOf(unsigned hour, unsigned minute, unsigned second, unsigned hundre
     return ((hour * 60 + minute) * 60 + second) * 100 + hundredths;
 }
 unsigned timeOf(const std::string& field) {
-    const auto number = [&](std::size_t at, std::size_t size) {
-        return static_cast<unsigned>(std::strtoul(field.substr(std::min(at, field.size()), size).c_str(), nullptr, 10));
-    };
-    return timeOf(number(0, 2), number(2, 2), number(4, 2), number(7, 3));
+    unsigned hour = 0, minute = 0, second = 0, hundredths = 0;
+    std::sscanf(field.c_str(), "%2u%2u%2u.%3u", &hour, &minute, &second, &hundredths);
+    return timeOf(hour, minute, second, hundredths);
 }
 unsigned timeOf(const Sent& sent) {
     const sim::UtcFields time = sim::utcFields(sent.truth.time);
@@ -377,7 +366,6 @@ public:
     std::function<void()> onNotification;
     std::atomic<bool> isRegistered{false};
     std::atomic<std::size_t> nextRaw{0};
-    std::atomic<int> antenna{-1};
 
     /** Forgets its place in what was sent; to be called while it is not registered. */
     void startAnew() { nextRaw = mNextParsed = 0; }
@@ -461,10 +449,6 @@ private:
         notified();
     }
 
-    void notifyGpsConnectionStatus(GpsConnectionStatus status) override {
-        antenna = status;
-        notified();
-    }
     void notifyGpsSettingRequestResponse(bool acknowledged, GpsSetting setting) override {
         {
             const std::lock_guard guard(mSync);
@@ -542,8 +526,8 @@ void reset(Drive& drive, bool isCold) {
 class Actor {
 public:
     Actor(Drive& drive, Listener& witness, unsigned seed) : mDrive(drive), mWitness(witness), mRandom(seed) {
-        for (std::size_t kind = 0; kind < std::size(kKinds<Gps>); ++kind)
-            mGuests.push_back(std::make_unique<Listener>(drive));
+        while (mGuests.size() < std::size(kKinds<Gps>))
+            mGuests.emplace_back(drive);
     }
 
     void run() {
@@ -572,7 +556,7 @@ private:
     }
 
     void move(std::size_t kind) {
-        Listener& guest = *mGuests[kind];
+        Listener& guest = mGuests[kind];
         const bool wasRegistered = guest.isRegistered;
         leave(kind);  // one that has left by itself may still be inside its last notification
         if (wasRegistered) return;
@@ -589,19 +573,16 @@ private:
         ++mDrive.registrations;
     }
     void leave(std::size_t kind) {
-        const bool isGone = kKinds<Gps>[kind].remove(*Gps::GetInstance(), mGuests[kind].get());
+        const bool isGone = kKinds<Gps>[kind].remove(*Gps::GetInstance(), &mGuests[kind]);
         if (!isGone && kind != kLocations) mDrive.fail("a listener cannot leave");  // of locations it may be the last
-        mGuests[kind]->isRegistered = false;
+        mGuests[kind].isRegistered = false;
     }
 
     const Request& choose() {
-        unsigned total = 0;
+        std::vector<unsigned> weights;
         for (const Request& request : kRequests)
-            total += request.weight;
-        const Request* request = kRequests;
-        for (unsigned left = pick(total); left >= request->weight; ++request)
-            left -= request->weight;
-        return *request;
+            weights.push_back(request.weight);
+        return kRequests[std::discrete_distribution<std::size_t>(weights.begin(), weights.end())(mRandom)];
     }
 
     void changeSpeed(GpsSetting setting) {
@@ -614,7 +595,7 @@ private:
     Drive& mDrive;
     Listener& mWitness;
     std::mt19937 mRandom;
-    std::vector<std::unique_ptr<Listener>> mGuests;
+    std::deque<Listener> mGuests;
 };
 
 /** Client processes without a receiver, which publish and listen until they are killed, one after another. */
@@ -669,12 +650,9 @@ TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
     witness.awaitReception();
     drive.end = Clock::now() + length;
     const long descriptors = entriesOf("fd"), taskCount = entriesOf("task");
-    std::vector<std::unique_ptr<Actor>> actors;
-    std::vector<std::thread> threads;
-    for (unsigned i = 0; i < kActors; ++i) {
-        actors.push_back(std::make_unique<Actor>(drive, witness, seed * kActors + i));
-        threads.emplace_back(&Actor::run, actors.back().get());
-    }
+    std::vector<std::jthread> threads;
+    for (unsigned i = 0; i < kActors; ++i)
+        threads.emplace_back([&, i] { Actor(drive, witness, seed * kActors + i).run(); });
     const Clock::time_point datumAt = Clock::now() + length * (drive.random() % 100) / 100;
     while (!drive.isOver()) {
         std::this_thread::sleep_for(std::chrono::milliseconds(drive.random() % 1500));
@@ -696,8 +674,7 @@ TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
         EXPECT_TRUE(gps.requestGpsSetting(GPS_SETTING_SAVE_CONFIG));
         EXPECT_TRUE(witness.awaitAnswer(GPS_SETTING_SAVE_CONFIG, saved + 1));
     }
-    for (std::thread& thread : threads)
-        thread.join();
+    threads.clear();
     witness.awaitReception();
     EXPECT_EQ(entriesOf("fd"), descriptors);
     for (const auto end = Clock::now() + 5s; entriesOf("task") != taskCount && Clock::now() < end;)
@@ -709,16 +686,6 @@ TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
         acknowledged += witness.answered(request.setting).acknowledged;
         refused += witness.answered(request.setting).refused;
     }
-    const auto isAntennaKnown = [&] {
-        constexpr std::array kTexts{"=OK", "=OPEN", "=SHORT"};
-        const int status = witness.antenna;
-        return status >= 0 &&
-               drive.receiver->state().antennaText.find(kTexts.at(std::size_t(status))) != std::string::npos;
-    };
-    // The last text may have been lost while unplugged; the receiver repeats it.
-    for (const auto end = Clock::now() + 5s; !isAntennaKnown() && Clock::now() < end;)
-        std::this_thread::yield();
-    EXPECT_TRUE(isAntennaKnown());
     for (const auto& kind : kKinds<Gps>)
         EXPECT_TRUE(kind.remove(gps, &witness) || &kind == &kKinds<Gps>[kLocations]);
     witness.isRegistered = false;
