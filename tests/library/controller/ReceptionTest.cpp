@@ -128,24 +128,6 @@ protected:
     Listener mAntenna{"antenna"};
 };
 
-TEST_F(Threads, inTwoNotificationsMayUnregisterEachOthersListeners) {
-    mController->registerGpsNmeaListener(&mRaw, GEODETIC_SYSTEM_WGS84);
-    mController->registerGpsVersionListener(&mVersion);
-    std::latch bothInside(2);
-    mRaw.setHook([&] {
-        bothInside.arrive_and_wait();
-        EXPECT_TRUE(mController->unRegisterGpsVersionListener(&mVersion));
-    });
-    mVersion.setHook([&] {
-        bothInside.arrive_and_wait();
-        EXPECT_TRUE(mController->unRegisterGpsNmeaListener(&mRaw));
-    });
-    auto request = std::async(std::launch::async, [this] { mController->requestGpsVersionInfo(); });
-    auto delivery = std::async(std::launch::async, [this] { receive("$X"); });
-    expectDone(request, "the version listener");
-    expectDone(delivery, "the raw listener");
-}
-
 TEST_F(Threads, unregisteringTheirListenerFromInsideWaitForTheOthersInside) {
     mController->registerGpsVersionListener(&mVersion);
     std::latch bothInside(2);
