@@ -30,9 +30,8 @@ bool send(GpsHalLink& link, const std::string& bytes) {
 
 std::string everyByte() {
     std::string bytes;
-    for (int byte = 0; byte < 256; ++byte) {
+    for (int byte = 0; byte < 256; ++byte)
         bytes += static_cast<char>(byte);
-    }
     return bytes;
 }
 
