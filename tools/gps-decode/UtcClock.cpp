@@ -69,10 +69,23 @@ constexpr struct {
 
 }  // namespace
 
+std::tm calendarOf(milliseconds since) {
+    const auto day = floor<days>(since);
+    const year_month_day date{sys_days(day)};
+    const hh_mm_ss time(floor<seconds>(since - day));
+    std::tm calendar{};
+    calendar.tm_year = static_cast<int>(date.year()) - 1900;
+    calendar.tm_mon = static_cast<int>(static_cast<unsigned>(date.month())) - 1;
+    calendar.tm_mday = static_cast<int>(static_cast<unsigned>(date.day()));
+    calendar.tm_hour = static_cast<int>(time.hours().count());
+    calendar.tm_min = static_cast<int>(time.minutes().count());
+    calendar.tm_sec = static_cast<int>(time.seconds().count());
+    return calendar;
+}
+
 std::string isoText(const UtcTime& time) {
-    const auto whole = floor<seconds>(time.since);
-    const auto fraction = (time.since - whole).count();
-    const std::tm calendar = fmt::gmtime(whole.count());
+    const auto fraction = (time.since - floor<seconds>(time.since)).count();
+    const std::tm calendar = calendarOf(time.since);
     std::string text = time.hasDate ? fmt::format("{:%FT%T}", calendar) : fmt::format("{:%T}", calendar);
     if (fraction != 0) text += fmt::format(".{:03}", fraction);
     return text + 'Z';

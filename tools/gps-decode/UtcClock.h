@@ -2,6 +2,7 @@
 #define GPS_DECODE_UTC_CLOCK_H
 
 #include <chrono>
+#include <ctime>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,9 @@ struct UtcTime {
     auto operator<=>(const UtcTime&) const = default;
     std::chrono::milliseconds ofDay() const { return since - std::chrono::floor<std::chrono::days>(since); }
 };
+
+/** The date and time of day of a time since 1970-01-01. A processor's time_t may have too few bits for it. */
+std::tm calendarOf(std::chrono::milliseconds since);
 
 /** "2026-11-16T01:02:03Z" or, without a date, "01:02:03Z"; with milliseconds unless they are 0. */
 std::string isoText(const UtcTime& time);

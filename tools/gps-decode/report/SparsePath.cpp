@@ -10,7 +10,7 @@ std::size_t SparsePath::Hash::operator()(const Way& way) const {
     std::uint64_t hash = 0;
     for (const std::int64_t number : {way.from.x, way.from.y, way.to.x, way.to.y})
         hash = (hash ^ static_cast<std::uint64_t>(number)) * 0x9E3779B97F4A7C15U + (hash >> 29U);
-    return hash;
+    return static_cast<std::size_t>(hash);
 }
 
 SparsePath::Cell SparsePath::cellOf(Point point) const {

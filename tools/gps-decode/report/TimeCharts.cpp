@@ -8,6 +8,7 @@
 #include <span>
 
 #include "tools/gps-decode/Markup.h"
+#include "tools/gps-decode/UtcClock.h"
 
 namespace decode {
 
@@ -46,7 +47,7 @@ void writeTimeAxis(const LogSummary& log, std::string& text) {
         for (auto at = begin + (*step - time.since % *step) % *step; at <= end; at += *step) {
             const double x = xOf(log, at);
             if (x < last + kCloser) continue;
-            const std::tm calendar = fmt::gmtime(floor<seconds>(time.since + (at - begin)).count());
+            const std::tm calendar = calendarOf(time.since + (at - begin));
             const char* const format = *step >= 24h ? "{:%m-%d}" : *step >= 1min ? "{:%H:%M}" : "{:%T}";
             put(text, "<span style=\"left:{:.1f}%\">{}</span>", x / 10, fmt::format(fmt::runtime(format), calendar));
             last = x;
