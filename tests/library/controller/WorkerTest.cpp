@@ -22,7 +22,10 @@ constexpr char kWorkerFailed[] = "- GpsController::start - unable to start worke
 Strings threadsNamed(const std::string& name) {
     Strings found;
     for (const auto& thread : std::filesystem::directory_iterator("/proc/self/task")) {
-        if (fileContents(thread.path() / "comm") == name + "\n") found.push_back(thread.path());
+        std::ifstream file(thread.path() / "comm");
+        std::string comm;
+        std::getline(file, comm);  // reads nothing of a thread that has just ended
+        if (comm == name) found.push_back(thread.path());
     }
     return found;
 }
