@@ -1,5 +1,5 @@
-// Publishes a location once a second, ten times, and prints what its listener gets. Listeners in other processes get the
-// same.
+// Publishes a location once a second, ten times, and prints what its listener gets. Listeners in other processes get
+// the same.
 
 #include <chrono>
 #include <cstdio>

@@ -222,7 +222,7 @@ TEST(Epoch, IsTriedAgainByEverySentenceAfterADeliveryThatStopped) {
 std::mt19937_64 numbers(31);
 
 std::size_t below(std::size_t limit) {
-    return numbers() % limit;
+    return static_cast<std::size_t>(numbers() % limit);
 }
 
 /** A good sentence with a few stretches changed, lost, doubled or swollen; mostly with a right checksum. Or noise. */

@@ -24,7 +24,7 @@ namespace {
 std::mt19937_64 numbers(20260916);
 
 std::size_t below(std::size_t limit) {
-    return numbers() % limit;
+    return static_cast<std::size_t>(numbers() % limit);
 }
 
 /** A field of digits as receivers send it, often with a stretch that may or may not belong into a number. */
