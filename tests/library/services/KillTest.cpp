@@ -44,7 +44,7 @@ unsigned counterIn(const LocationDataMemory& memory) {
 }
 
 TEST(Killed, InsideACopyIntoTheSegmentAndTheCountIsWhole) {
-    if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process may be traced here";
+    if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process can be stepped here";
     const FreshSegments segments;
     LocationDataMemory memory;
     const GPS_LOCATION_DATA_SHARE before = patternOf(0xFF), after = patternOf(0x100);

@@ -218,7 +218,7 @@ TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
 }
 
 TEST_F(Setting, IsKeptWhenAnotherProcessStoresOneAnywhereMeanwhile) {
-    if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process may be traced here";
+    if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process can be stepped here";
     const auto requestTokyo = [&] {
         mPeer->setWriteHook([](std::string_view) { return SteppedProcess::stopItself(), true; });
         request({GPS_SETTING_DATUM_TOKYO});
