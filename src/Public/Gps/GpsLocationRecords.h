@@ -108,15 +108,28 @@ static_assert(offsetof(GPS_SYNC_PASCD_DATA, Head2) == 8 && offsetof(GPS_SYNC_PAS
 static_assert(offsetof(GPS_LOCATION_SYNC_DATA, Gga) == 72 && offsetof(GPS_LOCATION_SYNC_DATA, Pascd) == 136 &&
                   sizeof(GPS_LOCATION_SYNC_DATA) == 960,
               "GPS_LOCATION_SYNC_DATA layout");
-static_assert(offsetof(GPGGA, MilliSecond) == 10 && offsetof(GPGGA, Lat) == 16 && offsetof(GPGGA, Lon) == 40 &&
-                  offsetof(GPGGA, Quality) == 64 && offsetof(GPGGA, Alt) == 80 && offsetof(GPGGA, DGPS_ID) == 100 &&
-                  sizeof(GPGGA) == 104,
+static_assert(offsetof(GPGGA, Hour) == 4 && offsetof(GPGGA, MilliSecond) == 10, "GPGGA layout");
+static_assert(offsetof(GPGGA, Lat) == 16 && offsetof(GPGGA, LatDeg) == 24 && offsetof(GPGGA, LatMin) == 32,
               "GPGGA layout");
-static_assert(offsetof(GPRMC, Status) == 12 && offsetof(GPRMC, Lat) == 16 && offsetof(GPRMC, Lon) == 40 &&
-                  offsetof(GPRMC, Speed) == 64 && offsetof(GPRMC, Day) == 84 && offsetof(GPRMC, Mode) == 96 &&
-                  sizeof(GPRMC) == 104,
+static_assert(offsetof(GPGGA, Lon) == 40 && offsetof(GPGGA, LonDeg) == 48 && offsetof(GPGGA, LonMin) == 56,
+              "GPGGA layout");
+static_assert(offsetof(GPGGA, Quality) == 64 && offsetof(GPGGA, SatView) == 68 && offsetof(GPGGA, HDOP) == 72,
+              "GPGGA layout");
+static_assert(offsetof(GPGGA, Alt) == 80 && offsetof(GPGGA, Geo) == 88 && offsetof(GPGGA, DGPS_Age) == 96 &&
+                  offsetof(GPGGA, DGPS_ID) == 100 && sizeof(GPGGA) == 104,
+              "GPGGA layout");
+static_assert(offsetof(GPRMC, Hour) == 4 && offsetof(GPRMC, MilliSecond) == 10 && offsetof(GPRMC, Status) == 12,
               "GPRMC layout");
-static_assert(offsetof(PASCD, Head3) == 9 && offsetof(PASCD, Head4) == 12 && offsetof(PASCD, Sample) == 24 &&
+static_assert(offsetof(GPRMC, Lat) == 16 && offsetof(GPRMC, LatDeg) == 24 && offsetof(GPRMC, LatMin) == 32,
+              "GPRMC layout");
+static_assert(offsetof(GPRMC, Lon) == 40 && offsetof(GPRMC, LonDeg) == 48 && offsetof(GPRMC, LonMin) == 56,
+              "GPRMC layout");
+static_assert(offsetof(GPRMC, Speed) == 64 && offsetof(GPRMC, Dir) == 72 && offsetof(GPRMC, Year) == 80 &&
+                  offsetof(GPRMC, Month) == 82 && offsetof(GPRMC, Day) == 84,
+              "GPRMC layout");
+static_assert(offsetof(GPRMC, MagDec) == 88 && offsetof(GPRMC, Mode) == 96 && sizeof(GPRMC) == 104, "GPRMC layout");
+static_assert(offsetof(PASCD, Head1) == 0 && offsetof(PASCD, Head2) == 8 && offsetof(PASCD, Head3) == 9 &&
+                  offsetof(PASCD, Head4) == 12 && offsetof(PASCD, Head5) == 16 && offsetof(PASCD, Sample) == 24 &&
                   sizeof(PASCD) == 824,
               "PASCD layout");
 static_assert(offsetof(LOCATION_DATA, Gga) == 0 && offsetof(LOCATION_DATA, Rmc) == 104 &&

@@ -19,15 +19,18 @@ constexpr unsigned int kSpeedChangeMs = 100;   // for the receiver, then for the
 constexpr std::chrono::milliseconds kPollTimeout{500};
 constexpr unsigned char kPortPoll[] = {0xB5, 0x62, 0x06, 0x00, 0x01, 0x00, 0x00, 0x07, 0x21};
 
-/** The value of kPortSpeedCommand for a setting of the speed; none for other settings. */
-std::optional<unsigned int> speedOf(GpsSetting setting) {
+/** Values of kPortSpeedCommand. */
+enum PortSpeed : unsigned int { kSpeed9600 = 0, kSpeed38400 = 2, kSpeed115200 = 4 };
+
+/** The speed that a setting requests; none for other settings. */
+std::optional<PortSpeed> speedOf(GpsSetting setting) {
     switch (setting) {
         case GPS_SETTING_BAUD_9600:
-            return 0;
+            return kSpeed9600;
         case GPS_SETTING_BAUD_38400:
-            return 2;
+            return kSpeed38400;
         case GPS_SETTING_BAUD_115200:
-            return 4;
+            return kSpeed115200;
         default:
             return std::nullopt;
     }
@@ -96,7 +99,7 @@ bool GpsSettingManager::apply(GpsSetting setting, const char* command, unsigned 
     }
     mBaseGeodeticSystem = shared.baseGeodeticSystem;
     mSettingFinishFlg = shared.settingFinishFlg != 0;
-    const std::optional<unsigned int> speed = speedOf(setting);
+    const std::optional<PortSpeed> speed = speedOf(setting);
     return !speed || changeSpeed(*speed);
 }
 
