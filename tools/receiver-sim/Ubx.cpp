@@ -7,7 +7,7 @@ namespace sim {
 namespace {
 
 /** Fletcher's sum over class, id, length and payload. */
-std::string checksumOf(std::string_view bytes) {
+std::string checksumBytes(std::string_view bytes) {
     unsigned char a = 0;
     unsigned char b = 0;
     for (const char byte : bytes) {
@@ -27,13 +27,13 @@ std::string ubxFrame(MessageId id, std::string_view payload) {
     std::string covered{static_cast<char>(id.messageClass), static_cast<char>(id.id), 0, 0};
     writeUnsigned(covered, 2, 2, payload.size());
     covered += payload;
-    return std::string(kUbxSync) + covered + checksumOf(covered);
+    return std::string(kUbxSync) + covered + checksumBytes(covered);
 }
 
 bool isUbxFrame(std::string_view bytes) {
     if (!bytes.starts_with(kUbxSync) || bytes.size() < kUbxOverhead) return false;
     if (bytes.size() != announcedLength(bytes) + kUbxOverhead) return false;
-    return bytes.substr(bytes.size() - 2) == checksumOf(bytes.substr(2, bytes.size() - 4));
+    return bytes.substr(bytes.size() - 2) == checksumBytes(bytes.substr(2, bytes.size() - 4));
 }
 
 std::size_t announcedLength(std::string_view frame) {
