@@ -27,7 +27,7 @@ private:
 };
 
 TEST(SharedSyncObject, IsOneLockForProcessesOfTwoUsersThatStartTogether) {
-    const ForAllProcesses<std::atomic<int>> inside;
+    auto& inside = makeForAllProcesses<std::atomic<int>>();
     for (int round = 0; round < 10; ++round) {
         const Name name;
         Signal go;
@@ -35,14 +35,14 @@ TEST(SharedSyncObject, IsOneLockForProcessesOfTwoUsersThatStartTogether) {
         for (pid_t& process : processes) {
             process = startProcess([&] {
                 umask(022);
-                if ((&process - processes) % 2 != 0) changeUser();
+                [[maybe_unused]] const int result = (&process - processes) % 2 != 0 ? setuid(kOtherUser) : 0;
                 EXPECT_TRUE(go.wait());
                 const QvSharedSyncObject lock(name);
                 EXPECT_TRUE(lock.isAvailable());
                 for (int i = 0; i < 300; ++i) {
                     QvSyncGuard guard(lock);
-                    EXPECT_EQ(++*inside, 1);
-                    --*inside;
+                    EXPECT_EQ(++inside, 1);
+                    --inside;
                 }
             });
         }

@@ -2,26 +2,21 @@
 #define TESTS_SUPPORT_CHILD_H
 
 #include <fcntl.h>
-#include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
-#include <unistd.h>
-#include <utmp.h>
 
-#include <csignal>
+#include <array>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tests/support/Processes.h"
+
 /** A pipe or terminal of ours, with a limit to every wait. What is read is kept; what is taken is not taken again. */
 class Stream {
 public:
-    static constexpr int kPatienceMs = 20000;
-
     explicit Stream(int descriptor) : mDescriptor(descriptor) {
         if (descriptor < 0) throw std::runtime_error("no stream for the test");
     }
@@ -50,20 +45,12 @@ public:
         }
         return take(count);
     }
-    void skip() { mTaken = mAll.size(); }
-    void readToEnd() {
-        while (readSome()) {
-        }
-    }
     void send(const std::string& bytes) const {
-        for (std::size_t sent = 0; sent < bytes.size();) {
-            const ssize_t length = write(mDescriptor, &bytes[sent], bytes.size() - sent);
-            if (length <= 0) throw std::runtime_error("cannot send");
-            sent += static_cast<std::size_t>(length);
-        }
+        if (write(mDescriptor, bytes.data(), bytes.size()) != std::ssize(bytes))
+            throw std::runtime_error("cannot send");
     }
 
-private:
+protected:
     bool readSome() {
         pollfd readable{mDescriptor, POLLIN, 0};
         char buffer[65536];
@@ -71,6 +58,8 @@ private:
         if (size > 0) mAll.append(buffer, static_cast<std::size_t>(size));
         return size > 0;
     }
+
+private:
     std::string take(std::size_t count) {
         const std::string taken = mAll.substr(mTaken, count);
         mTaken += taken.size();
@@ -88,7 +77,7 @@ class Child : public Stream {
 public:
     enum class On { socket, terminal };  // a terminal of 80 by 24
 
-    explicit Child(std::vector<std::string> command, On on = On::socket) : Child(std::move(command), on, ends(on)) {}
+    explicit Child(std::vector<std::string> command, On on = On::socket) : Child(std::move(command), ends(on)) {}
     ~Child() { end(SIGKILL); }
 
     /** Sends a signal, or ends the input (0), and waits for the end; the exit status, or minus the signal's number. */
@@ -96,34 +85,32 @@ public:
         if (mPid <= 0) return 0;
         if (signal != 0) kill(mPid, signal);
         if (signal == 0) shutdown(descriptor(), SHUT_WR);
-        readToEnd();
+        while (readSome()) {
+        }
         int status = 0;
         waitpid(std::exchange(mPid, 0), &status, 0);
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
 
 private:
-    using Ends = std::pair<int, int>;
-
-    Child(std::vector<std::string> command, On on, Ends ends) : Stream(ends.first), mPid(fork()) {
-        if (mPid == 0) run(command, on, ends.second);
-        close(ends.second);
+    Child(std::vector<std::string> command, std::array<int, 2> ends)
+        : Stream(ends[0]), mPid(startProcess([&] { run(command, ends[1]); })) {
+        close(ends[1]);
     }
-    static Ends ends(On on) {
+    static std::array<int, 2> ends(On on) {
         const winsize size{24, 80, 0, 0};
-        int both[2] = {-1, -1};
-        if (on == On::terminal) openpty(&both[0], &both[1], nullptr, nullptr, &size);
-        if (on == On::socket) socketpair(AF_UNIX, SOCK_STREAM, 0, both);
-        fcntl(both[0], F_SETFD, FD_CLOEXEC);
-        return {both[0], both[1]};
+        std::array ends{-1, -1};
+        if (on == On::terminal) openpty(&ends[0], &ends[1], nullptr, nullptr, &size);
+        if (on == On::socket) socketpair(AF_UNIX, SOCK_STREAM, 0, ends.data());
+        for (const int end : ends)
+            fcntl(end, F_SETFD, FD_CLOEXEC);
+        return ends;
     }
-    [[noreturn]] static void run(std::vector<std::string>& command, On on, int end) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (on == On::terminal) login_tty(end);
-        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-            if (on == On::socket) dup2(end, standard);
-        }
-        if (on == On::socket) close(end);
+    static void run(std::vector<std::string>& command, int end) {
+        setsid();
+        ioctl(end, TIOCSCTTY, 0);  // if it is a terminal
+        for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            dup2(end, standard);
         std::vector<char*> arguments;
         for (std::string& word : command)
             arguments.push_back(word.data());

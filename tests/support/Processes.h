@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/eventfd.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -28,27 +28,19 @@ pid_t startProcess(Work work) {
     _exit(testing::Test::HasFailure() ? 1 : 0);
 }
 
-inline void killProcess(pid_t pid) {
-    kill(pid, SIGKILL);
-    waitpid(pid, nullptr, 0);
-}
-
-/** Waits for the end of a process; its exit code, or -1 when it was killed or hangs. */
+/** Waits for the end of a process; its exit code, or -1 when it was killed. */
 inline int exitCodeOf(pid_t pid) {
-    pollfd process{static_cast<int>(syscall(SYS_pidfd_open, pid, 0)), POLLIN, 0};
-    const bool hasEnded = poll(&process, 1, kPatienceMs) == 1;
-    close(process.fd);
-    if (!hasEnded) kill(pid, SIGKILL);
     int status = 0;
     waitpid(pid, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-/** Makes this process one of another user in the same group, where the system allows it. */
-inline bool changeUser() {
-    constexpr uid_t kNobody = 65534;
-    return setuid(kNobody) == 0;
+inline void killProcess(pid_t pid) {
+    kill(pid, SIGKILL);
+    waitpid(pid, nullptr, 0);
 }
+
+constexpr uid_t kOtherUser = 65534;  // for setuid, where the system allows it
 
 /** Runs `work` in a process of its own to its end; what it expects must hold. */
 template <class Work>
@@ -56,45 +48,26 @@ void expectInProcess(Work work) {
     EXPECT_EQ(exitCodeOf(startProcess(work)), 0);
 }
 
-/** An object that this process shares with those that it starts. */
+/** An object that this process shares, until its end, with those that it starts. */
 template <class Object>
-class ForAllProcesses {
-public:
-    ForAllProcesses()
-        : mObject(new (mmap(nullptr, sizeof(Object), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0))
-                      Object) {}
-    ~ForAllProcesses() { munmap(mObject, sizeof(Object)); }
-    ForAllProcesses(const ForAllProcesses&) = delete;
-    ForAllProcesses& operator=(const ForAllProcesses&) = delete;
-
-    Object& operator*() const { return *mObject; }
-    Object* operator->() const { return mObject; }
-
-private:
-    Object* const mObject;
-};
+Object& makeForAllProcesses() {
+    void* const memory = mmap(nullptr, sizeof(Object), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    return *new (memory) Object;
+}
 
 /** Lets one process wait until another one signals it. */
 class Signal {
 public:
-    Signal() : mIsOpen(pipe(mEnds) == 0) {}
-    ~Signal() {
-        close(mEnds[0]);
-        close(mEnds[1]);
-    }
-    Signal(const Signal&) = delete;
-    Signal& operator=(const Signal&) = delete;
-
-    void give() { EXPECT_EQ(write(mEnds[1], "", 1), 1); }
-    bool wait(int ms = kPatienceMs) {
-        pollfd source{mEnds[0], POLLIN, 0};
-        char byte = 0;
-        return mIsOpen && poll(&source, 1, ms) == 1 && read(mEnds[0], &byte, 1) == 1;
+    ~Signal() { close(mEvents); }
+    void give() const { eventfd_write(mEvents, 1); }
+    bool wait(int ms = kPatienceMs) const {
+        pollfd source{mEvents, POLLIN, 0};
+        eventfd_t event = 0;
+        return poll(&source, 1, ms) == 1 && eventfd_read(mEvents, &event) == 0;
     }
 
 private:
-    int mEnds[2];
-    bool mIsOpen;
+    const int mEvents = eventfd(0, EFD_SEMAPHORE);
 };
 
 #endif

@@ -8,6 +8,7 @@
 #include <deque>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Gps/private/Connection/GpsConnectionManager.h"
@@ -16,7 +17,7 @@
 #include "GpsHal/GpsHal.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/library/services/SharedState.h"
-#include "tests/library/services/SteppedProcess.h"
+#include "tests/support/Processes.h"
 #include "tests/support/SilentLink.h"
 
 // Processes that are killed anywhere must neither stop the others nor leave them half a record.
@@ -44,21 +45,20 @@ unsigned counterIn(const LocationDataMemory& memory) {
 }
 
 TEST(Killed, InsideACopyIntoTheSegmentAndTheCountIsWhole) {
-    if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process can be stepped here";
     const FreshSegments segments;
     LocationDataMemory memory;
-    const GPS_LOCATION_DATA_SHARE before = patternOf(0xFF), after = patternOf(0x100);
-    const auto write = [&] {
-        SteppedProcess::stopItself();
-        memory.write(&after);
-        _exit(0);
-    };
-    bool isKilled = true;
-    for (unsigned instructions = 0; isKilled; instructions += 3) {
-        memory.write(&before);
-        isKilled = SteppedProcess(write).execute(instructions);
+    const GPS_LOCATION_DATA_SHARE records[] = {patternOf(0x100), patternOf(0xFF)};
+    for (int kills = 0; kills < 60; ++kills) {
+        memory.write(&records[1]);
+        const pid_t writer = startProcess([&] {
+            for (int i = 0;; i = 1 - i)
+                memory.write(&records[i]);
+        });
+        while (std::atomic_ref(memory.getData()->UpdateCounter) == 0xFF)
+            std::this_thread::yield();
+        killProcess(writer);
         const unsigned counter = counterIn(memory);
-        EXPECT_TRUE(counter == before.UpdateCounter || counter == after.UpdateCounter) << counter;
+        EXPECT_TRUE(counter == 0xFF || counter == 0x100) << counter;
     }
 }
 
@@ -130,7 +130,7 @@ using Clock = std::chrono::steady_clock;
 void storm(Progress& progress, bool isAnotherUser, Clock::time_point end) {
     umask(022);
     ASSERT_EQ(unshare(CLONE_NEWPID), 0);
-    ASSERT_TRUE(!isAnotherUser || changeUser());
+    ASSERT_TRUE(!isAnotherUser || setuid(kOtherUser) == 0);
     const pid_t first = startProcess([] { pause(); });  // the namespace ends with it
     std::deque<pid_t> victims;
     Member member(progress);
@@ -149,29 +149,29 @@ void storm(Progress& progress, bool isAnotherUser, Clock::time_point end) {
         victims.pop_front();
         ++progress.kills;
     }
-    killProcess(first);
+    kill(first, SIGKILL);
 }
 
 /** The processes of the two namespaces have the same process ids. QVGPS_ENDURANCE_SECONDS makes it longer. */
 TEST(Killed, AtRandomPointsInTwoNamespacesAsTwoUsersWhileTheOthersGoOn) {
     const FreshSegments segments;
-    const auto probe = [] { EXPECT_TRUE(unshare(CLONE_NEWPID) == 0 && changeUser()); };
+    const auto probe = [] { EXPECT_TRUE(unshare(CLONE_NEWPID) == 0 && setuid(kOtherUser) == 0); };
     if (exitCodeOf(startProcess(probe)) != 0) GTEST_SKIP() << "no PID namespaces or no second user here";
     const char* const seconds = std::getenv("QVGPS_ENDURANCE_SECONDS");
     const Clock::time_point end =
         Clock::now() + std::chrono::milliseconds(seconds != nullptr ? 1000 * std::atoi(seconds) : 1500);
-    const ForAllProcesses<Progress> progress;
+    auto& progress = makeForAllProcesses<Progress>();
     const LogCapture log;
-    Member here(*progress);
-    const pid_t storms[] = {startProcess([&] { storm(*progress, false, end); }),
-                            startProcess([&] { storm(*progress, true, end); })};
+    Member here(progress);
+    const pid_t storms[] = {startProcess([&] { storm(progress, false, end); }),
+                            startProcess([&] { storm(progress, true, end); })};
     while (Clock::now() < end && !HasFailure())
         here.operate(10);
     for (const pid_t process : storms)
         EXPECT_EQ(exitCodeOf(process), 0);
     here.operate(1000);
     EXPECT_EQ(log.texts(), Texts());
-    std::printf("%lu kills, %lu operations\n", progress->kills.load(), progress->operations.load());
+    std::printf("%lu kills, %lu operations\n", progress.kills.load(), progress.operations.load());
 }
 
 }  // namespace

@@ -4,9 +4,8 @@
 #include "GpsHal/GpsHalFramer.h"
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/library/services/SharedState.h"
-#include "tests/library/services/SteppedProcess.h"
 #include "tests/support/Messages.h"
-#include "tests/support/ThreadState.h"
+#include "tests/support/Processes.h"
 
 namespace {
 
@@ -217,24 +216,24 @@ TEST_F(Setting, DatumAndFinishedFlagHoldInEveryProcessForGood) {
     EXPECT_EQ(contentsOf(kSettingSegment), "\x08\0\0\0\1\0\0\0\1\0\0\0"s);
 }
 
-TEST_F(Setting, IsKeptWhenAnotherProcessStoresOneAnywhereMeanwhile) {
-    if (!SteppedProcess::isPossible()) GTEST_SKIP() << "no process can be stepped here";
-    const auto requestTokyo = [&] {
-        mPeer->setWriteHook([](std::string_view) { return SteppedProcess::stopItself(), true; });
-        request({GPS_SETTING_DATUM_TOKYO});
-        _exit(0);
-    };
-    bool isMeanwhile = true;
-    for (unsigned instructions = 0; isMeanwhile; instructions += 20) {
-        setShared(GEODETIC_SYSTEM_WGS84, false);
-        SteppedProcess process(requestTokyo);
-        isMeanwhile = process.execute(instructions);
-        const pid_t other = startProcess([&] { request({GPS_SETTING_SAVE_CONFIG}); });
-        waitUntilBlocked(other);
-        process.finish();
-        EXPECT_EQ(exitCodeOf(other), 0);
-        EXPECT_EQ(GpsSettingManager().getBaseAndFinishFlg(), std::pair(GEODETIC_SYSTEM_TOKYO, true)) << instructions;
+TEST_F(Setting, IsKeptWhileOtherProcessesStoreOthers) {
+    auto& stored = makeForAllProcesses<std::atomic<unsigned>>();
+    pid_t others[4];
+    for (pid_t& other : others) {
+        other = startProcess([&] {
+            for (;; ++stored)
+                request({GPS_SETTING_ZDA_ON});
+        });
     }
+    for (int round = 0; round < 600; ++round) {
+        setShared(GEODETIC_SYSTEM_WGS84, false);
+        request({GPS_SETTING_DATUM_TOKYO, GPS_SETTING_SAVE_CONFIG});
+        for (const unsigned before = stored; stored < before + 100;)
+            std::this_thread::yield();
+        EXPECT_EQ(GpsSettingManager().getBaseAndFinishFlg(), std::pair(GEODETIC_SYSTEM_TOKYO, true));
+    }
+    for (const pid_t other : others)
+        killProcess(other);
 }
 
 }  // namespace
