@@ -25,20 +25,20 @@ std::string frameOf(const std::string& payload) {
     return ubxFrame(6, 1, payload);
 }
 
-const std::string kAck = frameOf("\x06\x08");
+const std::string kShortFrame = frameOf("\x06\x08");
 
-struct Outcome {
+struct Framed {
     std::vector<std::string> chunks;
     unsigned long dropped = 0;
 
-    bool operator==(const Outcome&) const = default;
+    bool operator==(const Framed&) const = default;
 };
 
 enum class End { none, pause, finish };
 
 /** What becomes of a stream that comes in pieces, the first of them of its own length. */
-Outcome outcomeOf(const std::string& bytes, std::size_t first, std::size_t others, End end = End::none) {
-    Outcome outcome;
+Framed outcomeOf(const std::string& bytes, std::size_t first, std::size_t others, End end = End::none) {
+    Framed outcome;
     const auto take = [&](const unsigned char* chunk, unsigned length) {
         outcome.chunks.emplace_back(reinterpret_cast<const char*>(chunk), length);
     };
@@ -75,7 +75,9 @@ const Case kCases[] = {
     {"SentenceInPayload", frameOf(kGga), {frameOf(kGga)}},
     {"LongestPayload", frameOf(std::string(8192, '\xB5')) + kGga, {frameOf(std::string(8192, '\xB5')), kGga}},
     {"PayloadTooLong", kGga + header(8193), {kGga}},
-    {"BogusLengthInsideBogusLength", header(200) + header(150) + kAck + kGga + kGga + kGga, {kAck, kGga, kGga, kGga}},
+    {"BogusLengthInsideBogusLength",
+     header(200) + header(150) + kShortFrame + kGga + kGga + kGga,
+     {kShortFrame, kGga, kGga, kGga}},
     {"UnfinishedSentence", kGga + "noise" + kGga.substr(0, 40), {kGga}, 40},
     {"UnfinishedFrame", kGga + header(8192) + kGga, {kGga}, 6 + kGga.size()},
     {"NoSync", kGga + "\xB5x", {kGga}},
@@ -85,7 +87,7 @@ const Case kCases[] = {
 TEST(Framer, FindsChunksInOnePieceAndInManyAndCountsWhatItDrops) {
     for (const auto& [name, stream, chunks, unfinished] : kCases) {
         SCOPED_TRACE(name);
-        const Outcome whole = outcomeOf(stream, stream.size(), 1);
+        const Framed whole = outcomeOf(stream, stream.size(), 1);
         EXPECT_THAT(whole.chunks, ElementsAreArray(chunks));
         std::size_t taken = 0;
         for (const std::string& chunk : whole.chunks)
@@ -96,12 +98,12 @@ TEST(Framer, FindsChunksInOnePieceAndInManyAndCountsWhatItDrops) {
 }
 
 TEST(Framer, GivesUpFramesInAPauseAndSentencesTooAtTheEndOfTheStream) {
-    const std::string claimed = kGga + header(5000) + kGga + header(3) + kAck;
-    const Outcome freed{{kGga, kGga, kAck}, 6 + 6};
+    const std::string claimed = kGga + header(5000) + kGga + header(3) + kShortFrame;
+    const Framed freed{{kGga, kGga, kShortFrame}, 6 + 6};
     const std::string half = kGga.substr(0, 20);
     EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::pause), freed);
-    EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::finish), (Outcome{freed.chunks, freed.dropped + 20}));
-    EXPECT_EQ(outcomeOf(claimed + "\xB5", 7, 7, End::pause), (Outcome{freed.chunks, freed.dropped + 1}));
+    EXPECT_EQ(outcomeOf(claimed + half, 7, 7, End::finish), (Framed{freed.chunks, freed.dropped + 20}));
+    EXPECT_EQ(outcomeOf(claimed + "\xB5", 7, 7, End::pause), (Framed{freed.chunks, freed.dropped + 1}));
 }
 
 /** Chunks, all different, and noise that is none and completes none, in any mix: a line feed could make a sentence of
@@ -120,7 +122,7 @@ public:
     std::size_t below(std::size_t limit) { return mRandom() % limit; }
 
     std::string stream;
-    Outcome expected;
+    Framed expected;
 
 private:
     std::string anyBytes(char insteadOfLineFeed) {

@@ -11,13 +11,13 @@
 
 namespace {
 
-constexpr int kLong = 20000;  // ms; a wait that fails, fails after this
+constexpr int kReadLimit = 20000;  // ms; a wait that fails, fails after this
 
 std::string readAll(GpsHalLink& link, std::size_t size) {
     std::string bytes;
     char buffer[1000];
     while (bytes.size() < size) {
-        const int length = link.read(buffer, sizeof(buffer), kLong);
+        const int length = link.read(buffer, sizeof(buffer), kReadLimit);
         if (length <= 0) break;
         bytes.append(buffer, static_cast<std::size_t>(length));
     }

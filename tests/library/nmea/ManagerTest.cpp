@@ -2,10 +2,10 @@
 
 #include <cstdlib>
 #include <iterator>
-#include <random>
 #include <vector>
 
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
+#include "tests/library/nmea/RandomNumbers.h"
 #include "tests/support/AnyListener.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/Messages.h"
@@ -217,12 +217,6 @@ TEST(Epoch, IsTriedAgainByEverySentenceAfterADeliveryThatStopped) {
     listener.kinds.clear();
     EXPECT_TRUE(feed(manager, sentence(epoch[0]), registry));
     EXPECT_EQ(listener.kinds, "RMC") << "the next epoch gives the old one up";
-}
-
-std::mt19937_64 numbers(31);
-
-std::size_t below(std::size_t limit) {
-    return static_cast<std::size_t>(numbers() % limit);
 }
 
 /** A good sentence with a few stretches changed, lost, doubled or swollen; mostly with a right checksum. Or noise. */

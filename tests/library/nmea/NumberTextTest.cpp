@@ -15,17 +15,12 @@
 
 #include "Gps/private/NMEA/GpsParseNmeaManager.h"
 #include "Gps/private/NMEA/NumberText.h"
+#include "tests/library/nmea/RandomNumbers.h"
 #include "tests/support/ScratchDirectory.h"
 
 // The quick ways give the same bits as the plain ones: the C library's, and the formula of the datum shift.
 
 namespace {
-
-std::mt19937_64 numbers(20260916);
-
-std::size_t below(std::size_t limit) {
-    return static_cast<std::size_t>(numbers() % limit);
-}
 
 /** A field of digits as receivers send it, often with a stretch that may or may not belong into a number. */
 std::string randomField() {

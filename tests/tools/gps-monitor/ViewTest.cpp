@@ -17,28 +17,28 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr Clock::time_point kNow{std::chrono::seconds(1000)};
+constexpr Clock::time_point kShownAt{std::chrono::seconds(1000)};
 
 MonitorState drivingState() {
     MonitorState state;
-    apply(state, GPRMC{SATELLITE_TYPE_GPS, 12, 34, 56, 50, 1, 0, 0, 0, 0, 0, 0, 19.4, 133.1, 26, 5, 6, 0, 1}, kNow);
+    apply(state, GPRMC{SATELLITE_TYPE_GPS, 12, 34, 56, 50, 1, 0, 0, 0, 0, 0, 0, 19.4, 133.1, 26, 5, 6, 0, 1}, kShownAt);
     apply(state,
           GPGGA{SATELLITE_TYPE_GPS, 12, 34, 56, 50, 3539.1234, 35, 0, 13945.6789, 139, 0, 1, 2, 0.91, 40.1, 36.7, 0, 0},
-          kNow);
-    state.gsa = {kNow, {SATELLITE_TYPE_GPS, 1, 0, 3, {5}, 1.52, 0.91, 1.21}};
+          kShownAt);
+    state.gsa = {kShownAt, {SATELLITE_TYPE_GPS, 1, 0, 3, {5}, 1.52, 0.91, 1.21}};
     state.satellites.apply(state.gsa->value);
     // Twenty satellites crowded at the points of the compass, and one whose angles are no place in the sky.
     GPGSV gsv{SATELLITE_TYPE_GPS, 1, 1, 21, {}};
     for (unsigned char i = 0; i < 20; ++i)
         gsv.Sat[i] = {static_cast<unsigned char>(i + 1), 0, 0, static_cast<unsigned char>(20 + i), i % 4u * 90 + i / 4};
     gsv.Sat[20] = {44, 0, 255, 0, ~0u};
-    state.satellites.apply(gsv, kNow);
+    state.satellites.apply(gsv, kShownAt);
     state.antenna = GPS_CONNECTION_STATUS_OPEN;
-    state.lastSentence = kNow;
+    state.lastSentence = kShownAt;
     state.version = "u-blox 7c";
-    state.otherPosition = {kNow, {3538.93, 13945.87}};
+    state.otherPosition = {kShownAt, {3538.93, 13945.87}};
     addRequest(state, {"GPS_SETTING_DATUM_TOKYO", Answer::acknowledged});
-    state.location = {kNow - std::chrono::seconds(2), {}};
+    state.location = {kShownAt - std::chrono::seconds(2), {}};
     state.location->value.Gga.Lat = -1234.5;
     state.location->value.Pascd.Sample[0].ValueB = -0.5;
     state.counts.fill(7);
@@ -46,7 +46,7 @@ MonitorState drivingState() {
     addRawSentence(state, {{}, "$GPRMC,2"});
     addLog(state, "an older line", 0);
     addLog(state, "the newest line" + std::string(60, '.') + "wrapped", 3661);
-    updateFix(state, kNow);
+    updateFix(state, kShownAt);
     return state;
 }
 
@@ -57,7 +57,7 @@ struct Screen {
     Screen(int width, int height, const MonitorState& state, const Controls& controls = {},
            std::chrono::milliseconds age = {})
         : canvas(width, height) {
-        drawScreen(canvas, {state, controls, GEODETIC_SYSTEM_WGS84, {Health::good, "receiving"}, kNow + age});
+        drawScreen(canvas, {state, controls, GEODETIC_SYSTEM_WGS84, {Health::good, "receiving"}, kShownAt + age});
         for (int y = 0; y < height; ++y, text += '\n') {
             for (int x = 0; x < width; ++x) {
                 const char32_t glyph = canvas.at(x, y).glyph;
