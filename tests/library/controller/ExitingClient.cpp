@@ -36,7 +36,7 @@ class Client : public GpsNmeaListener,
 public:
     ~Client() override {
         Gps* const gps = Gps::GetInstance();  // a fresh one, when the service has gone first
-        gps->unRegisterGpsNmeaListener(this);
+        if (gps->unRegisterGpsNmeaListener(this) && scene == "service-first") std::puts("failed: it has not gone");
         gps->unRegisterGpsLocationDataListener(this);
         std::puts("the last of the client");
     }
@@ -142,7 +142,7 @@ int main(int, char** arguments) {
     if (scene == "statics-first" || scene == "service-first") return kStatus;
     if (scene == "forked") {
         const pid_t child = fork();
-        if (child == 0) return kStatus;
+        if (child == 0) return gps->unRegisterGpsNmeaListener(&listener) ? kStatus : 0;
         int status = 0;
         waitpid(child, &status, 0);
         _exit(WEXITSTATUS(status));

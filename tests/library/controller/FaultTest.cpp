@@ -22,8 +22,12 @@ protected:
             mReceived.notify_all();
         });
         GpsHal::setLink(nullptr);
+        GpsHal::GetInstance();  // stays while controllers come and go
     }
-    ~SerialReceiver() override { unsetenv("GPSHAL_DEVICE"); }
+    ~SerialReceiver() override {
+        GpsHal::DelInstance();
+        unsetenv("GPSHAL_DEVICE");
+    }
 
     /** A sentence comes, a request goes and is answered, and a sentence comes. */
     void expectService(GpsController& controller) {

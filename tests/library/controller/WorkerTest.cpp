@@ -142,8 +142,14 @@ protected:
 
 TEST_F(ControllersWorker, runsFromTheFirstLocationListenerToTheLast) {
     EXPECT_FALSE(mController->stop());
-    mController->registerGpsLocationDataListener(&mListener);
+    letFail({"pthread_create", {EAGAIN}});
+    EXPECT_TRUE(mController->registerGpsLocationDataListener(&mListener));
+    EXPECT_THAT(mLog.texts(), ElementsAre(kCreationFailed, kWorkerFailed));
+    EXPECT_EQ(mLog.take()[1].function, "start");
+    EXPECT_TRUE(mController->registerGpsLocationDataListener(&mListener)) << "which tries again";
     EXPECT_FALSE(mController->start());
+    for (int i = 0; i < 9 && !mLog.take().empty(); ++i)  // one that starts late keeps the usual priority
+        EXPECT_TRUE(mController->stop() && mController->start());
     EXPECT_TRUE(become(1));
     const Strings first = workers();
     const int priority =
@@ -162,7 +168,7 @@ TEST_F(ControllersWorker, runsFromTheFirstLocationListenerToTheLast) {
     EXPECT_TRUE(mController->start());
     mController.reset();
     EXPECT_TRUE(become(0));
-    EXPECT_THAT(mLog.texts(), IsEmpty());
+    EXPECT_THAT(mLog.texts(), testing::Each("invalid thread id\n")) << "of one that starts late";
 }
 
 TEST_F(ControllersWorker, goesOnWhileListenersReplaceThemselvesInsideTheirNotifications) {
@@ -223,32 +229,34 @@ TEST_F(ControllersWorker, isReplacedWhenAListenerRegistersOnItDuringItsEnd) {
     mController->unRegisterGpsLocationDataListener(&third);
 }
 
-TEST_F(ControllersWorker, isTriedAgainByTheNextRegistrationWhenItCouldNotBeStarted) {
-    letFail({"pthread_create", {EAGAIN}});
-    EXPECT_TRUE(mController->registerGpsLocationDataListener(&mListener));
-    EXPECT_THAT(mLog.texts(), ElementsAre(kCreationFailed, kWorkerFailed));
-    EXPECT_EQ(mLog.take()[1].function, "start");
-    EXPECT_TRUE(become(0));
-    EXPECT_TRUE(mController->registerGpsLocationDataListener(&mListener));
-    EXPECT_TRUE(become(1));
-    EXPECT_THAT(mLog.texts(), IsEmpty());
-}
-
 TEST_F(ControllersWorker, deliversInTheCycleInWhichARecordIsDue) {
-    mController->init_queue();
+    EXPECT_TRUE(mController->start() && mController->stop());
+    letFail({"pthread_create", {EAGAIN}});
+    EXPECT_FALSE(mController->start()) << "but no stop is requested any more";
     timeval start{};
-    gettimeofday(&start, nullptr);
+    const auto initialize = [&] {
+        mController->Initialize();  // makes this thread the worker
+        gettimeofday(&start, nullptr);
+    };
     const auto publishAndCycle = [&](long ms) {
         mController->setLocationData(&kNowhere);
         mController->runLocationCycle({start.tv_sec + ms / 1000, start.tv_usec});
         return mListener.take();
     };
-    publishAndCycle(2000);                  // due, but there is no listener: the next is not delayed
-    letFail({"pthread_create", {EAGAIN}});  // this thread stays the worker
+    initialize();
+    publishAndCycle(2000);  // due, but there is no listener: the next is not delayed
     mController->registerGpsLocationDataListener(&mListener);
     EXPECT_THAT(publishAndCycle(2000), SizeIs(4));
     EXPECT_THAT(publishAndCycle(2000), IsEmpty());
     EXPECT_THAT(publishAndCycle(4000), SizeIs(4));
+    EXPECT_THAT(publishAndCycle(-9000), SizeIs(4));
+    initialize();
+    EXPECT_THAT(publishAndCycle(0), IsEmpty()) << "due an interval after the start";
+    mController->notifyLocationData();
+    EXPECT_THAT(mListener.take(), IsEmpty()) << "is the worker's";
+    mController->Finalize();
+    mController->notifyLocationData();
+    EXPECT_THAT(mListener.take(), SizeIs(4));
 }
 
 }  // namespace

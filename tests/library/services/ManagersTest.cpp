@@ -58,7 +58,9 @@ TEST_F(Managers, RefuseMissingArguments) {
     EXPECT_THAT(mListener.take(), ElementsAre("L:cold start yes"));
     production.setRequestType(static_cast<RequestType>(77));
     EXPECT_TRUE(production.switchGpsProductionResponse(kAck.data(), 10, &mListener));
-    expectLogged({"GpsProductionManager::switchGpsProductionResponse() unknown RequestType\n"});
+    EXPECT_FALSE(production.switchGpsProductionResponse("\xB5\x62\x06", 3, &mListener));
+    expectLogged({"GpsProductionManager::switchGpsProductionResponse() unknown RequestType\n",
+                  "GpsProductionManager::switchGpsProductionResponse() unknown response\n"});
 }
 
 TEST_F(Managers, StoreTheAntennaStatusForEveryProcessAndDeliverIt) {
@@ -82,12 +84,14 @@ TEST_F(Managers, KeepACopyOfWhatCannotBeShared) {
     const GPS_CONNECTION_LISTENER_LIST list[] = {{&mListener}};
     connection.changeGpsConnectionStatus(kShort, list, 1);
     EXPECT_EQ(connection.getConnectionStatus(), GPS_CONNECTION_STATUS_SHORT);
+    connection.setConnectionStatus(GPS_CONNECTION_STATUS_OPEN);
+    EXPECT_EQ(connection.getConnectionStatus(), GPS_CONNECTION_STATUS_OPEN);
     EXPECT_THAT(mListener.take(), IsEmpty());
     const std::string antenna = "GpsConnectionManager::", noData = "() lpData = NULL\n";
     const std::string get = antenna + "getConnectionStatus() readLocalMemory Error!\n";
     expectLogged({"mmap error\n", antenna + "readLocalMemory" + noData, get, antenna + "writeLocalMemory" + noData,
                   antenna + "parseConnectionStatus() writeLocalMemory Error!\n", antenna + "readLocalMemory" + noData,
-                  get});
+                  get, antenna + "readLocalMemory" + noData, get});
 
     auto [link, peer] = GpsHalMemoryLink::makePair();
     GpsHal::setLink(std::move(link));
@@ -157,7 +161,7 @@ TEST_F(Managers, RefuseProductionResultsTooShortForWhatTheyAnnounce) {
 TEST_F(Managers, RefuseOtherFramesAsProductionResults) {
     const auto expect = [&](auto parser, const std::string& start, const std::string& text) {
         GpsProductionManager manager;
-        EXPECT_FALSE((manager.*parser)((start + std::string(96, '\0')).data(), &mListener, 100));
+        EXPECT_FALSE((manager.*parser)((start + '\x5E' + std::string(95, '\0')).data(), &mListener, 100));
         expectLogged({"GpsProductionManager:" + text + "\n"});
     };
     const auto monPt = &GpsProductionManager::parseGpsProductionDataMonPt;
