@@ -140,17 +140,6 @@ TEST(Parsers, ReadFieldsAnywhereInALongSentence) {
     }
 }
 
-TEST(Parsers, KeepWhatWasReadBeforeAMissingField) {
-    LogCapture log;
-    PUBX pubx = {};
-    pubx.DR_MODE = 77;
-    const std::string body = kBodies[7];
-    const std::string overlong = "$" + body.substr(0, body.rfind(',')) + "," + std::string(20, '5') + "*00\r";
-    EXPECT_FALSE(Manager().receiveParsePubxSentence(overlong.c_str(), nullptr, 0, &pubx, kWgs84, false));
-    EXPECT_EQ(pubx.DR_MODE, 77);
-    EXPECT_EQ(pubx.SatView, 9);
-}
-
 TEST(Satellites, InViewAreReadWhenEachMessageIsAndAreDelivered) {
     Manager manager;
     Recorder listener;
