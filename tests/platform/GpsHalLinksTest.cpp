@@ -8,6 +8,7 @@
 #include "tests/support/Processes.h"
 #include "tests/support/Receiver.h"
 #include "tests/support/ScratchDirectory.h"
+#include "tests/support/ThreadState.h"
 
 namespace {
 
@@ -49,6 +50,8 @@ TEST_F(SerialLinkTest, CarriesEveryByteUnchangedBothWaysAndMoreThanTheDeviceTake
     while (bytes.size() < 200000)
         bytes += everyByte() + std::to_string(bytes.size());
     ASSERT_TRUE(mLink.open());
+    EXPECT_TRUE(send(mLink, "x"));
+    EXPECT_EQ(mReceiver->bytes(1), "x");
     auto received = std::async(std::launch::async, [&] { return mReceiver->bytes(bytes.size()); });
     EXPECT_TRUE(send(mLink, bytes));
     EXPECT_EQ(received.get(), bytes);
@@ -56,6 +59,8 @@ TEST_F(SerialLinkTest, CarriesEveryByteUnchangedBothWaysAndMoreThanTheDeviceTake
     mReceiver->send(everyByte());
     EXPECT_EQ(readAll(mLink, 256), everyByte());
     EXPECT_FALSE(send(mLink, bytes)) << "the device takes no more";
+    mReceiver.reset();
+    EXPECT_FALSE(send(mLink, "x")) << "the device has hung up";
 }
 
 TEST_F(SerialLinkTest, SetsEverythingUpAndKeepsItsSpeedAcrossReopening) {
@@ -156,9 +161,11 @@ TEST(FileLink, GivesTheFileOnceAndThenSilence) {
         EXPECT_EQ(readAll(link, bytes.size()), bytes);
         EXPECT_EQ(link.read(buffer, sizeof(buffer), 10), 0);
         EXPECT_TRUE(send(link, "x") && link.setSpeed(2));
-        auto waiting = std::async(std::launch::async, [&] { return link.read(buffer, sizeof(buffer), 600000); });
-        link.close();
-        EXPECT_EQ(waiting.get(), -1);
+        const std::jthread closing([&link, reader = gettid()] {
+            waitUntilBlocked(reader);
+            link.close();
+        });
+        EXPECT_EQ(link.read(buffer, sizeof(buffer), 600000), -1);
     }
     EXPECT_FALSE(GpsHalFileLink(directory.path("missing")).open());
     EXPECT_FALSE(GpsHalFileLink(directory.path(".")).open());

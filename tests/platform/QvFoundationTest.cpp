@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <string>
 #include <thread>
 
@@ -34,11 +36,20 @@ TEST(SingletonFinalizer, RunsEveryFunctionOnceNewestFirst) {
     EXPECT_EQ(gOrder, "bca");
 }
 
-TEST(Waits, LastAsLongAsRequested) {
+TEST(Strings, AreCutToTheirSize) {
+    char text[8] = "xxxxxxx";
+    EXPECT_STREQ(qv_strcpy(text, 3, "12345"), "12");
+    EXPECT_STREQ(qv_strcpy(text, 3, "1"), "1");
+}
+
+TEST(Waits, LastAsLongAsRequestedInSpiteOfSignals) {
     const auto start = std::chrono::steady_clock::now();
+    std::signal(SIGALRM, [](int) {});
+    ualarm(5000, 5000);
     qv_msleep(20);
     EXPECT_EQ(QvEvent().WaitEvent(20), QvEvent::TIMED_OUT);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(40));
+    ualarm(0, 0);
 }
 
 TEST(ThreadPriorities, AreNiceValues) {

@@ -86,6 +86,9 @@ TEST(SharedSyncObject, IsNotAvailableWhereTheObjectIsForeignAndLeavesItAlone) {
         EXPECT_EQ(fileContents(name.path()), content);
         EXPECT_THAT(log.texts(), ElementsAre(std::string("no shared lock for ").append(name) + ": Protocol error\n"));
     }
+    const Name link;
+    std::filesystem::create_symlink(model.path(), link.path());
+    EXPECT_FALSE(QvSharedSyncObject(link).isAvailable());
 }
 
 }  // namespace

@@ -14,7 +14,7 @@
 #include <cstdlib>
 #include <new>
 
-constexpr int kPatienceMs = 60000;  // a wait that fails, fails after this
+constexpr int kPatienceMs = 20000;  // a wait that fails, fails after this
 
 /** Runs `work` in a process of its own, which exits with 1 when an expectation failed there and with 0 otherwise. */
 template <class Work>

@@ -30,12 +30,14 @@ TEST_F(SharedMemory, SegmentWithoutItsLockCountsAsUnmapped) {
     EXPECT_NE(Memory("QVSDK_TestUnlocked").getData(), nullptr) << "the next holder works";
 }
 
-TEST_F(SharedMemory, StandardErrorThatTheHostHasClosedIsNotTaken) {
+TEST_F(SharedMemory, StandardDescriptorsThatTheHostHasClosedAreNotTaken) {
     expectInProcess([] {
+        close(STDIN_FILENO);
         close(STDERR_FILENO);
         const Memory memory(kTestSegment);
         EXPECT_NE(memory.getData(), nullptr);
-        EXPECT_EQ(dup(STDOUT_FILENO), STDERR_FILENO) << "it is still closed";
+        EXPECT_EQ(dup(STDOUT_FILENO), STDIN_FILENO) << "it is still closed";
+        EXPECT_EQ(dup(STDOUT_FILENO), STDERR_FILENO);
     });
 }
 
@@ -77,10 +79,13 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
     };
     const std::string unmapped =
         "LocationDataMemory::write() lpData = NULL\nLocationDataMemory::read() lpData = NULL\n";
-    const auto descriptors = [] { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); };
+    const auto held = [] {
+        const auto in = [](const char* all) { return std::distance(std::filesystem::directory_iterator(all), {}); };
+        return std::pair(in("/proc/self/fd"), in("/proc/self/map_files"));
+    };
     const std::string untouched(sizeof(GPS_LOCATION_DATA_SHARE), '\x5A');
     LocationDataMemory();  // and its lock, which stays
-    const auto before = descriptors();
+    const auto before = held();
     for (const auto& row : cases) {
         SCOPED_TRACE(row.fault);
         FreshSegments::remove();
@@ -94,7 +99,7 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
         EXPECT_TRUE(isRead || std::memcmp(&record, untouched.data(), sizeof(record)) == 0) << "left alone";
         EXPECT_TRUE(areAllFaultsTaken()) << "called as often as it was to fail";
         EXPECT_TRUE(LocationDataMemory().read(&record)) << "the next holder works";
-        EXPECT_EQ(descriptors(), before);
+        EXPECT_EQ(held(), before);
         const Texts texts = textsOf(log.lines());
         EXPECT_EQ(std::accumulate(texts.begin(), texts.end(), std::string()),
                   row.texts.empty() ? "" : row.texts + unmapped);
