@@ -2,12 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <cctype>
-#include <iterator>
-#include <set>
-#include <sstream>
-
 #include "tools/gps-monitor/view/Canvas.h"
 #include "tools/gps-monitor/view/Layout.h"
 
@@ -129,22 +123,6 @@ TEST(Screens, ShowThePositionFirstWhenThereIsLittleRoom) {
             EXPECT_EQ(Screen(width, height, drivingState(), controls).text.size(), (width + 1) * height);
         controls.press(key, {});
     }
-}
-
-TEST(TheSky, HasLabelsThatNeitherTouchNorCoverOneAnother) {
-    std::istringstream rows(Screen(80, 24, drivingState()).text);
-    std::multiset<std::string> labels;
-    std::string row;
-    for (int y = 0; std::getline(rows, row) && y < 16; ++y) {
-        if (y < 2) continue;
-        std::replace_if(
-            row.begin(), row.end(), [](char glyph) { return std::isalnum(glyph) == 0; }, ' ');
-        std::istringstream words(row.substr(50));
-        labels.insert(std::istream_iterator<std::string>(words), {});
-    }
-    EXPECT_THAT(labels, testing::IsSupersetOf({"N", "E", "S", "W", "5", "20", "19", "18", "17"}));
-    for (const std::string& label : labels)
-        EXPECT_TRUE(labels.count(label) == 1 && (label.size() == 1 || std::stoi(label) <= 20)) << label;
 }
 
 TEST(Keys, ThatCannotBeUndoneAskFirst) {
