@@ -47,19 +47,4 @@ TEST(Report, OfALongLogIsSmallAndKeepsItsPeak) {
     EXPECT_LT(page.size(), 1000000U);
 }
 
-TEST(Progress, IsShownOnATerminalForALongFileAndErased) {
-    constexpr unsigned kMany = 60000;
-    std::string texts;  // 2 MB
-    for (unsigned i = 0; i < kMany; ++i)
-        texts += kText;
-    const std::string erase = "\r\x1b[K";
-    const ScratchDirectory files;
-    const std::string command = GPS_DECODE " --raw >/dev/null <" + files.write("in", texts);
-    Child shell({"sh", "-c", command}, Child::On::terminal);
-    EXPECT_EQ(shell.end(), 0);
-    std::string end = " % of 2 MB" + erase + counts(kMany);
-    end.insert(end.size() - 1, "\r");
-    EXPECT_THAT(shell.all(), AllOf(StartsWith(erase + "gps-decode: "), EndsWith(end)));
-}
-
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "tools/gps-monitor/view/Canvas.h"
-#include "tools/gps-monitor/view/Layout.h"
 
 namespace monitor {
 namespace {
@@ -66,24 +65,6 @@ struct Screen {
         return canvas.at(place % (canvas.width() + 1), place / (canvas.width() + 1)).style;
     }
 };
-
-TEST(Layouts, KeepPanelsApartAndOnTheScreen) {
-    const int sizes[][2] = {{1, 1}, {20, 3}, {79, 24}, {80, 24}, {100, 24}, {120, 40}, {200, 60}, {400, 200}};
-    for (const auto& [width, height] : sizes) {
-        for (const bool isRawLarge : {false, true}) {
-            const Layout layout = makeLayout(width, height, isRawLarge);
-            Canvas canvas(width, height);
-            for (const Rect& area :
-                 {layout.title, layout.position, layout.signals, layout.side, layout.satellites, layout.requests,
-                  layout.location, layout.counts, layout.raw, layout.log, layout.footer}) {
-                for (int i = 0; i < area.width * area.height; ++i)
-                    ++canvas.at(area.x + i % area.width, area.y + i / area.width).glyph;
-            }
-            for (int i = 0; i < width * height; ++i)
-                ASSERT_EQ(canvas.at(i % width, i / width).glyph, U'!') << width << 'x' << height;
-        }
-    }
-}
 
 TEST(Screens, ShowEveryValue) {
     const Screen screen(160, 50, drivingState());
