@@ -10,7 +10,9 @@
 /** Returns when a thread of any process sleeps in the kernel, or has ended. */
 inline void waitUntilBlocked(pid_t thread) {
     for (;;) {
-        std::ifstream file("/proc/" + std::to_string(thread) + "/stat");
+        const std::string id = std::to_string(thread);
+        // An emulator makes up /proc/ID/stat of its own process.
+        std::ifstream file("/proc/" + id + "/task/" + id + "/stat");
         std::string text;
         std::getline(file, text);
         const std::size_t state = text.rfind(") ");
