@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cerrno>
 #include <future>
+#include <thread>
 
 #include "GpsHal/GpsHalFileLink.h"
 #include "GpsHal/GpsHalSerialLink.h"
@@ -107,20 +109,18 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     second.close();
     killProcess(child);
 
-    Signal opened, end;
+    auto& heir = makeForAllProcesses<std::atomic<pid_t>>();
     const pid_t holder = startProcess([&] {
         EXPECT_TRUE(mLink.open());
-        if (fork() == 0) {
-            opened.give();
-            _exit(end.wait() ? 0 : 1);
-        }
+        if (fork() == 0) heir = getpid();
         pause();
     });
-    ASSERT_TRUE(opened.wait());
+    while (heir == 0)
+        std::this_thread::yield();
     EXPECT_FALSE(mLink.open());
     killProcess(holder);
     EXPECT_TRUE(mLink.open()) << "released by the death of its holder, though not of its child";
-    end.give();
+    kill(heir, SIGKILL);
 }
 
 TEST_F(SerialLinkTest, ClosingEndsAWaitingReadAndAWaitingWrite) {

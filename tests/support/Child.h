@@ -2,6 +2,7 @@
 #define TESTS_SUPPORT_CHILD_H
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -17,6 +18,8 @@
 /** A pipe or terminal of ours, with a limit to every wait. What is read is kept; what is taken is not taken again. */
 class Stream {
 public:
+    static constexpr int kPatienceMs = 20000;
+
     explicit Stream(int descriptor) : mDescriptor(descriptor) {
         if (descriptor < 0) throw std::runtime_error("no stream for the test");
     }

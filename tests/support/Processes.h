@@ -2,8 +2,6 @@
 #define TESTS_SUPPORT_PROCESSES_H
 
 #include <gtest/gtest.h>
-#include <poll.h>
-#include <sys/eventfd.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -13,8 +11,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
-
-constexpr int kPatienceMs = 20000;  // a wait that fails, fails after this
 
 /** Runs `work` in a process of its own, which exits with 1 when an expectation failed there and with 0 otherwise. */
 template <class Work>
@@ -54,20 +50,5 @@ Object& makeForAllProcesses() {
     void* const memory = mmap(nullptr, sizeof(Object), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     return *new (memory) Object;
 }
-
-/** Lets one process wait until another one signals it. */
-class Signal {
-public:
-    ~Signal() { close(mEvents); }
-    void give() const { eventfd_write(mEvents, 1); }
-    bool wait(int ms = kPatienceMs) const {
-        pollfd source{mEvents, POLLIN, 0};
-        eventfd_t event = 0;
-        return poll(&source, 1, ms) == 1 && eventfd_read(mEvents, &event) == 0;
-    }
-
-private:
-    const int mEvents = eventfd(0, EFD_SEMAPHORE);
-};
 
 #endif
