@@ -6,6 +6,7 @@
 #include "tools/common/Text.h"
 #include "tools/gps-monitor/model/LinkStatus.h"
 #include "tools/gps-monitor/model/MonitorState.h"
+#include "tools/gps-monitor/model/Names.h"
 #include "tools/gps-monitor/model/NmeaPosition.h"
 #include "tools/gps-monitor/session/FieldText.h"
 
@@ -168,6 +169,11 @@ TEST(PrintableText, EscapesWhatATerminalWouldAct) {
     EXPECT_EQ(tool::printable("$GPGGA,~ \x1B[2J\xC3\x7F\\\r"), "$GPGGA,~ \\x1B[2J\\xC3\\x7F\\x5C\\x0D");
     EXPECT_EQ(tool::withoutLineEnd("a\rb\r\n\n"), "a\rb");
     EXPECT_EQ(tool::withoutLineEnd("\r\n"), "");
+}
+
+TEST(Names, AreNumbersWhereThereAreNone) {
+    EXPECT_EQ(settingName(static_cast<GpsSetting>(36)), "36");
+    EXPECT_EQ(connectionStatusName(static_cast<GpsConnectionStatus>(-1)), "-1");
 }
 
 TEST(Coordinates, AreShownInThreeFormats) {
