@@ -273,10 +273,7 @@ enum class Datum { wgs84, changing, tokyo };
 
 /** What everything in a drive shares. */
 struct Drive {
-    explicit Drive(unsigned seed) : random(seed) {
-        for (const Request& request : kRequests)
-            asking[request.id];
-    }
+    explicit Drive(unsigned seed) : random(seed) {}
 
     const ScratchDirectory files;
     std::mt19937 random;
@@ -290,7 +287,7 @@ struct Drive {
     // Requests of settings share it; what a request does not survive takes it alone, with the turn.
     std::shared_mutex quiet;
     std::mutex turn;
-    std::map<sim::MessageId, std::mutex> asking;  // one request of each message at a time
+    std::array<std::mutex, 0x100> asking;  // one request of each message at a time
 
     bool isOver() const { return gFailures != 0 || Clock::now() >= end; }
 
@@ -408,7 +405,7 @@ void publish() {
 /** Requests a setting and checks its answer against the receiver. */
 void ask(Drive& drive, Listener& witness, GpsSetting setting) {
     const Request& request = *std::ranges::find(kRequests, setting, &Request::setting);
-    const std::unique_lock alone(drive.asking.at(request.id), std::try_to_lock);
+    const std::unique_lock alone(drive.asking[request.id.id], std::try_to_lock);
     if (!alone) return;
     const Listener::Answers before = witness.answers(setting);
     const std::string name = "setting " + std::to_string(setting);

@@ -65,37 +65,29 @@ struct Progress {
     std::atomic<unsigned> inside{0};  // the member that holds the location's lock, or was killed holding it
 };
 
-/** One process's share of the segment. */
-class Member {
-public:
-    explicit Member(Progress& progress) : mProgress(progress) {}
-
-    /** Reads, checks and writes the record, so many times. */
-    void operate(unsigned times) {
-        for (; times > 0 && !testing::Test::HasFailure(); --times, ++mProgress.operations) {
-            const unsigned counter = counterIn(mLocation);
-            const GPS_LOCATION_DATA_SHARE records[] = {patternOf(counter + 1), patternOf(counter + 2)};
-            for (int i = 0; i < 10; ++i)  // many of those that are killed are killed in there
-                EXPECT_TRUE(mLocation.write(&records[i % 2]));
-            QvSyncGuard<QvSharedSyncObject> guard(mLocation);
-            mProgress.inside = mNumber;
-            bool isAlone = true;
-            for (int i = 0; i < 100; ++i)
-                isAlone = isAlone && mProgress.inside == mNumber;
-            EXPECT_TRUE(isAlone);
-        }
+/** Reads, checks and writes the record, so many times. */
+void operate(LocationDataMemory& memory, Progress& progress, unsigned times) {
+    const unsigned member = ++progress.members;
+    for (; times > 0 && !testing::Test::HasFailure(); --times, ++progress.operations) {
+        const unsigned counter = counterIn(memory);
+        const GPS_LOCATION_DATA_SHARE records[] = {patternOf(counter + 1), patternOf(counter + 2)};
+        for (int i = 0; i < 10; ++i)  // many of those that are killed are killed in there
+            EXPECT_TRUE(memory.write(&records[i % 2]));
+        QvSyncGuard<QvSharedSyncObject> guard(memory);
+        progress.inside = member;
+        bool isAlone = true;
+        for (int i = 0; i < 100; ++i)
+            isAlone = isAlone && progress.inside == member;
+        EXPECT_TRUE(isAlone);
     }
-
-private:
-    Progress& mProgress;
-    const unsigned mNumber = ++mProgress.members;
-    LocationDataMemory mLocation;
-};
+}
 
 /** Leaves and enters the segment again and again. */
 void workUntilKilled(Progress& progress) {
-    while (!testing::Test::HasFailure())
-        Member(progress).operate(20);
+    while (!testing::Test::HasFailure()) {
+        LocationDataMemory memory;
+        operate(memory, progress, 20);
+    }
 }
 
 using Clock = std::chrono::steady_clock;
@@ -107,11 +99,11 @@ void storm(Progress& progress, bool isAnotherUser, Clock::time_point end) {
     ASSERT_TRUE(!isAnotherUser || setuid(kOtherUser) == 0);
     const pid_t first = startProcess([] { pause(); });  // the namespace ends with it
     std::deque<pid_t> victims;
-    Member member(progress);
+    LocationDataMemory memory;
     while (Clock::now() < end && !testing::Test::HasFailure()) {
         while (victims.size() < 2)
             victims.push_back(startProcess([&] { workUntilKilled(progress); }));
-        member.operate(static_cast<unsigned>(std::rand() % 30));
+        operate(memory, progress, static_cast<unsigned>(std::rand() % 30));
         kill(victims.front(), SIGKILL);
         EXPECT_EQ(exitCodeOf(victims.front()), -1) << "it works until it is killed";
         victims.pop_front();
@@ -130,14 +122,14 @@ TEST(Killed, AtRandomPointsInTwoNamespacesAsTwoUsersWhileTheOthersGoOn) {
         Clock::now() + std::chrono::milliseconds(seconds != nullptr ? 1000 * std::atoi(seconds) : 1500);
     auto& progress = makeForAllProcesses<Progress>();
     const LogCapture log;
-    Member here(progress);
+    LocationDataMemory memory;
     const pid_t storms[] = {startProcess([&] { storm(progress, false, end); }),
                             startProcess([&] { storm(progress, true, end); })};
     while (Clock::now() < end && !HasFailure())
-        here.operate(10);
+        operate(memory, progress, 10);
     for (const pid_t process : storms)
         EXPECT_EQ(exitCodeOf(process), 0);
-    here.operate(1000);
+    operate(memory, progress, 1000);
     EXPECT_EQ(log.texts(), Texts());
     std::printf("%lu kills, %lu operations\n", progress.kills.load(), progress.operations.load());
 }
