@@ -98,7 +98,7 @@ void Simulator::waitForEvents() {
     if (!mActions.empty()) entries[2].events |= POLLOUT;
     const auto wait = std::chrono::nanoseconds(std::max<Clock::duration>(nextDeadline() - Clock::now(), 0ns));
     const auto seconds = std::chrono::floor<std::chrono::seconds>(wait);
-    const timespec timeout{seconds.count(), (wait - seconds).count()};
+    const timespec timeout{static_cast<time_t>(seconds.count()), static_cast<long>((wait - seconds).count())};
     if (ppoll(entries, std::size(entries), &timeout, nullptr) <= 0) return;
     mIsSignalled = entries[0].revents != 0;
     mHasPresenceEvent = entries[1].revents != 0;
