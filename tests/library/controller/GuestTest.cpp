@@ -60,13 +60,13 @@ std::ptrdiff_t mappedFiles() {
 
 /** Whatever can be blocked is, on a thread of the guest. The system's threads keep 32 and 33 to themselves. */
 void expectSignalsBlocked(const std::string& thread) {
-    constexpr unsigned long kAll = 0xFFFFFFFE7FFBFEFF;
+    constexpr unsigned long long kAll = 0xFFFFFFFE7FFBFEFF;
     std::ifstream status("/proc/self/task/" + thread + "/status");
     std::string word;
     while (status >> word && word != "SigBlk:") {
     }
     status >> word;
-    EXPECT_EQ(std::stoul(word, nullptr, 16) & kAll, kAll) << word;
+    EXPECT_EQ(std::stoull(word, nullptr, 16) & kAll, kAll) << word;
 }
 
 TEST(Host, LoadsUnloadsAndForksWithoutLeftovers) {

@@ -65,8 +65,8 @@ std::string fromHex(std::istream& words) {
 std::string inHex(const std::string& bytes) {
     constexpr char kDigits[] = "0123456789ABCDEF";
     std::string text;
-    for (const unsigned char c : bytes)
-        text += {' ', kDigits[c >> 4], kDigits[c & 15]};
+    for (const char c : bytes)
+        text += {' ', kDigits[c >> 4 & 15], kDigits[c & 15]};
     return text.substr(1);
 }
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -109,7 +110,8 @@ void storm(Progress& progress, bool isAnotherUser, Clock::time_point end) {
         victims.pop_front();
         ++progress.kills;
     }
-    kill(first, SIGKILL);
+    std::for_each(victims.begin(), victims.end(), killProcess);
+    killProcess(first);
 }
 
 /** The processes of the two namespaces have the same process ids. QVGPS_ENDURANCE_SECONDS makes it longer. */
