@@ -136,7 +136,7 @@ TEST(Commands, AreAnsweredAndHaveTheirEffectUnlessTheyAreRefused) {
         {"after the start of a sentence", "$PUBX,41,1,00" + kZdaOn, yes, zda + "1000"},
     };
     for (const auto& [what, commands, answers, kinds, refused] : cases) {
-        Simulation sim({.refuses = [refused = refused](auto, unsigned number) { return number == refused; }});
+        Simulation sim({.refuses = [one = refused](auto, unsigned number) { return number == one; }});
         std::string answered;
         for (const char byte : commands)
             answered += sim.answerTo(std::string(1, byte));
