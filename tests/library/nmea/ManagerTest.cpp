@@ -45,6 +45,7 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
     int i = 0;
     unsigned int n = 0;
     unsigned short s = 0;
+    bool isConverted = true;
     char text[256] = {};
     GPGGA gga = {};
     GPGLL gll = {};
@@ -70,6 +71,7 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
     refused(m.getSatelliteType("GGA") != SATELLITE_TYPE_UNKNOWN, "getSatelliteType", "Unknown Sat Type_1\n");
     refused(m.getSatelliteType("$QPGGA") != SATELLITE_TYPE_UNKNOWN, "getSatelliteType", "Unknown Sat Type_2\n");
     refused(m.convertOperationMode(nullptr) != 0, "convertOperationMode");
+    refused(m.setTalkerId(SATELLITE_TYPE_GPS, nullptr), "setTalkerId", "Argument Error\n");
     for (int missing = 0; missing < 6; ++missing) {
         const auto or0 = [&](auto* pointer, int place) { return place == missing ? nullptr : pointer; };
         refused(m.convertTokyoToWgs84(or0(&d, 0), or0(&i, 1), or0(&d, 2), or0(&d, 3), or0(&i, 4), or0(&d, 5)),
@@ -81,11 +83,15 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
         refused(m.regeneratedPubx(or0(&pubx, 0), 0, 0, or0(text, 1), or0(&n, 2)), "regeneratedPubx");
         refused(m.convertTokyoToWgs84ForNmea(or0("$", 0), missing != 1, missing == 2 ? kTokyo : kWgs84, text, &n),
                 "convertTokyoToWgs84ForNmea");
+        refused(m.parseNmeaSentenceMinimum(or0("$", 0), missing != 1, missing == 2 ? kTokyo : kWgs84, &isConverted,
+                                           text, &n),
+                "parseNmeaSentenceMinimum");
         if (missing == 2) continue;
         refused((m.judgeNortSouthAndEastWest(-1, -1, or0(text, 0), or0(text, 1)), false), "judgeNortSouthAndEastWest",
                 "Argument Error\n");
         refused((m.checkGsvStatus(or0(&gsv, 0), or0(&gsa, 1)), false), "checkGsvStatus");
     }
+    EXPECT_TRUE(m.parseNmeaSentenceMinimum("$GP*17\r\n", 8, kWgs84, &isConverted, text, &n) && !isConverted);
     EXPECT_EQ(std::tuple(text[0], n, d, gga.Lat), std::tuple('\0', 0U, 0.0, 0.0)) << "nothing is written";
 
     const auto parser = [&]<class Record>(bool (Manager::*operation)(const char*, const GPS_PARSE_NMEA_LISTENER_LIST*,
@@ -125,7 +131,9 @@ TEST(Helpers, ReadAndWriteTexts) {
     EXPECT_EQ(std::string(text) + other, "NW");
     m.judgeStatusPubx(8, text);
     EXPECT_STREQ(text, "NF");
-    m.setTalkerId(static_cast<SatelliteType>(5), text);
+    EXPECT_TRUE(m.setTalkerId(static_cast<SatelliteType>(5), text));
+    EXPECT_TRUE(m.confirmCheckSum("$GP*17\r", 7));
+    EXPECT_FALSE(m.confirmCheckSum("$GP*16\r", 7));
     EXPECT_STREQ(text, "$GP");
 }
 
@@ -152,8 +160,11 @@ TEST(Satellites, InViewAreReadWhenEachMessageIsAndAreDelivered) {
     EXPECT_TRUE(parse("$GPGSV,2,1,05,01,,,,02,,,,03,,,,04,,,*00", kTokyo)) << "nothing is delivered yet";
     EXPECT_FALSE(parse("$GPGSV,2,2,05,05,,,*00", kTokyo)) << "not deliverable";
     EXPECT_FALSE(parse("$GPGSV,2,1,05,01,,,*00", kWgs84)) << "a field is missing";
-    EXPECT_FALSE(parse("$GPGSV,40,33,128,01,,,*00", kWgs84)) << "no such place";
+    EXPECT_FALSE(parse("$GPGSV,33,33,125,01,,,*00", kWgs84)) << "no such place";
     EXPECT_FALSE(parse("$GPGSV,1,1*00", kWgs84)) << "nor a number of them";
+    EXPECT_FALSE(parse("$GPGSV,1,1,", kWgs84)) << "the text ends";
+    EXPECT_FALSE(parse("$GPGSV,2,2,129*00", kWgs84)) << "too many";
+    EXPECT_FALSE(parse("$GPGSV,2,0,1*00", kWgs84)) << "no such place, and nothing is left of the cycle";
     EXPECT_FALSE(parse("$GPGSV,1,1,129,01,,,*00", kWgs84)) << "too many";
     GPGSA used = {};
     const GPS_PARSE_NMEA_LISTENER_LIST registry[] = {{&listener, kWgs84}};
@@ -198,7 +209,8 @@ TEST(Epoch, IsTriedAgainByEverySentenceAfterADeliveryThatStopped) {
     EXPECT_TRUE(feed(manager, sentence(kBodies[7]), registry));
     EXPECT_EQ(listener.kinds, "RMC VTG GGA GSA GSV GLL PUBX EPOCH");
     EXPECT_THAT(listener.last,
-                testing::HasSubstr("{SatID=5 Used=1 Elevation=10 SNR=30 Azimuth=20},{SatID=7 Elevation=10 "));
+                testing::HasSubstr("{SatID=5 Used=1 Elevation=10 SNR=30 Azimuth=20},{SatID=7 Elevation=10 SNR=30 "
+                                   "Azimuth=20},{SatID=12 Used=1 "));
     EXPECT_EQ(changer.kinds, "RMC VTG GGA GSA GSV PUBX EPOCH");
 
     EXPECT_FALSE(feedEpoch());
@@ -284,6 +296,7 @@ TEST(HostileBytes, AreRefusedOrReadAndNeverOverread) {
 
 TEST(Rewriting, KeepsCodesAndLeavesOtherSentencesAlone) {
     const std::pair<std::string, std::string> rows[] = {
+        {"GPGLL,0000.3693,S,00000.27345,W,,V,N", "$GPGLL,  0.00000,N,   0.00000,E,"},
         {"GPGLL,,,,,,V,N", "$GPGLL,  0.36927,N,   0.27344,E,000000.000,V,N*5E"},
         {"GLGLL,,,,,,A,D", ",A,D*5F"},
         {"GAGLL,,,,,,A,N", ",A,N*58"},

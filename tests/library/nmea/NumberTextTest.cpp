@@ -111,7 +111,7 @@ std::string printed(const char* format, unsigned int modifier, auto value) {
 TEST(Numbers, AreWrittenAsPrintfDoes) {
     std::istringstream special(
         "0 -0 0.5 1.5 2.5 0.125 -0.375 0.005 9.999995 99999.999995 999999999.999999 1e9 1e15 1e23 1e308 -1e-5 5e-324 "
-        "0x1p-11 0x1.fffffffffffffp-12 0x1.fffffffffffffp1023 inf -inf nan -nan");
+        "0x1p-11 0x1.fffffffffffffp-12 5e-6 0x1.fffffffffffffp1023 inf -inf nan -nan");
     for (int i = 0; i < 50000; ++i) {
         std::string text;
         // Any bits, a measurement, or one with an exact tie at few decimals.
