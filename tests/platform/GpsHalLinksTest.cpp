@@ -108,6 +108,8 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     EXPECT_TRUE(second.open()) << "also while a forked child has a copy of the descriptor";
     second.close();
     killProcess(child);
+    const Stream other(open("/dev/null", O_RDONLY | O_CLOEXEC));  // gets the device's number
+    expectInProcess([&] { EXPECT_NE(fcntl(other.descriptor(), F_GETFD), -1); });
 
     auto& heir = makeForAllProcesses<std::atomic<pid_t>>();
     const pid_t holder = startProcess([&] {

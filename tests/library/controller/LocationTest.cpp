@@ -14,9 +14,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 timeval at(long ms, long microseconds = 0) {
-    constexpr long kStart = 1000000000000000;
-    const long sum = kStart + ms * 1000 + microseconds;
-    return {sum / 1000000, sum % 1000000};
+    constexpr long long kStart = 1000000000000000;
+    const long long sum = kStart + ms * 1000LL + microseconds;
+    return {static_cast<time_t>(sum / 1000000), static_cast<suseconds_t>(sum % 1000000)};
 }
 
 /** Times in milliseconds, and update counters of records that arrive before the poll at that time, or are delivered in

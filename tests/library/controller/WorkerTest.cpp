@@ -238,8 +238,10 @@ TEST_F(ControllersWorker, deliversInTheCycleInWhichARecordIsDue) {
         mController->Initialize();  // makes this thread the worker
         gettimeofday(&start, nullptr);
     };
+    GPS_LOCATION_SYNC_DATA location = {};
     const auto publishAndCycle = [&](long ms) {
-        mController->setLocationData(&kNowhere);
+        ++location.Gga.SatView;
+        mController->setLocationData(&location);
         mController->runLocationCycle({start.tv_sec + ms / 1000, start.tv_usec});
         return mListener.take();
     };
@@ -249,6 +251,7 @@ TEST_F(ControllersWorker, deliversInTheCycleInWhichARecordIsDue) {
     EXPECT_THAT(publishAndCycle(2000), SizeIs(4));
     EXPECT_THAT(publishAndCycle(2000), IsEmpty());
     EXPECT_THAT(publishAndCycle(4000), SizeIs(4));
+    EXPECT_EQ(mListener.location().Gga.SatView, 3U) << "the oldest that waits";
     EXPECT_THAT(publishAndCycle(-9000), SizeIs(4));
     initialize();
     EXPECT_THAT(publishAndCycle(0), IsEmpty()) << "due an interval after the start";

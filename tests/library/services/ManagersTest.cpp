@@ -65,7 +65,7 @@ TEST_F(Managers, RefuseMissingArguments) {
 
 TEST_F(Managers, StoreTheAntennaStatusForEveryProcessAndDeliverIt) {
     GpsConnectionManager manager;
-    const GPS_CONNECTION_LISTENER_LIST list[] = {{nullptr}, {&mListener}, {&mListener}};
+    const GPS_CONNECTION_LISTENER_LIST list[] = {{&mListener}, {nullptr}, {&mListener}};
     manager.changeGpsConnectionStatus(nullptr, list, 3);
     manager.changeGpsConnectionStatus(kShort, nullptr, 3);
     manager.changeGpsConnectionStatus(kShort, list, 2);

@@ -84,7 +84,7 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
         return std::pair(in("/proc/self/fd"), in("/proc/self/map_files"));
     };
     const std::string untouched(sizeof(GPS_LOCATION_DATA_SHARE), '\x5A');
-    LocationDataMemory();  // and its lock, which stays
+    EXPECT_FALSE(LocationDataMemory().read(nullptr));  // and its lock, which stays
     const auto before = held();
     for (const auto& row : cases) {
         SCOPED_TRACE(row.fault);
