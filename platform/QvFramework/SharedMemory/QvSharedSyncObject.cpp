@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -62,7 +63,7 @@ constinit std::atomic<Token> gToken{0};  // of this process
 constinit std::atomic<QvSharedLock*> gLocks{nullptr};
 
 struct flock byteOf(Token token, short type) {
-    const auto offset = static_cast<off_t>(token / 2);  // never negative
+    const auto offset = static_cast<off_t>(token / 2 & std::numeric_limits<off_t>::max());  // of 32 or 64 bits
     return {.l_type = type, .l_whence = SEEK_SET, .l_start = offset, .l_len = 1, .l_pid = 0};
 }
 
