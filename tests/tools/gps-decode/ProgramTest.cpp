@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <chrono>
+
 #include "tests/support/Child.h"
 #include "tests/support/Messages.h"
 #include "tests/support/ScratchDirectory.h"
@@ -45,6 +47,27 @@ TEST(Report, OfALongLogIsSmallAndKeepsItsPeak) {
     EXPECT_THAT(page, AllOf(StartsWith("<!DOCTYPE html>"), EndsWith("</html>\n" + counts(80000)),
                             Not(HasSubstr("<script")), Not(HasSubstr("http")), HasSubstr("<dd>1.9 to 185.2</dd>")));
     EXPECT_LT(page.size(), 1000000U);
+}
+
+TEST(Progress, IsShownOnATerminalForALongFileAndErased) {
+    constexpr unsigned kMany = 60000;
+    std::string texts;  // 2 MB
+    for (unsigned i = 0; i < kMany; ++i)
+        texts += kText;
+    const std::string erase = "\r\x1b[K";
+    const ScratchDirectory files;
+    const std::string command = GPS_DECODE " --raw >/dev/null <" + files.write("in", texts);
+    const auto start = std::chrono::steady_clock::now();
+    Child shell({"sh", "-c", command}, Child::On::terminal);
+    EXPECT_EQ(shell.end(), 0);
+    const auto tenths = (std::chrono::steady_clock::now() - start) / std::chrono::milliseconds(100);
+    int erased = 0;
+    for (std::size_t at = shell.all().find(erase); at != std::string::npos; at = shell.all().find(erase, at + 1))
+        ++erased;
+    std::string end = " % of 2 MB" + erase + counts(kMany);
+    end.insert(end.size() - 1, "\r");
+    EXPECT_THAT(shell.all(), AllOf(StartsWith(erase + "gps-decode: "), EndsWith(end)));
+    EXPECT_LE(erased, tenths + 2);
 }
 
 }  // namespace

@@ -143,6 +143,8 @@ TEST(LinkStatuses, GiveTheReasonWhyNothingIsReceived) {
         const LinkStatus link = linkStatus({device, startMessage, kNow - seconds(startAge), last}, kNow);
         return (link.health == Health::good ? "good: " : link.health == Health::bad ? "bad: " : "unsure: ") + link.text;
     };
+    EXPECT_EQ(status("", "", 0), "bad: no receiver: no device named");
+    EXPECT_EQ(status("/dev/null", "cannot use it: busy", 0), "bad: no receiver: cannot use it: busy");
     EXPECT_EQ(status("/dev/null", "", 1), "unsure: waiting for /dev/null");
     EXPECT_EQ(status("/dev/null", "", 9), "bad: no data from /dev/null: silent, at another speed, or lines without CR");
     EXPECT_EQ(status("/dev/null", "not about the link", 9, 1), "good: receiving from /dev/null");
@@ -172,6 +174,8 @@ TEST(PrintableText, EscapesWhatATerminalWouldAct) {
 }
 
 TEST(Names, AreNumbersWhereThereAreNone) {
+    EXPECT_EQ(findSetting("DATUM_TOKYO"), std::nullopt);
+    EXPECT_EQ(settingName(GPS_SETTING_SAVE_CONFIG), "GPS_SETTING_SAVE_CONFIG");
     EXPECT_EQ(settingName(static_cast<GpsSetting>(36)), "36");
     EXPECT_EQ(connectionStatusName(static_cast<GpsConnectionStatus>(-1)), "-1");
 }

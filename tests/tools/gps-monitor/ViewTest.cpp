@@ -2,7 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <set>
+#include <sstream>
+
 #include "tools/gps-monitor/view/Canvas.h"
+#include "tools/gps-monitor/view/Layout.h"
 
 namespace monitor {
 namespace {
@@ -66,6 +73,24 @@ struct Screen {
     }
 };
 
+TEST(Layouts, KeepPanelsApartAndOnTheScreen) {
+    const int sizes[][2] = {{1, 1}, {20, 3}, {79, 24}, {80, 24}, {100, 24}, {120, 40}, {200, 60}, {400, 200}};
+    for (const auto& [width, height] : sizes) {
+        for (const bool isRawLarge : {false, true}) {
+            const Layout layout = makeLayout(width, height, isRawLarge);
+            Canvas canvas(width, height);
+            for (const Rect& area :
+                 {layout.title, layout.position, layout.signals, layout.side, layout.satellites, layout.requests,
+                  layout.location, layout.counts, layout.raw, layout.log, layout.footer}) {
+                for (int i = 0; i < area.width * area.height; ++i)
+                    ++canvas.at(area.x + i % area.width, area.y + i / area.width).glyph;
+            }
+            for (int i = 0; i < width * height; ++i)
+                ASSERT_EQ(canvas.at(i % width, i / width).glyph, U'!') << width << 'x' << height;
+        }
+    }
+}
+
 TEST(Screens, ShowEveryValue) {
     const Screen screen(160, 50, drivingState());
     const char* const parts[] = {"35o39.12340' N  139o45.67890' E",
@@ -104,6 +129,22 @@ TEST(Screens, ShowThePositionFirstWhenThereIsLittleRoom) {
             EXPECT_EQ(Screen(width, height, drivingState(), controls).text.size(), (width + 1) * height);
         controls.press(key, {});
     }
+}
+
+TEST(TheSky, HasLabelsThatNeitherTouchNorCoverOneAnother) {
+    std::istringstream rows(Screen(80, 24, drivingState()).text);
+    std::multiset<std::string> labels;
+    std::string row;
+    for (int y = 0; std::getline(rows, row) && y < 16; ++y) {
+        if (y < 2) continue;
+        std::replace_if(
+            row.begin(), row.end(), [](char glyph) { return std::isalnum(glyph) == 0; }, ' ');
+        std::istringstream words(row.substr(50));
+        labels.insert(std::istream_iterator<std::string>(words), {});
+    }
+    EXPECT_THAT(labels, testing::IsSupersetOf({"N", "E", "S", "W", "5", "20", "19", "18", "17"}));
+    for (const std::string& label : labels)
+        EXPECT_TRUE(labels.count(label) == 1 && (label.size() == 1 || std::stoi(label) <= 20)) << label;
 }
 
 TEST(Keys, ThatCannotBeUndoneAskFirst) {

@@ -104,6 +104,7 @@ TEST(Commands, AreAnsweredAndHaveTheirEffectUnlessTheyAreRefused) {
         std::string commands, answers, kinds = "RMC VTG GGA GSA GSV GLL 1000";
         unsigned refused = 0;
     } cases[] = {
+        {"on", kZdaOn + kPubxOn, yes + yes, zda + "PUBX 1000"},
         {"off", rate("F0 05 00 00 00 00 00 00") + rate("F0 01 00") + rate("F0 04 01 00 01 01 01 00"), yes + yes + yes,
          "GGA GSA GSV 1000"},
         {"refused", kZdaOn + kPubxOn + kFiveHertz, yes + no + rated, zda + "200", 2},
@@ -125,12 +126,14 @@ TEST(Commands, AreAnsweredAndHaveTheirEffectUnlessTheyAreRefused) {
          answer(0x00, false)},
         {"speed", kSpeed + kPollPort, answer(0x00, true) + "<38400>" + kSpeed + answer(0x00, true)},
         {"speed by a sentence", sim::nmeaSentence("PUBX,41,1,0007,0003,115200,0"), "<115200>"},
+        {"no such speed by a sentence", sim::nmeaSentence("PUBX,41,1,0007,0003,12345,0"), ""},
         {"another port's speed", sim::nmeaSentence("PUBX,41,3,0007,0003,38400,0"), ""},
         {"no number", sim::nmeaSentence("PUBX,41,1,0007,0003,38400x,0"), ""},
         {"too short", sim::nmeaSentence("PUBX,41,1,0007"), ""},
         {"no such port", message(0x00, hex("09")), answer(0x00, false)},
         {"no expert settings", message(0x23, hex("00 00 FF FF")), answer(0x23, false)},
         {"wrong checksum", kZdaOn.substr(0, kZdaOn.size() - 1) + 'x', ""},
+        {"another class", ubxFrame({0x0A, 0x04}, ""), ""},
         {"after noise", "noise\xFF" + hex("B5 62 06") + kZdaOn, yes, zda + "1000"},
         {"after a long frame", hex("B5 62 06 01 FF FF") + kZdaOn, yes, zda + "1000"},
         {"after the start of a sentence", "$PUBX,41,1,00" + kZdaOn, yes, zda + "1000"},
@@ -248,6 +251,7 @@ TEST(LogReplay, BeginsAnEpochAtEveryRmcButTheFirst) {
         {"cut off*00\r\n", {"cut off*00\r\n"}},
         {gga + gga, {gga + gga}},
         {gga + rmc + gga + rmc, {gga + rmc + gga, rmc}},
+        {rmc + rmc, {rmc, rmc}},
         {rmc + frame + "\xB5" + rmc + "$GPRMC,cut", {rmc + frame + "\xB5", rmc + "$GPRMC,cut"}},
         {rmc + "$GPRM" + rmc, {rmc + "$GPRM", rmc}},
     };

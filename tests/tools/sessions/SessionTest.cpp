@@ -28,8 +28,8 @@ TEST_P(Session, isRight) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Session,
-                         testing::Values("gps-decode", "gps-decode-report", "gps-decode-tracks", "gps-monitor",
-                                         "receiver-sim"),
+                         testing::Values("gps-decode", "gps-decode-events", "gps-decode-report", "gps-decode-tracks",
+                                         "gps-monitor", "receiver-sim"),
                          [](const auto& file) {
                              std::string name = file.param;
                              std::erase(name, '-');
