@@ -147,21 +147,30 @@ TEST_F(Setting, IsAnsweredEvenBeforeSendingHasReturnedAndSoAreProductionRequests
 
 const std::string kPortPoll = "\xB5\x62\6\0\1\0\0\x07\x21"s;
 
-TEST_F(Setting, SpeedChangeExcludesAllOtherCommandsButNoAnswers) {
+TEST_F(Setting, SpeedChangeExcludesOtherCommandsUntilItsPollAndSettingsUntilThePollIsAnswered) {
     unsigned speed = 0;
+    Listener raw("raw");
+    raw.setHook([&] { request({GPS_SETTING_RATE_5HZ}); });
+    mController->registerGpsNmeaListener(&raw, GEODETIC_SYSTEM_WGS84);
     for (const auto& [setting, newSpeed] : {std::pair(33, 2u), std::pair(34, 4u), std::pair(32, 0u)}) {
         std::vector<std::pair<std::string, unsigned>> writes;
         std::chrono::steady_clock::time_point changed;
         std::vector<std::jthread> others;
+        mPeer->setWriteHook(nullptr);
+        request({GPS_SETTING_PUBX00_ON});
         mPeer->setWriteHook([&, changing = setting](std::string_view bytes) {
             writes.emplace_back(bytes, mPeer->speed());
-            if (bytes == kPortPoll) {
-                EXPECT_GE(std::chrono::steady_clock::now() - changed, std::chrono::milliseconds(200));
-            }
+            const bool isPoll = bytes == kPortPoll;
+            const bool waitsForAnswer = changing != 33 && bytes.starts_with("\xB5\x62\6\1");
+            const std::chrono::milliseconds wait(isPoll ? 200 : waitsForAnswer ? 700 : 0);
+            EXPECT_GE(std::chrono::steady_clock::now() - changed, wait);
+            if (isPoll && changing == 32) mPeer->send(kZda);  // a request on the receive thread, which does not wait
+            if (isPoll) return changing == 32 || send(changing == 33 ? kYes + kYes : kYes);
+            if (bytes == commandOf(GPS_SETTING_RATE_5HZ)) mPeer->send(kYes + kYes);  // takes the poll's answer
             if (bytes != commandOf(changing)) return true;
             changed = std::chrono::steady_clock::now();
             EXPECT_TRUE(send(kYes));
-            EXPECT_EQ(mListener.take(), answers({changing})) << "before the change is complete";
+            EXPECT_EQ(mListener.take(), answers({GPS_SETTING_PUBX00_ON})) << "before the change is complete";
             others.emplace_back([&] { request({GPS_SETTING_ZDA_ON}); });
             others.emplace_back([&] { EXPECT_TRUE(mController->requestFinishGpsProductionCheck()); });
             others.emplace_back([&] { request({GPS_SETTING_ZDA_OFF}); });
@@ -169,13 +178,14 @@ TEST_F(Setting, SpeedChangeExcludesAllOtherCommandsButNoAnswers) {
         });
         request({setting});
         others.clear();
-        ASSERT_EQ(writes.size(), 5u);
+        const std::size_t more = setting == 32 ? 1 : 0;
+        ASSERT_TRUE(send("") && writes.size() == 5 + more);
         EXPECT_EQ(writes[0], std::pair(commandOf(setting), speed));
         EXPECT_EQ(writes[1], std::pair(kPortPoll, newSpeed));
         for (std::size_t i = 2; i < writes.size(); ++i)
             EXPECT_EQ(writes[i].second, newSpeed);
         send(kYes + kYes);
-        EXPECT_EQ(mListener.take().size(), 2u);
+        EXPECT_EQ(mListener.take().size(), 3 + more);
         speed = newSpeed;
     }
     EXPECT_THAT(mLog.texts(), IsEmpty());

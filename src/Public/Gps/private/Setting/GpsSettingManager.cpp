@@ -137,7 +137,7 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
     qv_msleep(kSpeedChangeMs);
     {
         QvSyncGuard guard(mPendingSync);
-        mAnswersDue = 1;
+        mAnswersDue = mPendingCount + 1;
         mPollAnswered.ResetEvent();
     }
     if (!mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll))) return false;

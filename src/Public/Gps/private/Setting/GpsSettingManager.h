@@ -87,8 +87,9 @@ private:
     QvEvent mPollAnswered;  // reset from the poll at a new speed until no answer is due
     Clock::time_point mPollDeadline QV_GUARDED_BY(gCommandSync);  // its answer is not awaited any longer
 
-    QvSync mPendingSync;                                       // guards the ring; held for single steps only
-    unsigned int mAnswersDue QV_GUARDED_BY(mPendingSync) = 0;  // to the poll and to what was sent after it
+    QvSync mPendingSync;  // guards the ring; held for single steps only
+    unsigned int mAnswersDue QV_GUARDED_BY(mPendingSync) =
+        0;  // from a poll on: to it, and to what was sent before and after it
     GpsSetting mPendingSetting[kMaxPending] QV_GUARDED_BY(mPendingSync);
     unsigned int mPendingWriteIndex QV_GUARDED_BY(mPendingSync);  // where the next request is queued
     unsigned int mPendingReadIndex QV_GUARDED_BY(mPendingSync);   // the oldest request that awaits an answer
