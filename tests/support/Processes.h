@@ -15,10 +15,11 @@
 /** Runs `work` in a process of its own, which exits with 1 when an expectation failed there and with 0 otherwise. */
 template <class Work>
 pid_t startProcess(Work work) {
-    const pid_t pid = fork();
+    const pid_t parent = getpid(), pid = fork();
     if (pid < 0) std::abort();  // and never kill(-1)
     if (pid > 0) return pid;
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) _exit(1);  // killed before
     work();
     std::fflush(stdout);
     _exit(testing::Test::HasFailure() ? 1 : 0);
