@@ -3,7 +3,9 @@
 
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# shellcheck disable=SC2034  # used by the scripts that read this file
 build_packages=(cmake g++ ninja-build pkg-config libcli11-dev libfmt-dev nlohmann-json3-dev libncurses-dev)
+# shellcheck disable=SC2034
 test_packages=(libgtest-dev libgmock-dev util-linux binutils locales)
 
 as_root() {
