@@ -117,7 +117,7 @@ public:
      * @return empty also while the listener's place is not known: at the start and after losses, until an RMC
      */
     std::optional<Sent> find(const std::string& what, std::size_t& next, const std::string& kinds,
-                             const std::function<bool(const Sent&)>& fits) const {
+                             const std::function<bool(const Sent&)>& fits) {
         const std::lock_guard guard(mSync);
         const std::size_t forgotten = mState.sent - mSent.size();
         const bool isPlaceKnown = next >= mUncertain;
@@ -128,6 +128,7 @@ public:
             wasSent = wasSent || isIt;
             if (isIt && (isPlaceKnown || sent.kind == "RMC")) {
                 next = i + 1;
+                mFound = std::max(mFound, next);
                 return sent;
             }
             if (!isPlaceKnown || kinds.find(sent.kind) == std::string::npos) continue;
@@ -140,7 +141,9 @@ public:
 
 private:
     static constexpr std::size_t kRemembered = 20000;
-    static constexpr auto kPace = 5ms;  // from one epoch to the next
+    static constexpr std::size_t kAhead = 30;  // sentences
+    static constexpr auto kPace = 5ms;         // from one epoch to the next
+    static constexpr auto kLongestPause = 100ms;
 
     void run(const std::stop_token& end) {
         for (; !end.stop_requested(); std::this_thread::sleep_for(kPace)) {
@@ -153,12 +156,18 @@ private:
         for (std::string bytes = mPort->read(); !bytes.empty(); bytes = mPort->read()) {
             if (mPort->clientHasSpeed(mBaud)) mReceiver.receive(bytes);
         }
-        if (mSteps.empty()) mTruth = mReceiver.runEpoch(mReceiver.nextEpoch());
+        if (mSteps.empty() && (hasClientKeptUp() || Clock::now() - mLastEpoch > kLongestPause)) {
+            mLastEpoch = Clock::now();
+            mTruth = mReceiver.runEpoch(mReceiver.nextEpoch());
+        }
         enqueue();
         for (; !mSteps.empty() && write(mSteps.front().bytes); mSteps.pop_front()) {
             if (mSteps.front().baud != 0) mBaud = mSteps.front().baud;
         }
     }
+
+    /** Answers must not wait in the terminal's buffer until the library gives them up. */
+    bool hasClientKeptUp() const { return mState.sent < std::max(mFound, mUncertain) + kAhead; }
 
     /** Takes what the receiver is about to do, and records it before a client can see it. */
     void enqueue() {
@@ -201,7 +210,9 @@ private:
     sim::Receiver::Truth mTruth{};
     unsigned mBaud = 0;
     std::deque<sim::PortAction> mSteps;
-    std::deque<Sent> mSent;      // the last ones
+    std::deque<Sent> mSent;  // the last ones
+    std::size_t mFound = 0;  // number of those that a listener has got
+    Clock::time_point mLastEpoch{};
     std::size_t mUncertain = 1;  // of the sentences before it some may be lost
     State mState{};
     std::jthread mThread{[this](const std::stop_token& end) { run(end); }};

@@ -90,9 +90,9 @@ public:
      * link's speed could not be changed or the shared setting record could not be used. A change of speed takes 200 ms,
      * and up to 2 s more on a serial line that does not transmit.
      *
-     * Answers are matched to requests by their order. The receiver answers GPS_SETTING_BAUD_38400 twice; the next
-     * request is sent after the second answer, or after 500 ms. A request made in a notification is sent at once: the
-     * second answer may then be taken for its answer.
+     * Answers are matched to requests by their order. The receiver answers a change of speed twice; the next request is
+     * sent after the second answer, or after 1 s. A request made in a notification is sent at once: the second answer
+     * may then be taken for its answer.
      */
     bool requestGpsSetting(GpsSetting setting);
 

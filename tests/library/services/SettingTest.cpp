@@ -162,7 +162,7 @@ TEST_F(Setting, SpeedChangeExcludesOtherCommandsUntilItsPollAndSettingsUntilTheP
             writes.emplace_back(bytes, mPeer->speed());
             const bool isPoll = bytes == kPortPoll;
             const bool waitsForAnswer = changing != 33 && bytes.starts_with("\xB5\x62\6\1");
-            const std::chrono::milliseconds wait(isPoll ? 200 : waitsForAnswer ? 700 : 0);
+            const std::chrono::milliseconds wait(isPoll ? 200 : waitsForAnswer ? 1200 : 0);
             EXPECT_GE(std::chrono::steady_clock::now() - changed, wait);
             if (isPoll && changing == 32) mPeer->send(kZda);  // a request on the receive thread, which does not wait
             if (isPoll) return changing == 32 || send(changing == 33 ? kYes + kYes : kYes);

@@ -14,9 +14,9 @@ namespace {
 constexpr GpsLog log("src/Public/Gps/private/Setting/GpsSettingManager");
 
 constexpr unsigned int kCommandSize = 128;
-constexpr unsigned int kPortSpeedCommand = 0;  // sets the speed of the HAL's end
-constexpr unsigned int kSpeedChangeMs = 100;   // for the receiver, then for the HAL
-constexpr std::chrono::milliseconds kPollTimeout{500};
+constexpr unsigned int kPortSpeedCommand = 0;    // sets the speed of the HAL's end
+constexpr unsigned int kSpeedChangeMs = 100;     // for the receiver, then for the HAL
+constexpr std::chrono::seconds kPollTimeout{1};  // at 9600 baud the sentences of a second may be sent first
 constexpr unsigned char kPortPoll[] = {0xB5, 0x62, 0x06, 0x00, 0x01, 0x00, 0x00, 0x07, 0x21};
 
 /** Values of kPortSpeedCommand. */

@@ -41,7 +41,7 @@ public:
 
     /**
      * Any thread. A change of speed blocks for 200 ms, and so do the commands of other threads. The next setting waits
-     * for the answer to its poll, at most 500 ms.
+     * for the answer to its poll, at most 1 s.
      * @param canWait false on the receive thread, which takes that answer
      */
     bool requestGpsSetting(GpsSetting setting, bool canWait = true);
