@@ -27,11 +27,11 @@
 static std::atomic<unsigned> gConversions = 0;
 #pragma GCC visibility push(default)
 extern "C" {
-long strtol_l(const char* text, char** end, int base, locale_t) noexcept {
-    return ++gConversions, std::strtol(text, end, base);
+long long strtoll_l(const char* text, char** end, int base, locale_t) noexcept {
+    return ++gConversions, std::strtoll(text, end, base);
 }
-unsigned long strtoul_l(const char* text, char** end, int base, locale_t) noexcept {
-    return ++gConversions, std::strtoul(text, end, base);
+unsigned long long strtoull_l(const char* text, char** end, int base, locale_t) noexcept {
+    return ++gConversions, std::strtoull(text, end, base);
 }
 double strtod_l(const char* text, char** end, locale_t) noexcept {
     return ++gConversions, std::strtod(text, end);

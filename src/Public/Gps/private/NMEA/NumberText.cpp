@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 
 namespace number_text {
 
@@ -20,24 +19,22 @@ locale_t cLocale() {
 template <class Convert>
 auto convertCopy(std::string_view text, Convert convert) {
     char copy[128];
-    const std::size_t length = std::min(text.size(), sizeof(copy) - 1);
-    std::memcpy(copy, text.data(), length);
-    copy[length] = '\0';
+    copy[text.copy(copy, sizeof(copy) - 1)] = '\0';
     return convert(copy);
 }
 
 }  // namespace
 
-long toIntegerSlowly(std::string_view text) {
-    return convertCopy(text, [](const char* copy) { return strtol_l(copy, nullptr, 10, cLocale()); });
+std::int64_t toIntegerSlowly(std::string_view text) {
+    return convertCopy(text, [](const char* copy) { return strtoll_l(copy, nullptr, 10, cLocale()); });
 }
 
-unsigned long toUnsignedSlowly(std::string_view text) {
-    return convertCopy(text, [](const char* copy) { return strtoul_l(copy, nullptr, 10, cLocale()); });
+std::uint64_t toUnsignedSlowly(std::string_view text) {
+    return convertCopy(text, [](const char* copy) { return strtoull_l(copy, nullptr, 10, cLocale()); });
 }
 
-unsigned long toUnsignedHexSlowly(std::string_view text) {
-    return convertCopy(text, [](const char* copy) { return strtoul_l(copy, nullptr, 16, cLocale()); });
+std::uint64_t toUnsignedHexSlowly(std::string_view text) {
+    return convertCopy(text, [](const char* copy) { return strtoull_l(copy, nullptr, 16, cLocale()); });
 }
 
 double toDoubleSlowly(std::string_view text) {

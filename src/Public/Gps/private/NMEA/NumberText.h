@@ -10,16 +10,16 @@
 #include <utility>
 
 /**
- * Reads and writes numbers as strtol, strtoul, strtod and printf do in the C locale, independent of the host's locale
+ * Reads and writes numbers as strtoll, strtoull, strtod and printf do in the C locale, independent of the host's locale
  * and bit for bit as long as the host rounds to nearest. Plain numbers take a fast path, others the C library's.
  */
 namespace number_text {
 
 // The C library's conversions, for texts of at most 127 characters that are not plain numbers.
 
-long toIntegerSlowly(std::string_view text);
-unsigned long toUnsignedSlowly(std::string_view text);
-unsigned long toUnsignedHexSlowly(std::string_view text);
+std::int64_t toIntegerSlowly(std::string_view text);
+std::uint64_t toUnsignedSlowly(std::string_view text);
+std::uint64_t toUnsignedHexSlowly(std::string_view text);
 double toDoubleSlowly(std::string_view text);
 
 /** 10^0 to 10^9, each exact in both types. */
@@ -105,13 +105,13 @@ public:
 
     // As the C library reads the text: leading blanks and a sign are accepted, text after the number is ignored.
 
-    long toInteger() const {
+    std::int64_t toInteger() const {
         const int value = fewDigits();
         return value >= 0 ? value : toIntegerSlowly(text());
     }
-    unsigned long toUnsigned() const {
+    std::uint64_t toUnsigned() const {
         const int value = fewDigits();
-        return value >= 0 ? static_cast<unsigned long>(value) : toUnsignedSlowly(text());
+        return value >= 0 ? static_cast<std::uint64_t>(value) : toUnsignedSlowly(text());
     }
     double toDouble() const {
         if (mSize == 0) return 0.0;
