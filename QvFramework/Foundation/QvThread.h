@@ -51,7 +51,7 @@ private:
 
     Owner* mpOwner;
     char mName[128] = {};
-    std::atomic<pthread_t> mHandle{kNoHandle};
+    pthread_t mHandle = kNoHandle;
     std::atomic<int> mThreadId{-1};  // the kernel's
     QvEvent mExitEvent;
     unsigned int mWaitTimeout = 0;
@@ -100,7 +100,6 @@ template <class Owner>
 void* QvThread<Owner>::WrappedEntry(void* arg) {
     if (arg == nullptr) return nullptr;
     auto* const self = static_cast<QvThread*>(arg);
-    self->mHandle = pthread_self();  // the creator may not have stored it yet
     self->mThreadId = static_cast<int>(syscall(SYS_gettid));
     self->Entry();
     return nullptr;

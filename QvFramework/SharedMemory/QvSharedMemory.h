@@ -73,9 +73,7 @@ QvSharedMemory<T, N>::QvSharedMemory(const char* name)
 template <class T, unsigned N>
 QvSharedMemory<T, N>::~QvSharedMemory() {
     if (isMapped()) munmap(mpAddress, sizeof(Segment));
-    mpAddress = MAP_FAILED;
     if (mFd != -1) close(mFd);
-    mFd = -1;
 }
 
 template <class T, unsigned N>
@@ -95,7 +93,7 @@ bool QvSharedMemory<T, N>::open(const char* objectName) {
     if (mFd == -1 && errno == EACCES) mFd = openWith(O_RDWR);
     struct stat status {};
     // Empty while the lock is held: its creator died before sizing it, so this process becomes the creator.
-    mIsCreator = mFd != -1 && fstat(mFd, &status) == 0 && status.st_size == 0;
+    mIsCreator = fstat(mFd, &status) == 0 && status.st_size == 0;
     return true;
 }
 

@@ -162,8 +162,8 @@ void GpsHal::Reception::receive(const unsigned char* bytes, unsigned length) {
     }
     if (mSpeedWatch.receive(mFramer.chunks() != chunks, mFramer.isInsideFrame(), GpsHalSpeedWatch::Clock::now())) {
         mFramer.pause(sink());  // a frame with a damaged length may contain good sentences
-        if (mFramer.chunks() == chunks) return tryNextSpeed();
         mSpeedWatch.reset();
+        if (mFramer.chunks() == chunks) return tryNextSpeed();
     }
     if (mFramer.chunks() != chunks) mIsTryingSpeeds = false;
 }
@@ -172,7 +172,6 @@ void GpsHal::Reception::receive(const unsigned char* bytes, unsigned length) {
 void GpsHal::Reception::tryNextSpeed() {
     if (!mIsTryingSpeeds) report(__LINE__, "sends nothing intelligible: trying other speeds");
     mIsTryingSpeeds = true;
-    mSpeedWatch.reset();
     QvSyncGuard guard(mHal->mSendSync);
     if (mSpeedRequests != mHal->mSpeedRequests) return;
     const auto* next = std::ranges::find(kGpsHalSpeeds, mHal->mSpeed, &GpsHalSpeed::value) + 1;

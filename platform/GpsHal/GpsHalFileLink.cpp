@@ -55,12 +55,7 @@ void GpsHalFileLink::close() {
 
 int GpsHalFileLink::readFile(void* buffer, unsigned size) {
     QvSyncGuard guard(mSync);
-    if (mFile == kNoFile) return -1;
-    ssize_t length = -1;
-    do {
-        length = ::read(mFile, buffer, size);
-    } while (length < 0 && errno == EINTR);
-    return static_cast<int>(length);
+    return mFile == kNoFile ? -1 : static_cast<int>(::read(mFile, buffer, size));
 }
 
 int GpsHalFileLink::read(void* buffer, unsigned size, unsigned timeoutMs) {

@@ -37,12 +37,11 @@ unsigned GpsHalFramer::append(const unsigned char* data, unsigned length) {
 
 /** Moves the bytes from mBegin on, and their sums, to the front of the buffer. */
 void GpsHalFramer::compact() {
+    mSummed = std::max(mSummed, mBegin);
     std::memmove(mBuffer, mBuffer + mBegin, mEnd - mBegin);
-    if (mSummed > mBegin) {
-        std::memmove(mSums, mSums + mBegin, mSummed - mBegin + 1);
-        std::memmove(mSumsOfSums, mSumsOfSums + mBegin, mSummed - mBegin + 1);
-    }
-    mSummed -= std::min(mSummed, mBegin);
+    std::memmove(mSums, mSums + mBegin, mSummed - mBegin + 1);
+    std::memmove(mSumsOfSums, mSumsOfSums + mBegin, mSummed - mBegin + 1);
+    mSummed -= mBegin;
     mEnd -= mBegin;
     mBegin = 0;
 }
@@ -58,7 +57,7 @@ GpsHalFramer::Chunk GpsHalFramer::next(GiveUp giveUp) {
         }
         unsigned char* const data = mBuffer + mBegin;
         mBegin += verdict.length;
-        mSeen = 0;
+        mSeen = 1;
         if (verdict.kind == Verdict::kChunk) {
             ++mChunks;
             return {data, verdict.length};
@@ -84,7 +83,7 @@ GpsHalFramer::Verdict GpsHalFramer::judgeNoise() const {
 
 GpsHalFramer::Verdict GpsHalFramer::judgeSentence() {
     const unsigned limit = std::min(mEnd, mBegin + kMaxSentence);
-    unsigned at = mBegin + std::max(mSeen, 1U);
+    unsigned at = mBegin + mSeen;
     while (at < limit && kInsideSentence[mBuffer[at]]) {
         ++at;
     }
@@ -112,11 +111,7 @@ GpsHalFramer::Verdict GpsHalFramer::judgeFrame() {
 /** Whether the two bytes at `end` are the Fletcher checksum of the bytes before them from `begin` on: the sum of these
  *  bytes and the sum of all these sums, modulo 256. */
 bool GpsHalFramer::checksumHolds(unsigned begin, unsigned end) {
-    if (begin > mSummed) {
-        mSummed = begin;
-        mSums[begin] = 0;
-        mSumsOfSums[begin] = 0;
-    }
+    mSummed = std::max(mSummed, begin);  // the sums may start from any values: only differences are used
     unsigned sum = mSums[mSummed];
     unsigned sumOfSums = mSumsOfSums[mSummed];
     while (mSummed < end) {

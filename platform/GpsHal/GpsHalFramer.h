@@ -74,12 +74,12 @@ private:
     unsigned char mBuffer[kCapacity];
     unsigned mBegin = 0;  // first byte that is not yet decided
     unsigned mEnd = 0;
-    unsigned mSeen = 0;  // bytes of the unfinished sentence at mBegin that need no second look
+    unsigned mSeen = 1;  // bytes of the sentence at mBegin that need no second look
 
     // For each position, the sum of the bytes before it and the sum of these sums. The checksum of any range is a
     // difference of them, so that bytes inside many broken frames are summed only once.
-    unsigned char mSums[kCapacity + 1];
-    unsigned char mSumsOfSums[kCapacity + 1];
+    unsigned char mSums[kCapacity + 1] = {};
+    unsigned char mSumsOfSums[kCapacity + 1] = {};
     unsigned mSummed = 0;  // last position that has its sums
 
     unsigned long mChunks = 0;

@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdint>
 #include <mutex>
 #include <utility>
 
@@ -63,8 +62,7 @@ bool configure(int device, unsigned value) {
     settings.c_cflag |= CREAD | CLOCAL;
     settings.c_cc[VMIN] = 1;  // a read of 0 bytes means that the device has hung up
     settings.c_cc[VTIME] = 0;
-    cfsetispeed(&settings, row->terminal);
-    cfsetospeed(&settings, row->terminal);
+    cfsetspeed(&settings, row->terminal);
     return tcsetattr(device, TCSANOW, &settings) == 0;
 }
 
@@ -127,17 +125,14 @@ bool GpsHalSerialLink::open() {
         errno = EMFILE;
         return false;
     }
-    std::uint64_t wakeUps = 0;
-    while (::read(mWakeUp, &wakeUps, sizeof(wakeUps)) < 0 && errno == EINTR) {
-    }
+    eventfd_t wakeUps = 0;
+    eventfd_read(mWakeUp, &wakeUps);
     mDevice = openDevice(mPath.c_str(), mSpeed);
     return mDevice != kNoDevice;
 }
 
 void GpsHalSerialLink::close() {
-    const std::uint64_t wakeUp = 1;
-    while (::write(mWakeUp, &wakeUp, sizeof(wakeUp)) < 0 && errno == EINTR) {
-    }
+    eventfd_write(mWakeUp, 1);
     const std::unique_lock alone(mInUse);
     if (mDevice == kNoDevice) return;
     if (!drain(mDevice)) tcflush(mDevice, TCOFLUSH);  // otherwise closing would wait for it
@@ -147,13 +142,13 @@ void GpsHalSerialLink::close() {
 
 GpsHalSerialLink::Wait GpsHalSerialLink::waitFor(short events, Clock::time_point deadline) const {
     pollfd sources[] = {{mDevice, events, 0}, {mWakeUp, POLLIN, 0}};
-    int ready = -1;
-    do {
+    while (true) {
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
-        ready = poll(sources, 2, static_cast<int>(std::max<decltype(left)>(left, 0)));
-    } while (ready < 0 && errno == EINTR);
-    if (ready < 0 || sources[1].revents != 0) return Wait::kClosed;
-    return ready == 0 ? Wait::kTimedOut : Wait::kReady;
+        const int ready = poll(sources, 2, static_cast<int>(std::max<decltype(left)>(left, 0)));
+        if (ready < 0 && errno == EINTR) continue;
+        if (ready < 0 || sources[1].revents != 0) return Wait::kClosed;
+        return ready == 0 ? Wait::kTimedOut : Wait::kReady;
+    }
 }
 
 int GpsHalSerialLink::read(void* buffer, unsigned size, unsigned timeoutMs) {
@@ -179,11 +174,9 @@ bool GpsHalSerialLink::write(const void* data, unsigned length) {
         if (written > 0) {
             bytes += written;
             length -= static_cast<unsigned>(written);
-            continue;
+        } else if (errno != EINTR && (errno != EAGAIN || waitFor(POLLOUT, deadline) != Wait::kReady)) {
+            return false;
         }
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0 && errno != EAGAIN) return false;
-        if (waitFor(POLLOUT, deadline) != Wait::kReady) return false;
     }
     return true;
 }

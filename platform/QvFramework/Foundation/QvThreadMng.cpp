@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <new>
 
-#include "QvFramework/Foundation/QvHelpers.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 
 namespace {
@@ -15,7 +14,6 @@ constexpr int kDefaultPriority = 128;
 constexpr int kPrioritiesPerNice = 6;
 constexpr int kLowestNice = -20;
 constexpr int kHighestNice = 19;
-constexpr unsigned int kNoThread = static_cast<unsigned int>(-1);
 
 }  // namespace
 
@@ -26,7 +24,6 @@ QvThreadMng* QvThreadMng::GetInstance() {
 }
 
 void QvThreadMng::SetPriority(unsigned long, int priority, unsigned int threadId) {
-    if (threadId == kNoThread) return;
     const int nice = std::clamp((kDefaultPriority - priority) / kPrioritiesPerNice, kLowestNice, kHighestNice);
     setpriority(PRIO_PROCESS, threadId, nice);
 }
@@ -37,20 +34,17 @@ int QvThreadMng::GetPriority(unsigned long, unsigned int threadId) {
     return errno == 0 ? kDefaultPriority - nice * kPrioritiesPerNice : -1;
 }
 
-void QvThreadMng::registerThreadInfo(unsigned long handle, const char* name, int priority, unsigned int value) {
-    ThreadInfo info{handle, {}, priority, value};
-    qv_strcpy(info.name, sizeof(info.name), name);
+void QvThreadMng::registerThreadInfo(unsigned long handle, const char*, int, unsigned int) {
     QvSyncGuard guard(mSync);
-    mThreads.push_back(info);
+    mThreads.push_back(handle);
 }
 
 void QvThreadMng::unregisterThreadInfo(unsigned long handle) {
     QvSyncGuard guard(mSync);
-    std::erase_if(mThreads, [handle](const ThreadInfo& info) { return info.handle == handle; });
+    std::erase(mThreads, handle);
 }
 
 bool QvThreadMng::isRegistered(unsigned long handle) const {
     QvSyncGuard guard(mSync);
-    return std::any_of(mThreads.begin(), mThreads.end(),
-                       [handle](const ThreadInfo& info) { return info.handle == handle; });
+    return std::find(mThreads.begin(), mThreads.end(), handle) != mThreads.end();
 }

@@ -7,7 +7,7 @@
 #include "QvFramework/Foundation/QvUncopyable.h"
 
 /**
- * The process's registry of named threads; sets and reads their priorities.
+ * The process's registry of threads, which keeps their handles; sets and reads their priorities.
  *
  * Priorities range from 0 (lowest) to 255, 128 being the system's default, and set the thread's nice value. Without the
  * right to raise its priority, a thread keeps the one it has.
@@ -26,15 +26,8 @@ public:
     bool isRegistered(unsigned long handle) const;
 
 private:
-    struct ThreadInfo {
-        unsigned long handle;
-        char name[128];
-        int priority;
-        unsigned int value;
-    };
-
     mutable QvSync mSync;
-    std::vector<ThreadInfo> mThreads QV_GUARDED_BY(mSync);
+    std::vector<unsigned long> mThreads QV_GUARDED_BY(mSync);
 };
 
 #endif

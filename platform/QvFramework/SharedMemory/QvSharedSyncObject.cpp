@@ -45,7 +45,7 @@ static_assert(sizeof(SharedObject) == 16 && std::atomic_ref<Token>::is_always_lo
 struct QvSharedLock {
     const std::string name;
     QvSharedLock* const next;
-    int fd = -1;
+    const int fd;
     Token* pHolder = nullptr;
     std::atomic<bool> isMarked{true};  // whether this process has its file lock
     std::atomic<pthread_t> owner{};    // the thread of this process that holds the lock
@@ -143,16 +143,15 @@ SharedObject* mapObject(int fd) {
 
 QvSharedLock* openLock(const std::string& name) {
     const std::string path = kDirectory + ("/" + name) + ".lock";
-    std::unique_ptr<QvSharedLock> lock(new QvSharedLock{name, gLocks});
-    const int fd = lock->fd = openObject(path);
-    SharedObject* const object = fd != -1 ? mapObject(fd) : nullptr;
+    std::unique_ptr<QvSharedLock> lock(new QvSharedLock{name, gLocks, openObject(path)});
+    SharedObject* const object = lock->fd != -1 ? mapObject(lock->fd) : nullptr;
     if (object != nullptr) {
         lock->pHolder = &object->holder;
         return gLocks = lock.release();
     }
     QvDbgOutput::DbgPrintStdErr("QvFramework/SharedMemory/QvSharedSyncObject", "QvSharedSyncObject", __LINE__,
                                 "no shared lock for %s: %s\n", name.c_str(), qv_get_last_err_string());
-    if (fd != -1) close(fd);
+    if (lock->fd != -1) close(lock->fd);
     return nullptr;
 }
 
