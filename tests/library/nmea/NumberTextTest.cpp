@@ -53,7 +53,7 @@ Values read(const std::string& field) {
 Values readByLibrary(const std::string& field) {
     const char* const text = field.c_str();
     return {static_cast<std::uint64_t>(std::strtoll(text, nullptr, 10)), std::strtoull(text, nullptr, 10),
-            field.size() < 2 ? 0 : std::strtoul(field.substr(0, 2).c_str(), nullptr, 16),
+            field.size() < 2 ? 0 : std::strtoull(field.substr(0, 2).c_str(), nullptr, 16),
             std::bit_cast<std::uint64_t>(std::strtod(text, nullptr))};
 }
 
