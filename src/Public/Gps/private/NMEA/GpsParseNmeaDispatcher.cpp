@@ -37,7 +37,7 @@ PARSE_FOR_ARRAY(receiveParsePubxSentence, PUBX*)
 #undef PARSE_FOR_ARRAY
 
 bool GpsParseNmeaManager::parseNmeaSentence(const char* data, unsigned int length, const Recipients& recipients) {
-    if (data == nullptr || length == 0 || recipients.isEmpty()) return false;
+    if (data == nullptr || recipients.isEmpty()) return false;
     sentence_text::Sentence sentence;
     if (!sentence_text::takeSentence(data, length, sentence)) return false;
 

@@ -98,15 +98,14 @@ bool takeSentence(const char* data, unsigned int length, Sentence& sentence) {
     if (stop == std::string_view::npos) return false;
     line = line.substr(0, stop);
     const std::string_view text = line.substr(std::min(line.rfind('$'), stop));
-    if (text.size() < 2 || !isCheckSumRight(text)) return false;
+    if (!isCheckSumRight(text)) return false;
     sentence.assign(text);
     return true;
 }
 
 Kind kindOf(const Sentence& sentence) {
-    const std::string_view text(sentence.text, sentence.length);
-    if (text.starts_with("$PUBX")) return Kind::PUBX;
-    return text.size() >= 6 ? static_cast<Kind>(tag(sentence.text + 3)) : Kind::Other;
+    if (std::string_view(sentence.text, sentence.length).starts_with("$PUBX")) return Kind::PUBX;
+    return static_cast<Kind>(tag(sentence.text + 3));
 }
 
 SatelliteType satelliteType(const char* text) {
@@ -190,7 +189,7 @@ bool GpsParseNmeaManager::confirmCheckSum(const char* sentence, unsigned int len
     if (sentence == nullptr || length == 0) {
         return nmeaLog.failure("confirmCheckSum", "GpsParseNmeaManager::confirmCheckSum() Argument Error");
     }
-    return length >= 2 && sentence_text::isCheckSumRight({sentence, length});
+    return sentence_text::isCheckSumRight({sentence, length});
 }
 
 const char* GpsParseNmeaManager::getNextToken(const char* cursor, char* token) {

@@ -89,8 +89,7 @@ unsigned int writeInteger(char* out, int value, unsigned int width) {
     unsigned int length = 0;
     if (value < 0) out[length++] = '-';
     const auto magnitude = static_cast<std::uint64_t>(std::abs(static_cast<long long>(value)));
-    const unsigned int digits = width > length ? width - length : 0;
-    return length + writeDigits(out + length, magnitude, digits != 0 ? digits : 1);
+    return length + writeDigits(out + length, magnitude, std::max(width - length, 1U));
 }
 
 unsigned int writeFixed(char* out, double value, unsigned int precision) {

@@ -156,7 +156,7 @@ inline constexpr unsigned int kLongest = 320;
 /** Writes `value` as %.`precision`f to kLongest bytes, without a NUL. `precision` is at most 5. Returns the length. */
 unsigned int writeFixed(char* out, double value, unsigned int precision);
 
-/** Writes `value` as %0`width`d, without a NUL; `width` is at most 11. Returns the length, at most 11. */
+/** Writes `value` as %0`width`d, without a NUL; `width` is 1 to 11. Returns the length, at most 11. */
 unsigned int writeInteger(char* out, int value, unsigned int width);
 
 }  // namespace number_text

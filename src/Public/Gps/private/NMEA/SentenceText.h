@@ -66,7 +66,7 @@ unsigned char checkSumOf(std::string_view text);
 /** Whether the checksum after "*" is right, with at least one character after it. */
 bool isCheckSumRight(std::string_view sentence);
 
-/** By the three characters after any two-letter talker, else by "$PUBX". */
+/** The kind of a taken sentence: by the three characters after any two-letter talker, else by "$PUBX". */
 Kind kindOf(const Sentence& sentence);
 
 /** By the two characters after the "$"; logs when the text does not begin with "$G". */

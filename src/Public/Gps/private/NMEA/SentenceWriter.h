@@ -22,7 +22,7 @@ public:
     unsigned int size() const { return mSize; }
 
 private:
-    char mText[kMaxLength + 1];
+    char mText[kMaxLength];
     unsigned int mSize = 0;
     bool mFits = true;
 };
