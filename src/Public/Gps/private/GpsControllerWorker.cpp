@@ -81,11 +81,10 @@ void GpsController::init_queue() {
 }
 
 int GpsController::MainProc() {
-    for (;;) {
-        if (mStopEvent.WaitEvent(0) != QvEvent::TIMED_OUT) return 0;
+    while (!mHasWorkerEnded && mStopEvent.WaitEvent(0) == QvEvent::TIMED_OUT) {
         qv_msleep(kPollPeriodMs);
-        if (mIsStopRequested) return 0;
+        if (mIsStopRequested) break;
         runLocationCycle(currentTime());
-        if (mHasWorkerEnded) return 0;
     }
+    return 0;
 }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 #include "QvFramework/Foundation/QvThreadAnnotations.h"
 #include "QvFramework/Foundation/QvUncopyable.h"
@@ -22,7 +23,7 @@ public:
     /** Releases the lock completely if this thread holds it. Returns how often it was taken. */
     unsigned int release() const {
         if (mHolder != std::this_thread::get_id()) return 0;
-        const unsigned int depth = mDepth;
+        const unsigned int depth = std::exchange(mDepth, 0);
         give();
         return depth;
     }
@@ -45,7 +46,6 @@ private:
         if (mHolder != std::this_thread::get_id()) {
             mMutex.lock();
             mHolder = std::this_thread::get_id();
-            mDepth = 0;
         }
         mDepth += depth;
     }

@@ -1,7 +1,6 @@
 #include "Gps/private/Location/LocationPipeline.h"
 
-#include <cstdint>
-#include <limits>
+#include <chrono>
 
 #include "Gps/private/GpsControllerLog.h"
 
@@ -12,22 +11,15 @@ constexpr char kFunction[] = "MainProc";
 constexpr int kIntervalMs = 999;     // a delivery is due when more than this has passed
 constexpr int kHurryMs = 100;        // subtracted per poll while a backlog waits
 constexpr int kLargestAdjustMs = 5;  // reached by 1 ms per poll while nothing waits
-constexpr int kSmallestAdjustMs = std::numeric_limits<int>::min() + kHurryMs;  // reached after weeks of backlog
 
 std::int64_t elapsedMs(const timeval& from, const timeval& to) {
-    std::int64_t seconds = to.tv_sec - from.tv_sec;
-    std::int64_t microseconds = to.tv_usec - from.tv_usec;
-    if (microseconds < 0) {
-        microseconds += 1000000;
-        --seconds;
-    }
-    return seconds * 1000 + microseconds / 1000;
+    using namespace std::chrono;
+    return floor<milliseconds>(seconds(to.tv_sec - from.tv_sec) + microseconds(to.tv_usec - from.tv_usec)).count();
 }
 
 }  // namespace
 
 void LocationPipeline::reset(const timeval& now) {
-    mOldest = 0;
     mWaiting = 0;
     mLastUpdateCounter = 0;
     mLastNotifyTime = now;
@@ -56,7 +48,7 @@ bool LocationPipeline::isDue(const timeval& now) {
         if (mIntervalAdjust < kLargestAdjustMs) ++mIntervalAdjust;
         return false;
     }
-    if (mWaiting >= 2 && mIntervalAdjust >= kSmallestAdjustMs) mIntervalAdjust -= kHurryMs;
+    if (mWaiting >= 2) mIntervalAdjust -= kHurryMs;
     const std::int64_t elapsed = elapsedMs(mLastNotifyTime, now);
     const bool isClockSetBack = elapsed < 0;
     return isClockSetBack || elapsed > mIntervalAdjust + kIntervalMs;

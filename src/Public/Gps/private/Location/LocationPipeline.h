@@ -4,6 +4,7 @@
 #include <sys/time.h>
 
 #include <atomic>
+#include <cstdint>
 
 #include "Gps/GpsLocationRecords.h"
 
@@ -45,7 +46,7 @@ private:
     unsigned int mWaiting = 0;
     std::atomic<unsigned int> mLastUpdateCounter{0};
     timeval mLastNotifyTime = {};
-    int mIntervalAdjust = 0;  // milliseconds added to the interval
+    std::int64_t mIntervalAdjust = 0;  // milliseconds added to the interval
 };
 
 #endif

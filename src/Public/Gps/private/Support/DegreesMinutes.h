@@ -1,15 +1,14 @@
 #ifndef GPS_PRIVATE_DEGREES_MINUTES_H
 #define GPS_PRIVATE_DEGREES_MINUTES_H
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 /** Truncates toward zero and saturates; NaN gives 0. */
 inline int truncateToInt(double value) {
     using Limits = std::numeric_limits<int>;
-    if (value >= static_cast<double>(Limits::max())) return Limits::max();
-    if (value <= static_cast<double>(Limits::min())) return Limits::min();
-    return value == value ? static_cast<int>(value) : 0;
+    return value == value ? static_cast<int>(std::clamp<double>(value, Limits::min(), Limits::max())) : 0;
 }
 
 /** Splits ddmm.mmmm into whole degrees, with the value's sign, and minutes, never negative. */
