@@ -177,16 +177,19 @@ QvSharedSyncObject::~QvSharedSyncObject() = default;
 
 void QvSharedSyncObject::lock() const QV_NO_THREAD_SAFETY_ANALYSIS {
     if (mpLock == nullptr) return;
+    QvSharedLock& lock = *mpLock;
     const pthread_t self = pthread_self();
-    if (mpLock->owner == self) return static_cast<void>(++mpLock->depth);
-    if (!takeFree(*mpLock)) waitForLock(*mpLock);
-    mpLock->owner.store(self, std::memory_order_relaxed);
-    mpLock->depth = 1;
+    if (lock.owner == self) return static_cast<void>(++lock.depth);
+    if (!takeFree(lock)) waitForLock(lock);
+    lock.owner.store(self, std::memory_order_relaxed);
+    lock.depth = 1;
 }
 
 void QvSharedSyncObject::unlock() const QV_NO_THREAD_SAFETY_ANALYSIS {
+    if (mpLock == nullptr) return;
+    QvSharedLock& lock = *mpLock;
     // In a child that was forked while this thread held the lock there is nothing to unlock.
-    if (mpLock == nullptr || mpLock->owner != pthread_self() || --mpLock->depth != 0) return;
-    mpLock->owner.store(pthread_t{}, std::memory_order_relaxed);
-    mpLock->holder().store(0, std::memory_order_release);
+    if (lock.owner != pthread_self() || --lock.depth != 0) return;
+    lock.owner.store(pthread_t{}, std::memory_order_relaxed);
+    lock.holder().store(0, std::memory_order_release);
 }

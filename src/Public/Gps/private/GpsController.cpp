@@ -72,7 +72,7 @@ bool GpsController::endReception() {
 }
 
 bool GpsController::requestGpsVersionInfo() {
-    constexpr char kFunction[] = "requestGpsVersionInfo";
+    static constexpr char kFunction[] = "requestGpsVersionInfo";
     if (mGpsVersionListeners.count() == 0) {
         return controllerLog.failure(kFunction,
                                      "GpsController::requestGpsVersionInfo() mGpsVersionListenerCounter = 0\n");
@@ -101,7 +101,7 @@ bool GpsController::requestSwitchGpsProductionMode() {
 }
 
 bool GpsController::requestStartGpsProductionCheck() {
-    constexpr char kFunction[] = "requestStartGpsProductionCheck";
+    static constexpr char kFunction[] = "requestStartGpsProductionCheck";
     if (mGpsProductionListeners.count() == 0) {
         return controllerLog.failure(
             kFunction, "GpsController::requestStartGpsProductionCheck() mGpsProductionListenerCounter = 0\n");

@@ -69,7 +69,7 @@ void GpsController::parseNmeaSentenceProc(const char* data, unsigned int length)
 
 /** One acknowledgement settles one request, and every setting listener is notified of it. */
 void GpsController::responseGpsSettingProc(const char* data, unsigned int length) {
-    constexpr char kFunction[] = "responseGpsSettingProc";
+    static constexpr char kFunction[] = "responseGpsSettingProc";
     if (!hasBytes(data, length, kFunction, "GpsController::responseGpsSettingProc() Argument Error\n")) return;
     if (mGpsSettingListeners.count() == 0) return;
     std::optional<SettledRequest> settled;
@@ -83,7 +83,7 @@ void GpsController::responseGpsSettingProc(const char* data, unsigned int length
 }
 
 void GpsController::responseGpsProductionProc(const char* data, unsigned int length) {
-    constexpr char kFunction[] = "responseGpsProductionProc";
+    static constexpr char kFunction[] = "responseGpsProductionProc";
     if (!hasBytes(data, length, kFunction, "GpsController::responseGpsProductionProc() Argument Error\n")) return;
     notifyEach(mGpsProductionListeners, kFunction, "GpsController::responseGpsProductionProc() lpListener = NULL\n",
                [&](const GpsProductionListener* listener) {
@@ -92,7 +92,7 @@ void GpsController::responseGpsProductionProc(const char* data, unsigned int len
 }
 
 void GpsController::parseGpsProductionDataProc(const char* data, unsigned int length) {
-    constexpr char kFunction[] = "parseGpsProductionDataProc";
+    static constexpr char kFunction[] = "parseGpsProductionDataProc";
     if (data == nullptr) {
         controllerLog(kFunction, "GpsController::parseGpsProductionDataProc() Argument Error\n");
         return;
@@ -107,7 +107,7 @@ void GpsController::parseGpsProductionDataProc(const char* data, unsigned int le
 }
 
 void GpsController::responseGpsVersionProc(const char* data, unsigned int length) {
-    constexpr char kFunction[] = "responseGpsVersionProc";
+    static constexpr char kFunction[] = "responseGpsVersionProc";
     if (!hasBytes(data, length, kFunction, "GpsController::responseGpsVersionProc() Argument Error\n")) return;
     notifyEach(mGpsVersionListeners, kFunction, "GpsController::responseGpsVersionProc() lpListener = NULL\n",
                [&](const GpsVersionListener* listener) {

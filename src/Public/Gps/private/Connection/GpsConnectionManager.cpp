@@ -67,7 +67,7 @@ void GpsConnectionManager::setConnectionStatus(GpsConnectionStatus status) {
 }
 
 bool GpsConnectionManager::parseConnectionStatus(const char* sentence, GpsConnectionStatus* status) {
-    constexpr char kFunction[] = "parseConnectionStatus";
+    static constexpr char kFunction[] = "parseConnectionStatus";
     if (status == nullptr || sentence == nullptr) {
         return log.failure(kFunction, "GpsConnectionManager::parseConnectionStatus() Argument Error\n");
     }
@@ -90,7 +90,7 @@ bool GpsConnectionManager::recognizeStatus(const char* sentence, GpsConnectionSt
 }
 
 bool GpsConnectionManager::readLocalMemory(GPS_CONNECTION_LOCAL_MEMORY* out) const {
-    constexpr char kFunction[] = "readLocalMemory";
+    static constexpr char kFunction[] = "readLocalMemory";
     if (out == nullptr) return log.failure(kFunction, "GpsConnectionManager::readLocalMemory() Argument Error!\n");
     const GPS_CONNECTION_LOCAL_MEMORY* const lpData = getData();
     if (lpData == nullptr) return log.failure(kFunction, "GpsConnectionManager::readLocalMemory() lpData = NULL\n");

@@ -142,7 +142,7 @@ bool GpsParseNmeaManager::convertTokyoToWgs84(double* lat, int* latDeg, double* 
 }
 
 bool GpsParseNmeaManager::convertTokyoToWgs84ForAllData(GPGGA* gga, GPGLL* gll, GPRMC* rmc) {
-    constexpr char kFunction[] = "convertTokyoToWgs84ForAllData";
+    static constexpr char kFunction[] = "convertTokyoToWgs84ForAllData";
     if (gga == nullptr || gll == nullptr || rmc == nullptr) {
         return nmeaLog.failure(kFunction, "GpsParseNmeaManager::convertTokyoToWgs84ForAllData() Argument Error");
     }

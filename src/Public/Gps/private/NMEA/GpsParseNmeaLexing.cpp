@@ -55,7 +55,7 @@ bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence
     sum ^= sum >> 32;
     sum ^= sum >> 16;
     sum ^= sum >> 8;
-    constexpr char kDigits[] = "0123456789ABCDEF";
+    static constexpr char kDigits[] = "0123456789ABCDEF";
     if (odd != 0 || data[star + 1] != kDigits[sum >> 4 & 0xF] || data[star + 2] != kDigits[sum & 0xF]) return false;
 
     std::memcpy(sentence.text, data, length);
@@ -118,7 +118,7 @@ SatelliteType satelliteType(const char* text) {
 }
 
 bool logMissingSeparator(const char* cursor) {
-    constexpr char kFunction[] = "getNextToken";
+    static constexpr char kFunction[] = "getNextToken";
     if (*cursor == '\0') return nmeaLog.failure(kFunction, "GpsParseNmeaManager::getNextToken() lpData = '");
     if (std::memchr(cursor, '\0', GpsParseNmeaManager::kTokenSize) != nullptr) return false;
     return nmeaLog.failure(kFunction, "GpsParseNmeaManager::getNextToken() Token Error\n");
@@ -214,7 +214,7 @@ SatelliteType GpsParseNmeaManager::getSatelliteType(const char* sentence) {
 
 bool GpsParseNmeaManager::parseCoordinate(const char* field, Identifier identifier, double* value, int* degrees,
                                           double* minutes) {
-    constexpr char kFunction[] = "parseCoordinate";
+    static constexpr char kFunction[] = "parseCoordinate";
     if (field == nullptr) return nmeaLog.failure(kFunction, "GpsParseNmeaManager::parseCoordinate() Argument Error");
     if (*field != '\0' && identifier != IDENTIFIER_LATITUDE && identifier != IDENTIFIER_LONGITUDE) {
         return nmeaLog.failure(kFunction, "GpsParseNmeaManager::parseCoordinate() nIdentifier Error");

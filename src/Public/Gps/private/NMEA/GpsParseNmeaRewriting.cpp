@@ -35,7 +35,7 @@ constexpr Rewriting<PUBX> kPubx = REWRITING(receiveParsePubxSentence, regenerate
 template <class Record>
 bool rewrite(GpsParseNmeaManager& manager, const Rewriting<Record>& how, const Sentence& sentence, char* out,
              unsigned int* outSize) {
-    constexpr char kFunction[] = "parseNmeaSentenceMinimum";
+    static constexpr char kFunction[] = "parseNmeaSentenceMinimum";
     Record record = {};
     if (!manager.parse(&sentence, Recipients(nullptr, 0, GEODETIC_SYSTEM_WGS84, false), record)) {
         return nmeaLog.failure(kFunction, how.parseFailed);
@@ -77,7 +77,7 @@ bool GpsParseNmeaManager::parseNmeaSentenceMinimum(const char* sentence, unsigne
 
 bool GpsParseNmeaManager::convertTokyoToWgs84ForNmea(const char* sentence, unsigned int length,
                                                      GeodeticSystem geodeticSystem, char* out, unsigned int* outSize) {
-    constexpr char kFunction[] = "convertTokyoToWgs84ForNmea";
+    static constexpr char kFunction[] = "convertTokyoToWgs84ForNmea";
     if (sentence == nullptr || length == 0 || geodeticSystem != GEODETIC_SYSTEM_WGS84) {
         return nmeaLog.failure(kFunction, "GpsParseNmeaManager::convertTokyoToWgs84ForNmea() Argument Error");
     }

@@ -93,7 +93,7 @@ bool GpsParseNmeaManager::readSatellites(Fields fields, GPGSV& record) {
 }
 
 void GpsParseNmeaManager::checkGsvStatus(GPGSV* gsv, const GPGSA* gsa) {
-    constexpr char kFunction[] = "checkGsvStatus";
+    static constexpr char kFunction[] = "checkGsvStatus";
     if (gsv == nullptr || gsa == nullptr) {
         nmeaLog(kFunction, "GpsParseNmeaManager::checkGsvStatus() Argument Error");
         return;

@@ -30,7 +30,7 @@ SentenceWriter& SentenceWriter::fixed(double value, unsigned int width, unsigned
 }
 
 void SentenceWriter::finish() {
-    constexpr char kDigits[] = "0123456789ABCDEF";
+    static constexpr char kDigits[] = "0123456789ABCDEF";
     const std::string_view body(mText, mSize);
     const unsigned char sum = sentence_text::checkSumOf(body.substr(1));
     const char ending[] = {'*', kDigits[sum >> 4], kDigits[sum & 0xF], '\r', '\n'};

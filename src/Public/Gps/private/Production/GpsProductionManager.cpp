@@ -148,7 +148,7 @@ bool GpsProductionManager::requestGpsColdStart() {
 
 bool GpsProductionManager::switchGpsProductionResponse(const char* data, unsigned int length,
                                                        const GpsProductionListener* listener) {
-    constexpr char kFunction[] = "switchGpsProductionResponse";
+    static constexpr char kFunction[] = "switchGpsProductionResponse";
     if (data == nullptr || length == 0 || listener == nullptr) return false;
     const UbxMessage message = UbxFrame(data, length).message();
     if (message != UbxMessage::AckAck && message != UbxMessage::AckNak) {
@@ -177,7 +177,7 @@ bool GpsProductionManager::switchGpsProductionResponse(const char* data, unsigne
 
 bool GpsProductionManager::parseGpsProductionData(const char* data, const GpsProductionListener* listener,
                                                   unsigned int length) {
-    constexpr char kFunction[] = "parseGpsProductionData";
+    static constexpr char kFunction[] = "parseGpsProductionData";
     if (data == nullptr || listener == nullptr) return false;
     switch (UbxFrame(data, length).message()) {
         case UbxMessage::MonPt:

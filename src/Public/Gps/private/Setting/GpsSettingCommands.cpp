@@ -109,7 +109,7 @@ static_assert(std::size(kCommands) == GPS_SETTING_GNSS_GPS + 1 &&
 }  // namespace
 
 unsigned int GpsSettingManager::setCommandForGpsSetting(GpsSetting setting, char* buffer, unsigned int size) {
-    constexpr char kFunction[] = "setCommandForGpsSetting";
+    static constexpr char kFunction[] = "setCommandForGpsSetting";
     const bool isTooHigh = setting > GPS_SETTING_GNSS_GPS;
     if (size == 0 || isTooHigh || (setting >= 0 && size < kCommands[setting].command.length)) {
         log(kFunction, "GpsSettingManager::setCommandForGpsSetting() Argument Error\n");

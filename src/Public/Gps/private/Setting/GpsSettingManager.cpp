@@ -53,7 +53,7 @@ GpsSettingManager::~GpsSettingManager() {
 }
 
 bool GpsSettingManager::requestGpsSetting(GpsSetting setting, bool canWait) {
-    constexpr char kFunction[] = "requestGpsSetting";
+    static constexpr char kFunction[] = "requestGpsSetting";
     if (setting > GPS_SETTING_GNSS_GPS) {
         QvDbgOutput::DbgPrint(log.source(), kFunction, __LINE__, GpsLog::kTag,
                               "GpsSettingManager::requestGpsSetting() Argument Error[%ld]\n",
@@ -151,7 +151,7 @@ void GpsSettingManager::dropAnswerDue() {
 
 /** Writes to the shared record what the setting changes for all processes. */
 bool GpsSettingManager::storeSetting(GpsSetting setting) {
-    QvSyncGuard<QvSharedSyncObject> guard(*this);  // for the whole read-change-write
+    QvSyncGuard guard(*this);  // for the whole read-change-write
     GPS_SETTING_LOCAL_MEMORY shared = {};
     readLocalMemory(&shared);
     if (setting == GPS_SETTING_DATUM_TOKYO) {
@@ -222,11 +222,11 @@ std::pair<GeodeticSystem, bool> GpsSettingManager::getBaseAndFinishFlg() {
 }
 
 bool GpsSettingManager::readLocalMemory(GPS_SETTING_LOCAL_MEMORY* out) const {
-    constexpr char kFunction[] = "readLocalMemory";
+    static constexpr char kFunction[] = "readLocalMemory";
     if (out == nullptr) return log.failure(kFunction, "GpsSettingManager::readLocalMemory() Argument Error!\n");
     const GPS_SETTING_LOCAL_MEMORY* const lpData = getData();
     if (lpData == nullptr) return log.failure(kFunction, "GpsSettingManager::readLocalMemory() lpData = NULL\n");
-    QvSyncGuard<QvSharedSyncObject> guard(*this);
+    QvSyncGuard guard(*this);
     *out = *lpData;
     return true;
 }
@@ -236,7 +236,7 @@ bool GpsSettingManager::writeLocalMemory(const GPS_SETTING_LOCAL_MEMORY* in) {
     if (lpData == nullptr) {
         return log.failure("writeLocalMemory", "GpsSettingManager::writeLocalMemory() lpData = NULL\n");
     }
-    QvSyncGuard<QvSharedSyncObject> guard(*this);
+    QvSyncGuard guard(*this);
     *lpData = *in;
     return true;
 }

@@ -34,7 +34,7 @@ struct SettledRequest {
  * Sends settings to the receiver and matches its acknowledgements to the waiting requests by their order.
  * Keeps the datum in which the receiver reports and the setting-finished flag for all processes.
  */
-class GpsSettingManager : public QvSharedMemory<GPS_SETTING_LOCAL_MEMORY, 1> {
+class GpsSettingManager final : public QvSharedMemory<GPS_SETTING_LOCAL_MEMORY, 1> {
 public:
     GpsSettingManager();
     ~GpsSettingManager() override;

@@ -27,7 +27,7 @@ LocationDataMemory::LocationDataMemory() : QvSharedMemory("QVSDK_GPS_LocationDat
 LocationDataMemory::~LocationDataMemory() = default;
 
 bool LocationDataMemory::read(GPS_LOCATION_DATA_SHARE* out) const {
-    constexpr char kFunction[] = "read";
+    static constexpr char kFunction[] = "read";
     if (out == nullptr) return log.failure(kFunction, "LocationDataMemory::read() Argument Error!\n");
     GPS_LOCATION_DATA_SHARE* const lpData = getData();
     if (lpData == nullptr) return log.failure(kFunction, "LocationDataMemory::read() lpData = NULL\n");
