@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <numbers>
 
 #include "tools/gps-decode/Markup.h"
@@ -75,8 +76,9 @@ public:
     static constexpr double kHeight = 440;
 
     explicit Map(const std::vector<SparsePath::Line>& lines) {
-        SparsePath::Point low{INFINITY, INFINITY};
-        SparsePath::Point high{-INFINITY, -INFINITY};
+        constexpr double kInfinity = std::numeric_limits<double>::infinity();
+        SparsePath::Point low{kInfinity, kInfinity};
+        SparsePath::Point high{-kInfinity, -kInfinity};
         for (const auto& line : lines) {
             for (const auto& point : line) {
                 low = {std::min(low.x, point.x), std::min(low.y, point.y)};
@@ -121,6 +123,14 @@ std::string pathOf(const std::vector<SparsePath::Line>& lines, Place place) {
     return path;
 }
 
+/** Where lines cross a side of that length: in its middle, and every step from there. */
+std::vector<double> gridPlaces(double length, double step) {
+    std::vector<double> places{std::fmod(length / 2, step)};
+    while (places.back() + step < length)
+        places.push_back(places.back() + step);
+    return places;
+}
+
 void writeTrack(const LogSummary& log, std::string& text) {
     text += "<section><h2>Track</h2>";
     if (!log.start) {
@@ -134,9 +144,9 @@ void writeTrack(const LogSummary& log, std::string& text) {
     const double step = square * map.perMetre();
     put(text, "<figure><svg viewBox=\"0 0 {} {}\" role=\"img\"><title>track</title>", Map::kWidth, Map::kHeight);
     std::string grid;
-    for (double x = std::fmod(Map::kWidth / 2, step); x < Map::kWidth; x += step)
+    for (const double x : gridPlaces(Map::kWidth, step))
         put(grid, "M{:.1f} 0v{}", x, Map::kHeight);
-    for (double y = std::fmod(Map::kHeight / 2, step); y < Map::kHeight; y += step)
+    for (const double y : gridPlaces(Map::kHeight, step))
         put(grid, "M0 {:.1f}h{}", y, Map::kWidth);
     put(text, "<path class=\"grid\" d=\"{}\"/>", grid);
     for (const auto& [from, to] : log.jumps)

@@ -20,11 +20,6 @@ char32_t takeCharacter(std::string_view& utf8) {
 
 }  // namespace
 
-Canvas::Canvas(int width, int height)
-    : mWidth(std::max(width, 0)),
-      mHeight(std::max(height, 0)),
-      mCells(static_cast<std::size_t>(mWidth) * static_cast<std::size_t>(mHeight)) {}
-
 void Panel::put(int x, int y, char32_t glyph, Style style) {
     if (x < 0 || x >= mArea.width || y < 0 || y >= mArea.height) return;
     x += mArea.x;

@@ -1,6 +1,7 @@
 #ifndef GPS_MONITOR_CANVAS_H
 #define GPS_MONITOR_CANVAS_H
 
+#include <algorithm>
 #include <string_view>
 #include <vector>
 
@@ -24,15 +25,20 @@ struct Rect {
     bool isEmpty() const { return width <= 0 || height <= 0; }
 };
 
-/** A screenful of cells in memory. Every glyph is one column wide. */
-class Canvas {
+/** A value for each place of a rectangle. */
+template <class Value>
+class Grid {
 public:
-    Canvas(int width, int height);
+    /** A negative size is 0. */
+    Grid(int width, int height)
+        : mWidth(std::max(width, 0)),
+          mHeight(std::max(height, 0)),
+          mValues(static_cast<std::size_t>(mWidth) * static_cast<std::size_t>(mHeight)) {}
 
     int width() const { return mWidth; }
     int height() const { return mHeight; }
-    const Cell& at(int x, int y) const { return mCells[index(x, y)]; }
-    Cell& at(int x, int y) { return mCells[index(x, y)]; }
+    const Value& at(int x, int y) const { return mValues[index(x, y)]; }
+    Value& at(int x, int y) { return mValues[index(x, y)]; }
 
 private:
     std::size_t index(int x, int y) const {
@@ -41,8 +47,11 @@ private:
 
     int mWidth;
     int mHeight;
-    std::vector<Cell> mCells;
+    std::vector<Value> mValues;
 };
+
+/** A screenful of cells in memory. Every glyph is one column wide. */
+using Canvas = Grid<Cell>;
 
 /** A part of a canvas with its own coordinates; nothing is drawn outside it. */
 class Panel {

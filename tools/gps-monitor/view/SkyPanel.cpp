@@ -40,8 +40,7 @@ private:
 /** Writes labels that do not touch each other. */
 class Labels {
 public:
-    explicit Labels(Panel& panel)
-        : mPanel(panel), mTaken(static_cast<std::size_t>(panel.width()) * static_cast<std::size_t>(panel.height())) {}
+    explicit Labels(Panel& panel) : mPanel(panel), mTaken(panel.width(), panel.height()) {}
 
     /** Writes near a place; a dot there when there is no room. */
     void write(Place place, std::string_view text, Style style) {
@@ -61,16 +60,16 @@ public:
             if (isTaken(x, place.y)) return false;
         }
         mPanel.text(place.x, place.y, text, style);
-        std::fill(&taken(place.x, place.y), &taken(end - 1, place.y) + 1, 1);
+        for (int x = place.x; x < end; ++x)
+            mTaken.at(x, place.y) = 1;
         return true;
     }
 
 private:
-    bool isTaken(int x, int y) { return x >= 0 && x < mPanel.width() && taken(x, y) != 0; }
-    char& taken(int x, int y) { return mTaken[static_cast<std::size_t>(y * mPanel.width() + x)]; }
+    bool isTaken(int x, int y) { return x >= 0 && x < mPanel.width() && mTaken.at(x, y) != 0; }
 
     Panel& mPanel;
-    std::vector<char> mTaken;
+    Grid<char> mTaken;
 };
 
 void drawCircles(Panel& panel, const SkyMap& map) {

@@ -19,8 +19,7 @@ constexpr double kMetresPerDegree = 6371000 * std::numbers::pi / 180;
 /** A panel as a grid of dots. */
 class DotGrid {
 public:
-    explicit DotGrid(Panel& panel)
-        : mPanel(panel), mBits(static_cast<std::size_t>(std::max(panel.width() * panel.height(), 0))) {}
+    explicit DotGrid(Panel& panel) : mPanel(panel), mBits(panel.width(), panel.height()) {}
 
     int width() const { return mPanel.width() * kDotsAcross; }
     int height() const { return mPanel.height() * kDotsDown; }
@@ -34,7 +33,7 @@ public:
     void draw(Style style) {
         for (int y = 0; y < mPanel.height(); ++y) {
             for (int x = 0; x < mPanel.width(); ++x) {
-                const unsigned bits = mBits[static_cast<std::size_t>(y * mPanel.width() + x)];
+                const unsigned bits = mBits.at(x, y);
                 if (bits != 0) mPanel.put(x, y, U'\u2800' + bits, style);
             }
         }
@@ -46,12 +45,11 @@ private:
         const int x = static_cast<int>(std::lround(dotX));
         const int y = static_cast<int>(std::lround(dotY));
         if (x < 0 || x >= width() || y < 0 || y >= height()) return;
-        mBits[static_cast<std::size_t>(y / kDotsDown * mPanel.width() + x / kDotsAcross)] |=
-            kBits[y % kDotsDown][x % kDotsAcross];
+        mBits.at(x / kDotsAcross, y / kDotsDown) |= kBits[y % kDotsDown][x % kDotsAcross];
     }
 
     Panel& mPanel;
-    std::vector<unsigned> mBits;
+    Grid<unsigned> mBits;
 };
 
 /** Degrees to dots: north up, the same scale both ways, the whole track in the middle. */
