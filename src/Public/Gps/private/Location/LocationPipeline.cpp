@@ -1,6 +1,8 @@
 #include "Gps/private/Location/LocationPipeline.h"
 
 #include <chrono>
+#include <cstdint>
+#include <limits>
 
 #include "Gps/private/GpsControllerLog.h"
 
@@ -11,6 +13,7 @@ constexpr char kFunction[] = "MainProc";
 constexpr int kIntervalMs = 999;     // a delivery is due when more than this has passed
 constexpr int kHurryMs = 100;        // subtracted per poll while a backlog waits
 constexpr int kLargestAdjustMs = 5;  // reached by 1 ms per poll while nothing waits
+constexpr int kSmallestAdjustMs = std::numeric_limits<int>::min() + kHurryMs;  // reached after weeks of backlog
 
 std::int64_t elapsedMs(const timeval& from, const timeval& to) {
     using namespace std::chrono;
@@ -48,7 +51,7 @@ bool LocationPipeline::isDue(const timeval& now) {
         if (mIntervalAdjust < kLargestAdjustMs) ++mIntervalAdjust;
         return false;
     }
-    if (mWaiting >= 2) mIntervalAdjust -= kHurryMs;
+    if (mWaiting >= 2 && mIntervalAdjust >= kSmallestAdjustMs) mIntervalAdjust -= kHurryMs;
     const std::int64_t elapsed = elapsedMs(mLastNotifyTime, now);
     const bool isClockSetBack = elapsed < 0;
     return isClockSetBack || elapsed > mIntervalAdjust + kIntervalMs;

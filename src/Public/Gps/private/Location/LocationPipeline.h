@@ -4,7 +4,6 @@
 #include <sys/time.h>
 
 #include <atomic>
-#include <cstdint>
 
 #include "Gps/GpsLocationRecords.h"
 
@@ -46,7 +45,7 @@ private:
     unsigned int mWaiting = 0;
     std::atomic<unsigned int> mLastUpdateCounter{0};
     timeval mLastNotifyTime = {};
-    std::int64_t mIntervalAdjust = 0;  // milliseconds added to the interval
+    int mIntervalAdjust = 0;  // milliseconds added to the interval
 };
 
 #endif
