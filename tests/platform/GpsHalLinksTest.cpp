@@ -51,18 +51,22 @@ TEST_F(SerialLinkTest, CarriesEveryByteUnchangedBothWaysAndMoreThanTheDeviceTake
     std::string bytes;
     while (bytes.size() < 200000)
         bytes += everyByte() + std::to_string(bytes.size());
-    ASSERT_TRUE(mLink.open());
+    ASSERT_TRUE(mLink.open() && mLink.open());
     EXPECT_TRUE(send(mLink, "x"));
     EXPECT_EQ(mReceiver->bytes(1), "x");
     auto received = std::async(std::launch::async, [&] { return mReceiver->bytes(bytes.size()); });
     EXPECT_TRUE(send(mLink, bytes));
     EXPECT_EQ(received.get(), bytes);
+    std::signal(SIGALRM, [](int) {});
+    ualarm(1000, 1000);
     EXPECT_EQ(mLink.read(mBuffer, sizeof(mBuffer), 10), 0) << "nothing is echoed";
+    ualarm(0, 0);
     mReceiver->send(everyByte());
     EXPECT_EQ(readAll(mLink, 256), everyByte());
     EXPECT_FALSE(send(mLink, bytes)) << "the device takes no more";
     mReceiver.reset();
     EXPECT_FALSE(send(mLink, "x")) << "the device has hung up";
+    EXPECT_EQ(mLink.read(mBuffer, sizeof(mBuffer), 0), -1);
 }
 
 TEST_F(SerialLinkTest, SetsEverythingUpAndKeepsItsSpeedAcrossReopening) {
@@ -95,8 +99,12 @@ TEST_F(SerialLinkTest, SetsEverythingUpAndKeepsItsSpeedAcrossReopening) {
 }
 
 TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
-    ASSERT_TRUE(mLink.open());
     GpsHalSerialLink second(mDevice);
+    const auto before = entriesOf("/proc/self/fd");
+    ASSERT_TRUE(mLink.open());
+    int isExclusive = 0;  // a terminal would stay so after its holder is killed; root may open it even then
+    ioctl(Stream(open(mDevice.c_str(), O_RDWR | O_NOCTTY)).descriptor(), TIOCGEXCL, &isExclusive);
+    EXPECT_EQ(isExclusive, 0);
     EXPECT_FALSE(second.open());
     EXPECT_EQ(errno, EBUSY);
     mReceiver->send("x");
@@ -108,6 +116,9 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     EXPECT_TRUE(second.open()) << "also while a forked child has a copy of the descriptor";
     second.close();
     killProcess(child);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_TRUE(GpsHalSerialLink(mDevice).open()) << "the one before has released it";
+    EXPECT_EQ(entriesOf("/proc/self/fd"), before);
     const Stream other(open("/dev/null", O_RDONLY | O_CLOEXEC));  // gets the device's number
     expectInProcess([&] { EXPECT_NE(fcntl(other.descriptor(), F_GETFD), -1); });
 
@@ -147,9 +158,13 @@ TEST_F(SerialLinkTest, RefusesWhatIsNoSerialDevice) {
         EXPECT_EQ(link.read(mBuffer, sizeof(mBuffer), 0), -1);
         EXPECT_FALSE(send(link, "x"));
     }
+    GpsHalSerialLink terminal("/dev/ptmx");  // which is one, but not a pseudo-terminal's other end
+    while (!terminal.open())
+        ASSERT_EQ(errno, EBUSY) << "in another run of this test";
 }
 
 TEST(FileLink, GivesTheFileOnceAndThenSilence) {
+    const auto before = entriesOf("/proc/self/fd");
     const ScratchDirectory directory;
     std::string bytes;
     while (bytes.size() < 10000)
@@ -160,6 +175,7 @@ TEST(FileLink, GivesTheFileOnceAndThenSilence) {
     EXPECT_FALSE(send(link, "x") || link.setSpeed(2));
     for (int round = 0; round < 2; ++round) {
         ASSERT_TRUE(link.open());
+        EXPECT_EQ(runShell("readlink /proc/self/fd/*").out.find(directory.path("log")), std::string::npos);
         EXPECT_EQ(readAll(link, bytes.size()), bytes);
         EXPECT_EQ(link.read(buffer, sizeof(buffer), 10), 0);
         EXPECT_TRUE(send(link, "x") && link.setSpeed(2));
@@ -169,8 +185,12 @@ TEST(FileLink, GivesTheFileOnceAndThenSilence) {
         });
         EXPECT_EQ(link.read(buffer, sizeof(buffer), 600000), -1);
     }
-    EXPECT_FALSE(GpsHalFileLink(directory.path("missing")).open());
-    EXPECT_FALSE(GpsHalFileLink(directory.path(".")).open());
+    mkfifo(directory.path("fifo").c_str(), 0600);
+    for (const char* const name : {"missing", "fifo", "."})
+        EXPECT_FALSE(GpsHalFileLink(directory.path(name)).open()) << name;
+    EXPECT_EQ(errno, EINVAL) << "not that of the missing one, which is awaited";
+    EXPECT_TRUE(GpsHalFileLink(directory.path("log")).open());
+    EXPECT_EQ(entriesOf("/proc/self/fd"), before);
 }
 
 }  // namespace

@@ -70,10 +70,12 @@ TEST(SharedSyncObject, IsNotAvailableWhereTheObjectIsForeignAndLeavesItAlone) {
     const std::string intact = fileContents(model.path());
     std::string otherVersion = intact;
     ++otherVersion[4];
+    const auto before = entriesOf("/proc/self/fd");
     for (const std::string& content : {std::string(), std::string("x"), intact + "x", otherVersion}) {
         const LogCapture log;
         const Name name;
         std::ofstream(name.path(), std::ios::binary) << content;
+        errno = 0;
         const QvSharedSyncObject lock(name);
         EXPECT_FALSE(lock.isAvailable());
         QvSyncGuard guard(lock);  // does nothing
@@ -83,6 +85,7 @@ TEST(SharedSyncObject, IsNotAvailableWhereTheObjectIsForeignAndLeavesItAlone) {
     const Name link;
     std::filesystem::create_symlink(model.path(), link.path());
     EXPECT_FALSE(QvSharedSyncObject(link).isAvailable());
+    EXPECT_EQ(entriesOf("/proc/self/fd"), before);
 }
 
 }  // namespace

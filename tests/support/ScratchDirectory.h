@@ -14,6 +14,11 @@ inline std::string fileContents(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
+/** The number of entries of a directory. */
+inline std::ptrdiff_t entriesOf(const char* directory) {
+    return std::distance(std::filesystem::directory_iterator(directory), {});
+}
+
 /** A directory for the files of one test, gone with it. */
 class ScratchDirectory {
 public:

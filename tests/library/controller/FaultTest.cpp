@@ -66,7 +66,7 @@ TEST_F(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
         bool isRefused;  // and not received until the service starts anew
         Strings reports;
     } rows[] = {
-        {{"eventfd", {EMFILE}}, true, {": Too many open files\n"}},
+        {{"eventfd", {ENFILE}}, true, {": Too many open files\n"}},
         {{"tcsetattr", {EIO}}, true, {": Input/output error\n"}},
         {{"pthread_create", {EAGAIN}}, true, {": Resource temporarily unavailable\n"}},
         {{"read", {EINTR}}, false, {}},

@@ -79,10 +79,7 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
     };
     const std::string unmapped =
         "LocationDataMemory::write() lpData = NULL\nLocationDataMemory::read() lpData = NULL\n";
-    const auto held = [] {
-        const auto in = [](const char* all) { return std::distance(std::filesystem::directory_iterator(all), {}); };
-        return std::pair(in("/proc/self/fd"), in("/proc/self/map_files"));
-    };
+    const auto held = [] { return std::pair(entriesOf("/proc/self/fd"), entriesOf("/proc/self/map_files")); };
     const std::string untouched(sizeof(GPS_LOCATION_DATA_SHARE), '\x5A');
     EXPECT_FALSE(LocationDataMemory().read(nullptr));  // and its lock, which stays
     const auto before = held();
