@@ -124,6 +124,7 @@ TEST(Helpers, ReadAndWriteTexts) {
     EXPECT_STREQ(m.getNextToken("12,3*", text), "3*");
     EXPECT_STREQ(text, "12");
     EXPECT_EQ(m.getNextToken("55555555555555555555,", text), nullptr);
+    EXPECT_THAT(log.texts(), testing::ElementsAre("GpsParseNmeaManager::getNextToken() Token Error\n"));
     EXPECT_STREQ(text, "");
     m.judgeNortSouthAndEastWest(-0.5, 0, text, other);
     EXPECT_EQ(std::string(text) + other, "SE");

@@ -95,6 +95,7 @@ TEST(Numbers, AreReadAsTheCLibraryDoes) {
         if (field.size() < 20) comparePartsOf(field, GpsParseNmeaManager::Identifier(i % 2), i % 2 == 0 ? 2 : 3);
         if (HasFatalFailure()) return;
     }
+    EXPECT_EQ(number_text::toDoubleSlowly(std::string(200, '1')), std::strtod(std::string(127, '1').c_str(), nullptr));
 }
 
 std::string written(double value, unsigned int precision) {

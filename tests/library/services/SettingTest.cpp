@@ -188,6 +188,14 @@ TEST_F(Setting, SpeedChangeExcludesOtherCommandsUntilItsPollAndSettingsUntilTheP
         EXPECT_EQ(mListener.take().size(), 3 + more);
         speed = newSpeed;
     }
+    mPeer->setWriteHook([&](std::string_view) { return send(kYes); });
+    bool isDelayed = true;
+    for (int i = 0; i < 20 && isDelayed; ++i) {  // a busy system delays them, too
+        const auto start = std::chrono::steady_clock::now();
+        request({GPS_SETTING_BAUD_38400, GPS_SETTING_ZDA_ON});
+        isDelayed = std::chrono::steady_clock::now() - start > std::chrono::milliseconds(600);
+    }
+    EXPECT_FALSE(isDelayed) << "after the poll was answered";
     EXPECT_THAT(mLog.texts(), IsEmpty());
 }
 
