@@ -18,6 +18,7 @@
 #include "GpsHal/GpsHalMemoryLink.h"
 #include "tests/support/AnyListener.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ThreadState.h"
 
 using namespace std::string_view_literals;
 using Strings = std::vector<std::string>;
@@ -105,10 +106,22 @@ protected:
 
 /** Fails, and ends the program, when a step that may be stuck is. */
 template <class Result>
-void expectDone(std::future<Result>& step, const char* what) {
+void expectDone(const std::future<Result>& step, const char* what) {
     if (step.wait_for(std::chrono::milliseconds(kLongMs)) == std::future_status::ready) return;
     ADD_FAILURE() << what << " is stuck";
     std::_Exit(1);
+}
+
+/** Runs a step on another thread; returns when it is blocked or done. */
+template <class Step>
+std::future<void> startUntilBlocked(Step step) {
+    std::promise<pid_t> thread;
+    std::future<void> result = std::async(std::launch::async, [&thread, step] {
+        thread.set_value(gettid());
+        step();
+    });
+    waitUntilBlocked(thread.get_future().get());
+    return result;
 }
 
 #endif

@@ -54,7 +54,9 @@ public:
             isLeaving.wait(false);
             waitUntilBlocked(getpid());  // main waits for the end of this call
             std::exit(kStatus);
-        } else if (scene != "forked") {
+        } else if (scene == "forked") {
+            pause();  // the child has this call in progress, but not its thread
+        } else {
             publish();  // waits while the registry lock is held
         }
     }
@@ -142,7 +144,7 @@ int main(int, char** arguments) {
     if (scene == "statics-first" || scene == "service-first") return kStatus;
     if (scene == "forked") {
         const pid_t child = fork();
-        if (child == 0) return gps->unRegisterGpsNmeaListener(&listener) ? kStatus : 0;
+        if (child == 0) return alarm(kStuckAfterSeconds), gps->unRegisterGpsNmeaListener(&listener) ? kStatus : 0;
         int status = 0;
         waitpid(child, &status, 0);
         _exit(WEXITSTATUS(status));

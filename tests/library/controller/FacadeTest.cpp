@@ -94,9 +94,12 @@ TEST_F(Facade, isOneInstanceForAllThreadsUntilTheFinalizerRunsAlsoAfterMemoryRan
         EXPECT_TRUE(gps->registerGpsNmeaListener(&mListener, GEODETIC_SYSTEM_WGS84));
         mPeer->send("$A\r\n");
         EXPECT_TRUE(mPeer->waitUntilRead(kLongMs));
+        GpsHal* const hal = GpsHal::GetInstance();
         QvSingletonFinalizer::finalize();
         EXPECT_THAT(mListener.take(), ElementsAre("L:raw $A\r\n")) << allocations;
-        EXPECT_TRUE(mPeer->waitForOpen(false, kLongMs)) << allocations;
+        EXPECT_TRUE(mPeer->waitForOpen(false, kLongMs) && hal->start()) << allocations;
+        GpsHal::DelInstance();
+        EXPECT_TRUE(mPeer->waitForOpen(false, 0)) << "that was the last reference " << allocations;
     }
     EXPECT_GT(allocations, 10);
 }

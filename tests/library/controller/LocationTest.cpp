@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "Gps/private/Location/LocationPipeline.h"
+#include "Gps/private/Support/DegreesMinutes.h"
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/ScratchDirectory.h"
 
@@ -205,6 +206,7 @@ TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
     location.Gga.Lon = std::nan("");
     const GPGGA nowhere = publish(location).Gga;
     EXPECT_EQ(std::pair(nowhere.LatDeg, nowhere.LonDeg), std::pair(-21474836, 0));
+    EXPECT_EQ(truncateToInt(location.Gga.Lon), 0) << "of which a hundredth would be 0 anyway";
     EXPECT_TRUE(nowhere.LatMin > 1e299 && std::isnan(nowhere.LonMin));
     EXPECT_EQ(fileContents(kSegment)[kRecord], 2);
     mListener.take();

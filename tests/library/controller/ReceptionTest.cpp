@@ -2,7 +2,6 @@
 #include <latch>
 
 #include "tests/library/controller/ControllerTest.h"
-#include "tests/support/ThreadState.h"
 
 // Listeners that register and unregister while listeners are notified; what the receive path refuses, and what it asks
 // for each listener anew.
@@ -99,18 +98,11 @@ TEST_P(Lifetimes, unregisteringOnAnotherThreadWaitsUntilTheListenerHasReturned) 
         add(&mA);
         mA.take();
         std::future<void> removal;
-        std::promise<pid_t> remover;
-        std::atomic<bool> isDone{false};
         mA.setHook([&] {
             if (removal.valid()) return;
             if (!isRegistered) remove(&mA);  // from inside, which returns at once
-            removal = std::async(std::launch::async, [&] {
-                remover.set_value(gettid());
-                remove(&mA);
-                isDone = true;
-            });
-            waitUntilBlocked(remover.get_future().get());
-            EXPECT_FALSE(isDone);
+            removal = startUntilBlocked([&] { remove(&mA); });
+            EXPECT_EQ(removal.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
         });
         fire();
         expectDone(removal, "the unregistration");
@@ -131,15 +123,20 @@ protected:
 TEST_F(Threads, unregisteringTheirListenerFromInsideWaitForTheOthersInside) {
     mController->registerGpsVersionListener(&mVersion);
     std::latch bothInside(2);
+    std::atomic<int> insiders{0};
     std::atomic<pid_t> leaving{0};
     std::atomic<bool> hasOtherReturned{false};
+    std::future<void> outside;
     mVersion.setHook([&] {
         bothInside.arrive_and_wait();
-        pid_t none = 0;
-        if (leaving.compare_exchange_strong(none, gettid())) {
-            EXPECT_TRUE(mController->unRegisterGpsVersionListener(&mVersion));
+        if (++insiders == 1) {
+            outside = startUntilBlocked([this] { mController->unRegisterGpsVersionListener(&mVersion); });
+            leaving = gettid();
+            leaving.notify_one();
+            EXPECT_FALSE(mController->unRegisterGpsVersionListener(&mVersion)) << "any more";
             EXPECT_TRUE(hasOtherReturned);
         } else {
+            leaving.wait(0);
             waitUntilBlocked(leaving);
             hasOtherReturned = true;
         }
@@ -193,10 +190,18 @@ TEST_F(Threads, mayUnregisterOneObjectInItsNotificationsOnTheReceiveThreadAndOnT
     });
     EXPECT_TRUE(mController->registerGpsLocationDataListener(&mVersion));
     mController->setLocationData(&kNowhere);
-    auto next = delivered.get_future();
-    expectDone(next, "the next listener");
-    auto end = std::async(std::launch::async, [this] { mController.reset(); });
-    expectDone(end, "the controller's end");
+    expectDone(delivered.get_future(), "the next listener");
+    expectDone(std::async(std::launch::async, [this] { mController.reset(); }), "the controller's end");
+}
+
+TEST_F(Threads, waitForTheLockOfTheRegistriesAndAreWoken) {
+    std::future<void> registration;
+    {
+        const LeafGuard guard(GpsListenerCalls::instance().lock());
+        registration = startUntilBlocked([this] { mController->registerGpsVersionListener(&mVersion); });
+        EXPECT_EQ(registration.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
+    }
+    expectDone(registration, "the registration");
 }
 
 using Reception = ControllerTest;

@@ -5,7 +5,6 @@
 #include "tests/library/controller/ControllerTest.h"
 #include "tests/support/ScratchDirectory.h"
 #include "tests/support/SystemFaults.h"
-#include "tests/support/ThreadState.h"
 
 // The worker thread: the template with owners of all sorts, and the controller's own.
 
@@ -16,6 +15,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr char kCreationFailed[] = "QvThread::Start() failed !! [GpsController]\r\n";
+constexpr char kNoThread[] = "invalid thread id\n";
 constexpr char kWorkerFailed[] = "- GpsController::start - unable to start worker.\n";
 
 /** Directories of this process's threads of a name. */
@@ -97,9 +97,11 @@ TEST_F(Worker, isOneThreadWithANameAndAnOwner) {
     EXPECT_TRUE(mThread.WaitExit(kLongMs));
     EXPECT_FALSE(QvThreadMng::GetInstance()->isRegistered(handle));
     EXPECT_TRUE(mThread.WaitExit(kLongMs)) << "there is none to wait for";
+    mThread.SetPriority(1);
+    EXPECT_EQ(mThread.GetPriority(), -1);
     EXPECT_EQ(mOwner.steps, "IMF");
     EXPECT_FALSE(QvThread<Owner>(nullptr).Start("third"));
-    EXPECT_THAT(mLog.texts(), ElementsAre("error [second]\n", "error [third]\n"));
+    EXPECT_THAT(mLog.texts(), ElementsAre("error [second]\n", kNoThread, kNoThread, "error [third]\n"));
 }
 
 TEST_F(Worker, isReportedWhenItsEndTakesTooLongAndWaitedForAllTheSame) {
@@ -168,7 +170,7 @@ TEST_F(ControllersWorker, runsFromTheFirstLocationListenerToTheLast) {
     EXPECT_TRUE(mController->start());
     mController.reset();
     EXPECT_TRUE(become(0));
-    EXPECT_THAT(mLog.texts(), testing::Each("invalid thread id\n")) << "of one that starts late";
+    EXPECT_THAT(mLog.texts(), testing::Each(kNoThread)) << "of one that starts late";
 }
 
 TEST_F(ControllersWorker, goesOnWhileListenersReplaceThemselvesInsideTheirNotifications) {
@@ -179,25 +181,16 @@ TEST_F(ControllersWorker, goesOnWhileListenersReplaceThemselvesInsideTheirNotifi
         EXPECT_LT(usage.ru_nvcsw + usage.ru_nivcsw, 100) << "it slept for a second, a tenth at a time";
         mController->unRegisterGpsLocationDataListener(&mListener);
         mController->registerGpsLocationDataListener(&mOther);
-        std::promise<pid_t> thread;
-        publication = std::async(std::launch::async, [&] {
-            thread.set_value(gettid());
-            mController->setLocationData(&kNowhere);
-        });
-        waitUntilBlocked(thread.get_future().get());
+        publication = startUntilBlocked([this] { mController->setLocationData(&kNowhere); });
         EXPECT_EQ(fileContents("/dev/shm/QVSDK_GPS_LocationDataMemory")[8], 1) << "it waits for this notification";
     });
-    std::promise<void> next;
     mOther.setHook([&, calls = 0]() mutable {
-        if (++calls != 4) return;
-        mController->unRegisterGpsLocationDataListener(&mOther);
-        next.set_value();
+        if (++calls == 4) mController->unRegisterGpsLocationDataListener(&mOther);
     });
     mController->registerGpsLocationDataListener(&mListener);
     mController->setLocationData(&kNowhere);
-    auto delivered = next.get_future();
-    expectDone(delivered, "the second delivery");
     EXPECT_TRUE(become(0)) << "without listeners";
+    EXPECT_THAT(mOther.take(), SizeIs(4)) << "the second delivery";
     mController->registerGpsLocationDataListener(&mListener);
     EXPECT_TRUE(become(1));
 }
@@ -222,8 +215,7 @@ TEST_F(ControllersWorker, isReplacedWhenAListenerRegistersOnItDuringItsEnd) {
     mController->registerGpsLocationDataListener(&mListener);
     mController->registerGpsLocationDataListener(&mOther);
     mController->setLocationData(&kNowhere);
-    auto isRegistered = registered.get_future();
-    expectDone(isRegistered, "the registration");
+    expectDone(registered.get_future(), "the registration");
     expectDone(removal, "the unregistration");
     EXPECT_EQ(workers().size(), 1U);
     mController->unRegisterGpsLocationDataListener(&third);
