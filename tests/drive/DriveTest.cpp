@@ -559,10 +559,6 @@ private:
     }
 }
 
-std::ptrdiff_t entriesOf(const char* directory) {
-    return std::distance(std::filesystem::directory_iterator(directory), {});
-}
-
 TEST(Drive, WhatClientsGetIsWhatTheReceiverKnows) {
     const unsigned seed = numberFrom("QVGPS_SEED", std::random_device()() % 1000000);
     const std::chrono::seconds length(numberFrom("QVGPS_ENDURANCE_SECONDS", 5));

@@ -17,8 +17,6 @@
 
 namespace {
 
-constexpr std::size_t kEventSize = 8;
-
 constinit std::mutex gMutex;
 constinit Faults gFaults = {"", {}};
 // Some calls come from a sanitizer's start, before any lock works: this file is built without sanitizers, too.
@@ -76,10 +74,10 @@ int tcsetattr(int fd, int actions, const termios* settings) noexcept {
     return takeFault("tcsetattr") != 0 ? -1 : SYSTEM(tcsetattr)(fd, actions, settings);
 }
 ssize_t read(int fd, void* buffer, std::size_t size) {
-    return size != kEventSize && takeFault("read") != 0 ? -1 : SYSTEM(read)(fd, buffer, size);
+    return takeFault("read") != 0 ? -1 : SYSTEM(read)(fd, buffer, size);
 }
 ssize_t write(int fd, const void* data, std::size_t size) {
-    return size != kEventSize && takeFault("write") != 0 ? -1 : SYSTEM(write)(fd, data, size);
+    return takeFault("write") != 0 ? -1 : SYSTEM(write)(fd, data, size);
 }
 }
 #pragma GCC visibility pop
