@@ -59,6 +59,7 @@ TEST(SharedSyncObject, IsHeldUntilItIsUnlockedAsOftenAsItWasLocked) {
     const std::string free = fileContents(name.path());
     std::optional<QvSyncGuard<QvSharedSyncObject>> outer(lock), inner(lock);
     inner.reset();
+    expectInProcess([&] { outer.reset(); });  // a forked child holds nothing
     EXPECT_NE(fileContents(name.path()), free);
     outer.reset();
     EXPECT_EQ(fileContents(name.path()), free);
