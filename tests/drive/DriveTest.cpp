@@ -446,7 +446,7 @@ void ask(Drive& drive, Listener& witness, GpsSetting setting) {
     Listener::Answers all{};
     for (const Request& other : kRequests) {
         const Listener::Answers each = witness.answers(other.setting);
-        for (const std::size_t i : {0, 1})
+        for (std::size_t i = 0; i < all.size(); ++i)
             all[i] += other.id == request.id ? each[i] : 0;
     }
     const auto given = drive.receiver->state().answers[request.id];
