@@ -174,9 +174,11 @@ bool GpsHalSerialLink::write(const void* data, unsigned length) {
         if (written > 0) {
             bytes += written;
             length -= static_cast<unsigned>(written);
-        } else if (errno != EINTR && (errno != EAGAIN || waitFor(POLLOUT, deadline) != Wait::kReady)) {
-            return false;
+            continue;
         }
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0 && errno != EAGAIN) return false;
+        if (waitFor(POLLOUT, deadline) != Wait::kReady) return false;
     }
     return true;
 }

@@ -21,6 +21,10 @@ void QvSubject::RemoveObserver(QvObserver_* observer) {
 
 void QvSubject::notifyObservers(unsigned int eventCode, void* data, unsigned int length) {
     QvSyncGuard guard(mNotifySync);
+    {
+        QvSyncGuard listGuard(mListSync);
+        mNext = 0;
+    }
     while (QvObserver_* const observer = takeNext()) {
         observer->Update(eventCode, data, length);
     }
@@ -28,7 +32,5 @@ void QvSubject::notifyObservers(unsigned int eventCode, void* data, unsigned int
 
 QvObserver_* QvSubject::takeNext() {
     QvSyncGuard guard(mListSync);
-    if (mNext < mObservers.size()) return mObservers[mNext++];
-    mNext = 0;
-    return nullptr;
+    return mNext < mObservers.size() ? mObservers[mNext++] : nullptr;
 }
