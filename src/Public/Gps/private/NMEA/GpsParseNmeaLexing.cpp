@@ -20,8 +20,11 @@ namespace {
 
 /** The index of a field's first character in `letters`; `otherwise` if it is not there. */
 unsigned int letterCode(std::string_view field, std::string_view letters, unsigned int otherwise) {
-    const std::size_t place = letters.find(field.empty() ? '\0' : field.front());
-    return place != std::string_view::npos ? static_cast<unsigned int>(place) : otherwise;
+    const char letter = field.empty() ? '\0' : field.front();
+    for (std::size_t i = 0; i != letters.size(); ++i) {
+        if (letters[i] == letter) return static_cast<unsigned int>(i);
+    }
+    return otherwise;
 }
 
 /**
