@@ -11,9 +11,12 @@ using sentence_text::Sentence;
 
 namespace sentence_text {
 
+using number_text::digitsAt;
 using number_text::kPowersOfTen;
+using number_text::nonDigits;
 using number_text::ratio;
 using number_text::repeatedByte;
+using number_text::valueOf;
 using number_text::wordAt;
 
 namespace {
@@ -47,7 +50,7 @@ bool takePlainSentence(const char* data, unsigned int length, Sentence& sentence
         const std::uint64_t found = ~(text + repeatedByte<std::uint64_t>(0x80 - '-')) & present;
         sum ^= text;
         odd |= (text | ~(text + repeatedByte<std::uint64_t>(0x80 - ','))) & present;
-        commas[start / 64] |= ((found >> 7) * 0x0102040810204080 >> 56) << start % 64;
+        commas[start / 64] |= (found * 0x0002040810204081 >> 56) << start % 64;
     };
     unsigned int start = 0;
     for (; start + kStep < size; start += kStep) {
@@ -129,22 +132,20 @@ bool logMissingSeparator(const char* cursor) {
 
 bool splitCoordinate(const Token& field, std::size_t degreeDigits, double& value, int& degrees, double& minutes) {
     constexpr std::size_t kMinuteDecimals = 4;  // those that are read into `minutes`
+    constexpr std::size_t kDecimals = 2 * kMinuteDecimals;
     const char* const text = field.data();
     const std::size_t point = degreeDigits + 2;
     const std::size_t decimals = field.size() - (point + 1);
-    if (decimals <= 2 * kMinuteDecimals && text[point] == '.') {
-        const std::size_t read = std::min(decimals, kMinuteDecimals);
-        const std::size_t rest = decimals - read;
-        const int wholeDegrees = Token(text, degreeDigits).fewDigits();
-        const int wholeMinutes = Token(text + degreeDigits, 2).fewDigits();
-        const int fraction = Token(text + point + 1, read).fewDigits();
-        const int last = Token(text + point + 1 + read, rest).fewDigits();
-        if ((wholeDegrees | wholeMinutes | fraction | last) >= 0) {
-            const std::int64_t minuteDigits = wholeMinutes * kPowersOfTen<std::int64_t>[read] + fraction;
-            const std::int64_t all = wholeDegrees * (100 * kPowersOfTen<std::int64_t>[read]) + minuteDigits;
-            degrees = wholeDegrees;
-            minutes = ratio(minuteDigits, read);
-            value = ratio(all * kPowersOfTen<std::int64_t>[rest] + last, decimals);
+    if (decimals < kDecimals && text[point] == '.') {
+        const auto before = digitsAt<std::uint64_t>(text) << 8 * (8 - point);
+        const auto after = digitsAt<std::uint64_t>(text + point + 1) & ((std::uint64_t{1} << 8 * decimals) - 1);
+        if ((nonDigits(before) | nonDigits(after)) == 0) [[likely]] {
+            constexpr auto kMinute = kPowersOfTen<std::int64_t>[kMinuteDecimals];
+            const std::int64_t whole = valueOf(before);
+            const std::int64_t fraction = valueOf(after);
+            degrees = static_cast<int>(whole / 100);
+            minutes = ratio(whole % 100 * kMinute + fraction / kMinute, kMinuteDecimals);
+            value = ratio(whole * kMinute * kMinute + fraction, kDecimals);
             return true;
         }
     }
@@ -156,7 +157,7 @@ bool splitCoordinate(const Token& field, std::size_t degreeDigits, double& value
 
 void splitPairs(const Token& field, unsigned short& first, unsigned short& second, unsigned short& third) {
     const auto digits = number_text::digitsAt<std::uint64_t>(field.data());
-    if (field.size() >= 6 && (number_text::nonDigits(digits) & 0xFFFFFFFFFFFF) == 0) {
+    if (field.size() >= 6 && (number_text::nonDigits(digits) & 0xFFFFFFFFFFFF) == 0) [[likely]] {
         const std::uint64_t pairs = number_text::pairsOf(digits);
         first = pairs & 0xFF;
         second = pairs >> 16 & 0xFF;

@@ -65,7 +65,14 @@ constexpr Word nonDigits(Word digits) {
 /** Combines digits in pairs: bytes 0, 2, ... become 10 times their digit plus the next. The others are meaningless. */
 template <class Word>
 constexpr Word pairsOf(Word digits) {
-    return digits * 10 + (digits >> 8);
+    return digits * (10 << 8 | 1) >> 8;
+}
+
+/** The value of eight digits. */
+constexpr std::uint32_t valueOf(std::uint64_t digits) {
+    const std::uint64_t pairs = pairsOf(digits) & 0x00FF00FF00FF00FF;
+    const std::uint64_t fours = pairs * (100 << 16 | 1) >> 16 & 0x0000FFFF0000FFFF;
+    return static_cast<std::uint32_t>(fours * (std::uint64_t{10000} << 32 | 1) >> 32);
 }
 
 /**
@@ -99,8 +106,7 @@ public:
         const auto digits =
             static_cast<std::uint32_t>(std::uint64_t{digitsAt<std::uint32_t>(mText)} << 32 >> 8 * mSize);
         if (nonDigits(digits) != 0) return -1;
-        const std::uint32_t pairs = pairsOf(digits);
-        return static_cast<int>((pairs & 0xFF) * 100 + (pairs >> 16 & 0xFF));
+        return static_cast<int>((pairsOf(digits) & 0x00FF00FF) * (100 << 16 | 1) >> 16);
     }
 
     // As the C library reads the text: leading blanks and a sign are accepted, text after the number is ignored.
@@ -140,9 +146,7 @@ private:
             text = (text & before) << 8 | (text & ~(before << 8 | 0xFF));
             decimals = 7 - static_cast<unsigned>(start) / 8;
         }
-        const std::uint64_t pairs = pairsOf(text) & 0x00FF00FF00FF00FF;
-        const std::uint64_t fours = (pairs * 100 + (pairs >> 16)) & 0x0000FFFF0000FFFF;
-        digits = static_cast<std::uint32_t>(fours * 10000 + (fours >> 32));
+        digits = valueOf(text);
         return true;
     }
 
