@@ -97,6 +97,7 @@ void GpsController::parseGpsProductionDataProc(const char* data, unsigned int le
         controllerLog(kFunction, "GpsController::parseGpsProductionDataProc() Argument Error\n");
         return;
     }
+    mGpsSettingManager->takePortSettings(data, length);
     notifyEach(mGpsProductionListeners, kFunction, "GpsController::parseGpsProductionDataProc() lpListener = NULL\n",
                [&](const GpsProductionListener* listener) {
                    return mGpsProductionManager->parseGpsProductionData(data, listener, length) ||

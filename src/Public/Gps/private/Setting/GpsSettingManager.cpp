@@ -137,7 +137,8 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
     qv_msleep(kSpeedChangeMs);
     {
         QvSyncGuard guard(mPendingSync);
-        mAnswersDue = mPendingCount + 1;
+        mEarlierAnswersDue = mPendingCount;
+        mAnswersDue = 1;
         mPollAnswered.ResetEvent();
     }
     if (!mpGpsHal->sendData(kPortPoll, sizeof(kPortPoll))) return false;
@@ -146,7 +147,11 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
 }
 
 void GpsSettingManager::dropAnswerDue() {
-    if (mAnswersDue != 0 && --mAnswersDue == 0) mPollAnswered.SetEvent();
+    if (mEarlierAnswersDue != 0) {
+        --mEarlierAnswersDue;
+    } else if (mAnswersDue != 0 && --mAnswersDue == 0) {
+        mPollAnswered.SetEvent();
+    }
 }
 
 /** Writes to the shared record what the setting changes for all processes. */
@@ -192,6 +197,12 @@ bool GpsSettingManager::takeResponse(const char* data, unsigned int length, std:
     --mPendingCount;
     settled = {message == UbxMessage::AckAck, oldest};
     return true;
+}
+
+void GpsSettingManager::takePortSettings(const char* data, unsigned int length) {
+    if (UbxFrame(data, length).message() != UbxMessage::CfgPrt) return;
+    QvSyncGuard guard(mPendingSync);
+    mEarlierAnswersDue = 0;
 }
 
 GpsSetting GpsSettingManager::takeOldest() {

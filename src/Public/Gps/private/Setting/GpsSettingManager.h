@@ -55,6 +55,12 @@ public:
     /** The same, and notifies `listener` of the settled request. */
     bool analizeGpsSettingResponse(const char* data, unsigned int length, const GpsSettingListener* listener);
 
+    /**
+     * Takes a received UBX frame that is no acknowledgement. The receiver sends its port settings before it
+     * acknowledges a poll: an answer to an earlier command that has not been received by then is lost.
+     */
+    void takePortSettings(const char* data, unsigned int length);
+
     /** The shared values; this process's copies when the segment cannot be read. */
     GeodeticSystem getBaseGeodeticSystem();
     bool getSettingFinishFlg();
@@ -87,9 +93,9 @@ private:
     QvEvent mPollAnswered;  // reset from the poll at a new speed until no answer is due
     Clock::time_point mPollDeadline QV_GUARDED_BY(gCommandSync);  // its answer is not awaited any longer
 
-    QvSync mPendingSync;  // guards the ring; held for single steps only
-    unsigned int mAnswersDue QV_GUARDED_BY(mPendingSync) =
-        0;  // from a poll on: to it, and to what was sent before and after it
+    QvSync mPendingSync;                                              // guards the ring; held for single steps only
+    unsigned int mEarlierAnswersDue QV_GUARDED_BY(mPendingSync) = 0;  // to what was sent before the last poll
+    unsigned int mAnswersDue QV_GUARDED_BY(mPendingSync) = 0;         // to the last poll and what was sent after it
     GpsSetting mPendingSetting[kMaxPending] QV_GUARDED_BY(mPendingSync);
     unsigned int mPendingWriteIndex QV_GUARDED_BY(mPendingSync);  // where the next request is queued
     unsigned int mPendingReadIndex QV_GUARDED_BY(mPendingSync);   // the oldest request that awaits an answer
