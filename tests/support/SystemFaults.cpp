@@ -46,38 +46,27 @@ bool areAllFaultsTaken() {
     return gFaults.errors == std::array<int, 3>{};
 }
 
-#define SYSTEM(function) reinterpret_cast<decltype(&(function))>(dlsym(RTLD_NEXT, #function))
+/** A function that fails when it is to, and is the system's otherwise. */
+#define FALLIBLE(function, declaration, arguments, failure)                                                           \
+    declaration {                                                                                                     \
+        const int error = takeFault(#function);                                                                       \
+        return error != 0 ? failure : reinterpret_cast<decltype(&(function))>(dlsym(RTLD_NEXT, #function)) arguments; \
+    }
 
 #pragma GCC visibility push(default)
 extern "C" {
-int shm_open(const char* name, int flags, mode_t mode) {
-    return takeFault("shm_open") != 0 ? -1 : SYSTEM(shm_open)(name, flags, mode);
-}
-int ftruncate(int fd, off_t length) noexcept {
-    return takeFault("ftruncate") != 0 ? -1 : SYSTEM(ftruncate)(fd, length);
-}
-int posix_fallocate(int fd, off_t offset, off_t length) {
-    const int error = takeFault("posix_fallocate");
-    return error != 0 ? error : SYSTEM(posix_fallocate)(fd, offset, length);
-}
-void* mmap(void* address, std::size_t length, int protection, int flags, int fd, off_t offset) noexcept {
-    return takeFault("mmap") != 0 ? MAP_FAILED : SYSTEM(mmap)(address, length, protection, flags, fd, offset);
-}
-int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*routine)(void*), void* arg) noexcept {
-    const int error = takeFault("pthread_create");
-    return error != 0 ? error : SYSTEM(pthread_create)(thread, attributes, routine, arg);
-}
-int eventfd(unsigned value, int flags) noexcept {
-    return takeFault("eventfd") != 0 ? -1 : SYSTEM(eventfd)(value, flags);
-}
-int tcsetattr(int fd, int actions, const termios* settings) noexcept {
-    return takeFault("tcsetattr") != 0 ? -1 : SYSTEM(tcsetattr)(fd, actions, settings);
-}
-ssize_t read(int fd, void* buffer, std::size_t size) {
-    return takeFault("read") != 0 ? -1 : SYSTEM(read)(fd, buffer, size);
-}
-ssize_t write(int fd, const void* data, std::size_t size) {
-    return takeFault("write") != 0 ? -1 : SYSTEM(write)(fd, data, size);
-}
+FALLIBLE(shm_open, int shm_open(const char* name, int flags, mode_t mode), (name, flags, mode), -1)
+FALLIBLE(ftruncate, int ftruncate(int fd, off_t length) noexcept, (fd, length), -1)
+FALLIBLE(posix_fallocate, int posix_fallocate(int fd, off_t offset, off_t length), (fd, offset, length), error)
+FALLIBLE(mmap, void* mmap(void* at, std::size_t length, int protection, int flags, int fd, off_t offset) noexcept,
+         (at, length, protection, flags, fd, offset), MAP_FAILED)
+FALLIBLE(pthread_create,
+         int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*run)(void*),
+                            void* arg) noexcept,
+         (thread, attributes, run, arg), error)
+FALLIBLE(eventfd, int eventfd(unsigned value, int flags) noexcept, (value, flags), -1)
+FALLIBLE(tcsetattr, int tcsetattr(int fd, int actions, const termios* settings) noexcept, (fd, actions, settings), -1)
+FALLIBLE(read, ssize_t read(int fd, void* buffer, std::size_t size), (fd, buffer, size), -1)
+FALLIBLE(write, ssize_t write(int fd, const void* data, std::size_t size), (fd, data, size), -1)
 }
 #pragma GCC visibility pop

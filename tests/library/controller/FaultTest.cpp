@@ -9,58 +9,7 @@
 
 namespace {
 
-std::string numbered(std::size_t number) {
-    return "$GPNUM," + std::to_string(number) + "\r\n";
-}
-
-class SerialReceiver : public testing::Test {
-protected:
-    SerialReceiver() {
-        setenv("GPSHAL_DEVICE", mName.c_str(), 1);
-        mSentences.setHook([this] {
-            ++mReceived;
-            mReceived.notify_all();
-        });
-        GpsHal::setLink(nullptr);
-        GpsHal::GetInstance();  // stays while controllers come and go
-    }
-    ~SerialReceiver() override {
-        GpsHal::DelInstance();
-        unsetenv("GPSHAL_DEVICE");
-    }
-
-    /** A sentence comes, a request goes and is answered, and a sentence comes. */
-    void expectService(GpsController& controller) {
-        const std::size_t number = mReceived;
-        mReceiver->send(numbered(number));
-        mReceived.wait(number);
-        EXPECT_TRUE(controller.requestGpsSetting(GPS_SETTING_ZDA_ON));
-        EXPECT_EQ(mReceiver->bytes(1).size(), 1U) << "arrives";
-        mReceiver->send(std::string(kAck) + numbered(number + 1));
-        mReceived.wait(number + 1);
-        EXPECT_EQ(mSentences.take(), (Strings{"N:raw " + numbered(number), "N:raw " + numbered(number + 1)}));
-        EXPECT_EQ(mSettings.take(), Strings{"S:setting 1 yes"});
-    }
-
-    /** What the platform has logged, without the device's name. */
-    Strings reports() {
-        Strings texts;
-        for (const LogCapture::Line& line : mLog.take()) {
-            if (line.file.starts_with("platform/")) texts.push_back(line.text.substr(line.text.find("/gps") + 4));
-        }
-        return texts;
-    }
-
-    const ScratchDirectory mDirectory;
-    const std::string mName = mDirectory.path("gps");
-    LogCapture mLog;
-    std::unique_ptr<Receiver> mReceiver = std::make_unique<Receiver>(mName, true);
-    std::atomic<std::size_t> mReceived{0};
-    Listener mSentences{"N"};
-    Listener mSettings{"S"};
-};
-
-TEST_F(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
+TEST(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
     const struct {
         Faults faults;
         bool isRefused;  // and not received until the service starts anew
@@ -73,17 +22,43 @@ TEST_F(SerialReceiver, servesAgainAfterAnyFaultOfTheSystem) {
         {{"read", {EIO}}, false, {" is absent\n", " is available\n"}},
         {{"write", {0, EINTR}}, false, {}},  // the first is the receiver's
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.faults.call);
-        letFail(row.faults);
+    const ScratchDirectory directory;
+    const std::string device = directory.path("gps");
+    Receiver receiver(device, true);
+    setenv("GPSHAL_DEVICE", device.c_str(), 1);
+    GpsHal::setLink(nullptr);
+    GpsHal::GetInstance();  // stays while controllers come and go
+    for (const auto& [faults, isRefused, reports] : rows) {
+        SCOPED_TRACE(faults.call);
+        const LogCapture log;
+        Listener listener("L");
+        std::atomic<int> received{0};
+        listener.setHook([&] {
+            ++received;
+            received.notify_all();
+        });
+        letFail(faults);
         auto controller = std::make_unique<GpsController>();
-        if (row.isRefused) controller = nullptr, controller = std::make_unique<GpsController>();
-        controller->registerGpsNmeaListener(&mSentences, GEODETIC_SYSTEM_WGS84);
-        controller->registerGpsSettingListener(&mSettings);
-        expectService(*controller);
+        if (isRefused) controller = nullptr, controller = std::make_unique<GpsController>();
+        controller->registerGpsNmeaListener(&listener, GEODETIC_SYSTEM_WGS84);
+        controller->registerGpsSettingListener(&listener);
+        receiver.send("$X\r\n");
+        received.wait(0);
+        EXPECT_TRUE(controller->requestGpsSetting(GPS_SETTING_ZDA_ON));
+        EXPECT_EQ(receiver.bytes(16).size(), 16U) << "arrives";
+        receiver.send(std::string(kAck) + "$Y\r\n");
+        for (int count = 1; count < 3; count = received)
+            received.wait(count);
+        EXPECT_EQ(listener.take(), (Strings{"L:raw $X\r\n", "L:setting 1 yes", "L:raw $Y\r\n"}));
         EXPECT_TRUE(areAllFaultsTaken()) << "the call was made";
-        EXPECT_EQ(reports(), row.reports);
+        Strings logged;
+        for (const LogCapture::Line& line : log.lines()) {
+            if (line.file.starts_with("platform/")) logged.push_back(line.text.substr(line.text.find("/gps") + 4));
+        }
+        EXPECT_EQ(logged, reports);
     }
+    GpsHal::DelInstance();
+    unsetenv("GPSHAL_DEVICE");
 }
 
 }  // namespace
