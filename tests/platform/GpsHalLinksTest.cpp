@@ -110,7 +110,7 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     mReceiver->send("x");
     EXPECT_EQ(readAll(mLink, 1), "x") << "unaffected by the refused ones";
     const std::string device = std::filesystem::canonical(mDevice);
-    EXPECT_EQ(runShell("readlink /proc/self/fd/*").out.find(device), std::string::npos) << "not inherited by programs";
+    EXPECT_EQ(runShell("readlink /proc/self/fd/*").find(device), std::string::npos) << "not inherited by programs";
     const pid_t child = startProcess([] { pause(); });
     mLink.close();
     EXPECT_TRUE(second.open()) << "also while a forked child has a copy of the descriptor";
@@ -175,7 +175,7 @@ TEST(FileLink, GivesTheFileOnceAndThenSilence) {
     EXPECT_FALSE(send(link, "x") || link.setSpeed(2));
     for (int round = 0; round < 2; ++round) {
         ASSERT_TRUE(link.open());
-        EXPECT_EQ(runShell("readlink /proc/self/fd/*").out.find(directory.path("log")), std::string::npos);
+        EXPECT_EQ(runShell("readlink /proc/self/fd/*").find(directory.path("log")), std::string::npos);
         EXPECT_EQ(readAll(link, bytes.size()), bytes);
         EXPECT_EQ(link.read(buffer, sizeof(buffer), 10), 0);
         EXPECT_TRUE(send(link, "x") && link.setSpeed(2));

@@ -5,10 +5,8 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <string>
 #include <vector>
 
 // Every test program gets a /dev/shm of its own, so that programs run in parallel, never touch the segments of a live

@@ -52,13 +52,13 @@ TEST(SharedLibrary, showsThePublicInterfaceAndNothingElse) {
     const std::string symbols = "nm -D -C -P --defined-only " QVGPS_LIBRARY " | sed 's/ [A-Za-z] .*//' | grep -xE";
     const std::string pattern =
         " '(vtable for |typeinfo (name )?for )?(QvSingleton<Gps>|Gps([[:alnum:]]*Listener)?)(::.*)?'";
-    EXPECT_EQ(runShell(symbols + "v" + pattern).out, "");
-    EXPECT_EQ(runShell(symbols + "c" + pattern).out, "107\n");
+    EXPECT_EQ(runShell(symbols + "v" + pattern), "");
+    EXPECT_EQ(runShell(symbols + "c" + pattern), "107\n");
 }
 
 #ifdef QVGPS_HARDENED
 TEST(SharedLibrary, isBuiltWithTheProtectionsOfCompilerAndLinker) {
-    const std::string elf = runShell("readelf -lWd --dyn-syms " QVGPS_LIBRARY " " QVGPS_FRAMEWORK).out;
+    const std::string elf = runShell("readelf -lWd --dyn-syms " QVGPS_LIBRARY " " QVGPS_FRAMEWORK);
     for (const char* const mark : {"GNU_RELRO", "BIND_NOW", "__stack_chk_fail", "__vsnprintf_chk"}) {
         EXPECT_NE(elf.find(mark), std::string::npos) << mark;
     }

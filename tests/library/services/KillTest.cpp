@@ -7,10 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <deque>
-#include <filesystem>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"

@@ -43,7 +43,7 @@ TEST(Report, OfALongLogIsSmallAndKeepsItsPeak) {
         log += sentence(body);
     }
     const ScratchDirectory files;
-    const std::string page = runShell(GPS_DECODE " --report - " + files.write("log", log)).out;
+    const std::string page = runShell(GPS_DECODE " --report - " + files.write("log", log));
     EXPECT_THAT(page, AllOf(StartsWith("<!DOCTYPE html>"), EndsWith("</html>\n" + counts(80000)),
                             Not(HasSubstr("<script")), Not(HasSubstr("http")), HasSubstr("<dd>1.9 to 185.2</dd>")));
     EXPECT_LT(page.size(), 1000000U);

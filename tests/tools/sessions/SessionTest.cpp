@@ -20,9 +20,10 @@ TEST_P(Session, isRight) {
     std::string text;
     for (std::string line; std::getline(lines, line);) {
         if (!line.starts_with("$ ")) continue;
-        const Outcome outcome = runShell("PATH=$PATH:" TOOLS "; cd " + directory.path("") + "; " + line.substr(2));
-        text += line + "\n" + outcome.out;
-        if (outcome.status != 0) text += "[" + std::to_string(outcome.status) + "]\n";
+        Child shell({"bash", "-c", "PATH=$PATH:" TOOLS "; cd " + directory.path("") + "; " + line.substr(2)});
+        const int status = shell.end();
+        text += line + "\n" + shell.all();
+        if (status != 0) text += "[" + std::to_string(status) + "]\n";
     }
     EXPECT_EQ(text, session);
 }
