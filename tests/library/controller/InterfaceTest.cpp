@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <array>
+#include <bit>
 
 #include "Gps/Gps.h"
 #include "Gps/private/GpsController.h"
@@ -11,20 +12,13 @@
 
 namespace {
 
-/** A virtual operation's place in its class's table, as a pointer to member holds it. The destructor takes 0 and 1. */
-template <class Operation>
-std::size_t slotOf(Operation operation) {
-    std::size_t words[2];
-    static_assert(sizeof(words) == sizeof(operation));
-    std::memcpy(words, &operation, sizeof(words));
-    return words[0] / sizeof(void*);  // on most processors one more than its offset
-}
-
+/** Virtual operations have these places in their class's table, after the destructor's 0 and 1. A pointer to member
+ *  holds the place, on most processors one more than its offset. */
 template <class... Operations>
 void expectInOrder(Operations... operations) {
     std::size_t slot = 2;
-    for (const std::size_t actual : {slotOf(operations)...})
-        EXPECT_EQ(actual, slot++) << "of " << sizeof...(operations);
+    for (const auto& words : {std::bit_cast<std::array<std::size_t, 2>>(operations)...})
+        EXPECT_EQ(words[0] / sizeof(void*), slot++) << "of " << sizeof...(operations);
 }
 
 TEST(VirtualSlots, areInTheOrderThatClientsAreCompiledFor) {

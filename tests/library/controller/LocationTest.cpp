@@ -147,25 +147,18 @@ TEST_F(Pipeline, takesOnlyNewerRecordsAndLogsMissedAndDroppedOnes) {
 const std::string kSegment = "/dev/shm/QVSDK_GPS_LocationDataMemory";
 constexpr int kRecord = 8;  // where the segment's record begins
 
-class Publication : public ControllerTest {
-protected:
-    Publication() {
-        mController->registerGpsLocationDataListener(&mListener);
-        mController->stop();
-        mLog.take();
-    }
-
-    /** Publishes, and delivers it to the listener at once. */
-    const LOCATION_DATA& publish(const GPS_LOCATION_SYNC_DATA& location) {
-        EXPECT_TRUE(mController->setLocationData(&location));
-        mController->notifyLocationData();
-        return mListener.location();
-    }
-
-    Listener mListener{"L"};
-};
+using Publication = ControllerTest;
 
 TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
+    Listener listener("L");
+    mController->registerGpsLocationDataListener(&listener);
+    mController->stop();
+    mLog.take();
+    const auto publish = [&](const GPS_LOCATION_SYNC_DATA& location) -> const LOCATION_DATA& {
+        EXPECT_TRUE(mController->setLocationData(&location));
+        mController->notifyLocationData();
+        return listener.location();
+    };
     constexpr int kUnwritten[] = {4, 7, 20, 23, 212, 215, 236, 239};  // the reserved word, and gaps
     std::fstream segment(kSegment, std::ios::in | std::ios::out | std::ios::binary);
     for (const int offset : kUnwritten)
@@ -209,12 +202,12 @@ TEST_F(Publication, carriesEveryFieldAndLeavesTheRestOfTheRecord) {
     EXPECT_EQ(truncateToInt(location.Gga.Lon), 0) << "of which a hundredth would be 0 anyway";
     EXPECT_TRUE(nowhere.LatMin > 1e299 && std::isnan(nowhere.LonMin));
     EXPECT_EQ(fileContents(kSegment)[kRecord], 2);
-    mListener.take();
+    listener.take();
     segment.seekp(kRecord - 4).put(1).flush();  // as of a process that is killed inside the copy
     mController->notifyLocationData();
-    EXPECT_THAT(mListener.take(), IsEmpty());
+    EXPECT_THAT(listener.take(), IsEmpty());
     publish(location);
-    EXPECT_THAT(mListener.take(), testing::SizeIs(4));
+    EXPECT_THAT(listener.take(), testing::SizeIs(4));
     EXPECT_EQ(fileContents(kSegment)[kRecord], 3) << "the count goes on";
     const GpsController next;
     EXPECT_EQ(fileContents(kSegment), std::string("\x10\x04\0\0", 4) + std::string(1044, '\0')) << "reset";

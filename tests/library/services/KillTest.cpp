@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <deque>
+#include <memory>
 #include <thread>
 
 #include "Gps/private/SharedMemory/LocationDataMemory.h"
@@ -80,14 +81,6 @@ void operate(LocationDataMemory& memory, Progress& progress, unsigned times) {
     }
 }
 
-/** Leaves and enters the segment again and again. */
-void workUntilKilled(Progress& progress) {
-    while (!testing::Test::HasFailure()) {
-        LocationDataMemory memory;
-        operate(memory, progress, 20);
-    }
-}
-
 using Clock = std::chrono::steady_clock;
 
 /** Goes on in a PID namespace of its own, perhaps as another user, while it kills one process after another there. */
@@ -100,7 +93,10 @@ void storm(Progress& progress, bool isAnotherUser, Clock::time_point end) {
     LocationDataMemory memory;
     while (Clock::now() < end && !testing::Test::HasFailure()) {
         while (victims.size() < 2)
-            victims.push_back(startProcess([&] { workUntilKilled(progress); }));
+            victims.push_back(startProcess([&] {
+                while (!testing::Test::HasFailure())  // leaves and enters the segment again and again
+                    operate(*std::make_unique<LocationDataMemory>(), progress, 20);
+            }));
         operate(memory, progress, static_cast<unsigned>(std::rand() % 30));
         kill(victims.front(), SIGKILL);
         EXPECT_EQ(exitCodeOf(victims.front()), -1) << "it works until it is killed";
