@@ -125,9 +125,9 @@ private:
     pid_t mPid;
 };
 
-/** What a line of the shell writes until its end. */
+/** What a line of the shell writes until its end. Without --norc it reads start-up files when its input is a socket. */
 inline std::string runShell(const std::string& line) {
-    Child shell({"bash", "-c", line});
+    Child shell({"bash", "--norc", "-c", line});
     shell.end();
     return shell.all();
 }

@@ -20,7 +20,7 @@ TEST_P(Session, isRight) {
     std::string text;
     for (std::string line; std::getline(lines, line);) {
         if (!line.starts_with("$ ")) continue;
-        Child shell({"bash", "-c", "PATH=$PATH:" TOOLS "; cd " + directory.path("") + "; " + line.substr(2)});
+        Child shell({"bash", "--norc", "-c", "PATH=$PATH:" TOOLS "; cd " + directory.path("") + "; " + line.substr(2)});
         const int status = shell.end();
         text += line + "\n" + shell.all();
         if (status != 0) text += "[" + std::to_string(status) + "]\n";
