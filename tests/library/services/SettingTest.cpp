@@ -205,6 +205,19 @@ TEST_F(Setting, SpeedChangeExcludesOtherCommandsUntilItsPollAndSettingsUntilTheP
     EXPECT_THAT(mLog.texts(), IsEmpty());
 }
 
+TEST_F(Setting, WaitsForTheLastOfTwoPolls) {
+    GpsSettingManager manager;
+    const std::string portSettings = ubxFrame(6, 0, std::string(20, '\0'));
+    EXPECT_TRUE(manager.requestGpsSetting(GPS_SETTING_BAUD_115200));
+    EXPECT_TRUE(manager.analizeGpsSettingResponse(kYes.data(), 10, &mListener));
+    EXPECT_TRUE(manager.requestGpsSetting(GPS_SETTING_BAUD_38400, false));
+    const auto polled = std::chrono::steady_clock::now();
+    manager.takePortSettings(portSettings.data(), static_cast<unsigned>(portSettings.size()));
+    EXPECT_TRUE(manager.analizeGpsSettingResponse(kYes.data(), 10, &mListener)) << "to the first poll";
+    EXPECT_TRUE(manager.requestGpsSetting(GPS_SETTING_ZDA_ON));
+    EXPECT_GE(std::chrono::steady_clock::now() - polled, std::chrono::milliseconds(900));
+}
+
 TEST_F(Setting, SpeedChangeThatFailsHalfwayKeepsItsEntry) {
     mPeer->setWriteHook([&](std::string_view bytes) {
         if (bytes == commandOf(GPS_SETTING_BAUD_38400)) mPeer->lose();

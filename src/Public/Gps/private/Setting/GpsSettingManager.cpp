@@ -137,6 +137,7 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
     qv_msleep(kSpeedChangeMs);
     {
         QvSyncGuard guard(mPendingSync);
+        mPortSettingsDue = mAnswersDue != 0 ? mPortSettingsDue + 1 : 1;
         mEarlierAnswersDue = mPendingCount;
         mAnswersDue = 1;
         mPollAnswered.ResetEvent();
@@ -202,7 +203,7 @@ bool GpsSettingManager::takeResponse(const char* data, unsigned int length, std:
 void GpsSettingManager::takePortSettings(const char* data, unsigned int length) {
     if (UbxFrame(data, length).message() != UbxMessage::CfgPrt) return;
     QvSyncGuard guard(mPendingSync);
-    mEarlierAnswersDue = 0;
+    if (mPortSettingsDue != 0 && --mPortSettingsDue == 0) mEarlierAnswersDue = 0;
 }
 
 GpsSetting GpsSettingManager::takeOldest() {

@@ -56,8 +56,8 @@ public:
     bool analizeGpsSettingResponse(const char* data, unsigned int length, const GpsSettingListener* listener);
 
     /**
-     * Takes a received UBX frame that is no acknowledgement. The receiver sends its port settings before it
-     * acknowledges a poll: an answer to an earlier command that has not been received by then is lost.
+     * Takes a received UBX frame that is no acknowledgement. The receiver sends its port settings right before it
+     * acknowledges a poll: after those of the last poll, answers to earlier commands are not awaited any longer.
      */
     void takePortSettings(const char* data, unsigned int length);
 
@@ -96,6 +96,7 @@ private:
     QvSync mPendingSync;                                              // guards the ring; held for single steps only
     unsigned int mEarlierAnswersDue QV_GUARDED_BY(mPendingSync) = 0;  // to what was sent before the last poll
     unsigned int mAnswersDue QV_GUARDED_BY(mPendingSync) = 0;         // to the last poll and what was sent after it
+    unsigned int mPortSettingsDue QV_GUARDED_BY(mPendingSync) = 0;    // to polls up to the last
     GpsSetting mPendingSetting[kMaxPending] QV_GUARDED_BY(mPendingSync);
     unsigned int mPendingWriteIndex QV_GUARDED_BY(mPendingSync);  // where the next request is queued
     unsigned int mPendingReadIndex QV_GUARDED_BY(mPendingSync);   // the oldest request that awaits an answer
