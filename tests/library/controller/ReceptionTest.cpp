@@ -146,9 +146,26 @@ TEST_F(Threads, unregisteringTheirListenerFromInsideWaitForTheOthersInside) {
     expectDone(request, "the other request");
 }
 
-TEST_F(Threads, mayUnregisterAListenerInItsFirstStatus) {
-    mAntenna.setHook([this] { EXPECT_TRUE(mController->unRegisterGpsConnectionListener(&mAntenna)); });
-    EXPECT_TRUE(mController->registerGpsConnectionListener(&mAntenna));
+TEST_F(Threads, mayUnregisterInTheFirstStatusAListenerThatIsRegistering) {
+    mController->registerGpsNmeaListener(&mRaw, GEODETIC_SYSTEM_WGS84);
+    std::latch bothInside(2);
+    std::promise<pid_t> unregistering;
+    mAntenna.setHook([&] {
+        bothInside.arrive_and_wait();
+        unregistering.set_value(gettid());
+        EXPECT_TRUE(mController->unRegisterGpsNmeaListener(&mRaw));  // waits for the notification below
+        EXPECT_TRUE(mController->unRegisterGpsConnectionListener(&mAntenna));
+    });
+    mRaw.setHook([&] {
+        bothInside.arrive_and_wait();
+        waitUntilBlocked(unregistering.get_future().get());
+        EXPECT_TRUE(mController->registerGpsVersionListener(&mVersion));  // wants the lock of the registration above
+    });
+    auto delivery = std::async(std::launch::async, [this] { receive("$X"); });
+    auto registration =
+        std::async(std::launch::async, [this] { EXPECT_TRUE(mController->registerGpsConnectionListener(&mAntenna)); });
+    expectDone(delivery, "the raw listener");
+    expectDone(registration, "the registration");
     receive(kAntennaOpen);
     EXPECT_THAT(mAntenna.take(), testing::ElementsAre("antenna:antenna 0"));
 }
@@ -167,6 +184,13 @@ TEST_F(Threads, mayUnregisterOneObjectInItsNotificationsOnTheReceiveThreadAndOnT
     mController->setLocationData(&kNowhere);
     auto delivery = std::async(std::launch::async, [this] { receive("$X"); });  // the worker comes a second later
     expectDone(delivery, "the raw listener");
+    std::promise<void> delivered;
+    mVersion.setHook([&, calls = 0]() mutable {
+        if (++calls == 4) delivered.set_value();
+    });
+    EXPECT_TRUE(mController->registerGpsLocationDataListener(&mVersion));
+    mController->setLocationData(&kNowhere);
+    expectDone(delivered.get_future(), "the next listener");
     expectDone(std::async(std::launch::async, [this] { mController.reset(); }), "the controller's end");
 }
 
