@@ -48,7 +48,7 @@ struct QvSharedLock {
     const int fd;
     Token* pHolder = nullptr;
     std::atomic<bool> isMarked{true};  // whether this process has its file lock
-    std::atomic<pthread_t> owner{};    // the thread of this process that holds the lock
+    std::atomic<const char*> owner{};  // the thread of this process that holds the lock
     unsigned int depth = 0;            // how often it has locked it
 
     std::atomic_ref<Token> holder() const { return std::atomic_ref(*pHolder); }
@@ -58,6 +58,9 @@ namespace {
 
 constexpr char kDirectory[] = "/dev/shm";
 constexpr mode_t kMode = 0660;  // a file lock needs the object open, which needs write permission
+
+/** Its address identifies a thread. The lock takes so few instructions that a call of pthread_self would count. */
+[[gnu::tls_model("initial-exec")]] constinit thread_local char tThread = 0;
 
 constinit std::atomic<Token> gToken{0};  // of this process
 constinit std::atomic<QvSharedLock*> gLocks{nullptr};
@@ -90,12 +93,18 @@ bool tryLock(QvSharedLock& lock) {
            (!isAlive(lock.fd, seen) && lock.holder().compare_exchange_strong(seen, gToken));
 }
 
+void own(QvSharedLock& lock) {
+    lock.owner.store(&tThread, std::memory_order_relaxed);
+    lock.depth = 1;
+}
+
 [[gnu::noinline]] void waitForLock(QvSharedLock& lock) {
     constexpr long kLongestPauseNs = 2'000'000;
     for (long pause = 20'000; !tryLock(lock); pause = std::min(2 * pause, kLongestPauseNs)) {
         const timespec time{0, pause};
         nanosleep(&time, nullptr);
     }
+    own(lock);
 }
 
 /** For a new process or a forked child, which inherits neither the locks nor the file locks of its parent. */
@@ -104,7 +113,7 @@ void renewToken() {
     arc4random_buf(&token, sizeof(token));
     gToken = token | 1U;
     for (QvSharedLock* lock = gLocks; lock != nullptr; lock = lock->next) {
-        lock->owner = pthread_t{};
+        lock->owner = nullptr;
         lock->isMarked = markAlive(lock->fd);
     }
 }
@@ -178,18 +187,16 @@ QvSharedSyncObject::~QvSharedSyncObject() = default;
 void QvSharedSyncObject::lock() const QV_NO_THREAD_SAFETY_ANALYSIS {
     if (mpLock == nullptr) return;
     QvSharedLock& lock = *mpLock;
-    const pthread_t self = pthread_self();
-    if (lock.owner == self) return static_cast<void>(++lock.depth);
-    if (!takeFree(lock)) waitForLock(lock);
-    lock.owner.store(self, std::memory_order_relaxed);
-    lock.depth = 1;
+    if (lock.owner == &tThread) return static_cast<void>(++lock.depth);
+    if (takeFree(lock)) return own(lock);
+    waitForLock(lock);
 }
 
 void QvSharedSyncObject::unlock() const QV_NO_THREAD_SAFETY_ANALYSIS {
     if (mpLock == nullptr) return;
     QvSharedLock& lock = *mpLock;
     // In a child that was forked while this thread held the lock there is nothing to unlock.
-    if (lock.owner != pthread_self() || --lock.depth != 0) return;
-    lock.owner.store(pthread_t{}, std::memory_order_relaxed);
+    if (lock.owner != &tThread || --lock.depth != 0) return;
+    lock.owner.store(nullptr, std::memory_order_relaxed);
     lock.holder().store(0, std::memory_order_release);
 }
