@@ -54,7 +54,7 @@ void GpsController::nmeaSentenceProc(const char* data, unsigned int length) {
     if (!hasBytes(data, length, "nmeaSentenceProc", "GpsController::nmeaSentenceProc() Argument Error\n")) return;
     const GeodeticSystem base = mGpsSettingManager->getBaseGeodeticSystem();
     SentenceDelivery delivery(*mGpsParseNmeaManager, base, {data, length});
-    mGpsNmeaListeners.callEach([&](const GPS_NMEA_LISTENER_LIST& entry) {
+    mGpsNmeaListeners.callEachOnReceiver([&](const GPS_NMEA_LISTENER_LIST& entry) {
         delivery.deliver(entry, [this] { return mGpsSettingManager->getSettingFinishFlg(); });
         return true;
     });

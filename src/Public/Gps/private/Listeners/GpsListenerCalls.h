@@ -22,39 +22,47 @@ public:
     /** Guards the registries as well. A leaf: held for single steps, never while a listener runs. */
     LeafLock& lock() QV_RETURN_CAPABILITY(mLock) { return mLock; }
 
-    /** A notification of a listener in progress on this thread, from `begin` to `end` or the end of this object. */
+    /** A thread's notifications, one after another. Listed from construction on, so that each one costs little. */
     class Call : private QvUncopyable {
     public:
-        Call() = default;
-        explicit Call(const void* listener) {
-            LeafGuard guard(instance().mLock);
-            begin(instance(), listener);
-        }
+        Call() : Call(nullptr) {}
+        explicit Call(const void* listener) : Call(instance(), listener) {}
         ~Call() {
-            if (mListener == nullptr) return;
-            LeafGuard guard(instance().mLock);
-            end(instance());
+            end();
+            LeafGuard guard(mCalls.mLock);
+            unlink(mCalls.mCalls, *this);
         }
 
-        // `calls` is the instance.
-
+        /** Begins the notification of `listener` on this thread, and ends the one before it. `calls` is the instance.
+         */
         void begin(GpsListenerCalls& calls, const void* listener) QV_REQUIRES(calls.mLock) {
-            mListener = listener;
-            link(calls.mCalls, *this);
+            mThread = std::this_thread::get_id();
+            mListener.store(listener, std::memory_order_relaxed);
+            calls.notifyWaits();
         }
-        void end(GpsListenerCalls& calls) QV_REQUIRES(calls.mLock) {
-            if (mListener == nullptr) return;
-            mListener = nullptr;
-            unlink(calls.mCalls, *this);
-            if (calls.mWaits != nullptr) calls.mCallEnded.notify_all();
+        /** Ends the notification in progress, if any. Takes the lock only while a thread waits. */
+        void end() {
+            // Sequentially consistent, as in a wait: either it sees that the call has ended, or this thread sees it.
+            if (mListener.exchange(nullptr) == nullptr || mCalls.mWaitCount == 0) return;
+            LeafGuard guard(mCalls.mLock);
+            mCalls.notifyWaits();
         }
 
     private:
         friend class GpsListenerCalls;
-        const void* mListener = nullptr;
-        const std::thread::id mThread = std::this_thread::get_id();
+        Call(GpsListenerCalls& calls, const void* listener) : mCalls(calls), mListener(listener) {
+            LeafGuard guard(mCalls.mLock);
+            link(mCalls.mCalls, *this);
+        }
+
+        GpsListenerCalls& mCalls;
+        std::atomic<const void*> mListener;  // null between notifications; set under the lock
+        std::thread::id mThread = std::this_thread::get_id();
         Call* mNext = nullptr;
     };
+
+    /** For the notifications of the receive thread, which are never nested in one another. */
+    Call& receiverCall() { return mReceiverCall; }
 
     /** A wait of this thread for the end of a listener's calls on other threads, or for a thread. */
     class Wait : private QvUncopyable {
@@ -109,16 +117,23 @@ private:
         LeafGuard guard(mLock);
         if (dependsOn(wait, wait.mThread)) return false;
         link(mWaits, wait);
+        ++mWaitCount;
         return true;
     }
 
     void endWait(const Wait& wait) {
         LeafGuard guard(mLock);
         unlink(mWaits, wait);
+        --mWaitCount;
+    }
+
+    void notifyWaits() QV_REQUIRES(mLock) {
+        if (mWaits != nullptr) mCallEnded.notify_all();
     }
 
     /** The first call that the wait is for, from `call` on; null when there is none. */
     static const Call* firstCallAwaitedBy(const Wait& wait, const Call* call) {
+        if (wait.mListener == nullptr) return nullptr;  // it is for a thread only
         while (call != nullptr && (call->mListener != wait.mListener || call->mThread == wait.mThread))
             call = call->mNext;
         return call;
@@ -145,7 +160,9 @@ private:
     LeafLock mLock;
     Call* mCalls QV_GUARDED_BY(mLock) = nullptr;
     Wait* mWaits QV_GUARDED_BY(mLock) = nullptr;
+    std::atomic<unsigned int> mWaitCount{0};  // changed under the lock, read without it
     std::condition_variable_any mCallEnded;
+    Call mReceiverCall{*this, nullptr};
 };
 
 #endif

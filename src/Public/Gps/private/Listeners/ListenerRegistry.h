@@ -56,11 +56,14 @@ public:
      */
     template <class First, class... Rest>
     unsigned int callEach(First first, Rest... rest) {
-        Pass pass;
-        bool isContinued = count() != 0;
-        while (isContinued && beginNext(pass))
-            isContinued = first(pass.entry) && (... && (!contains(pass.serial) || rest(pass.entry)));
-        return pass.calls;
+        if (count() == 0) return 0;
+        GpsListenerCalls::Call call;
+        return callEachAs(call, first, rest...);
+    }
+    /** The same with one notification, for the receive thread: its call is listed already. */
+    template <class Notify>
+    unsigned int callEachOnReceiver(Notify notify) {
+        return count() != 0 ? callEachAs(mCalls.receiverCall(), notify) : 0;
     }
 
 private:
@@ -71,21 +74,33 @@ private:
     };
 
     /** The state of one callEach. */
-    struct Pass {
-        GpsListenerCalls::Call call;
+    struct Pass : private QvUncopyable {
+        explicit Pass(GpsListenerCalls::Call& passCall) : call(passCall) {}
+        ~Pass() { call.end(); }
+
+        GpsListenerCalls::Call& call;
         Entry entry;               // the one being called
         std::uint64_t serial = 0;  // its serial
         std::uint64_t newest;      // the last serial when the first call began
         unsigned int calls = 0;
     };
 
+    template <class First, class... Rest>
+    unsigned int callEachAs(GpsListenerCalls::Call& call, First first, Rest... rest) {
+        Pass pass(call);
+        bool isContinued = true;
+        while (isContinued && beginNext(pass))
+            isContinued = first(pass.entry) && (... && (!contains(pass.serial) || rest(pass.entry)));
+        return pass.calls;
+    }
+
     /**
-     * Ends the call in progress and begins that of the first enabled entry after it. Of entries added after the first
-     * call, those at an index below `calls` are left out. False when there is none.
+     * Begins the call of the first enabled entry after the one being called. Of entries added after the first call,
+     * those at an index below `calls` are left out. False when there is none.
      */
     bool beginNext(Pass& pass) {
+        if (pass.serial == mLastSerial) return false;
         LeafGuard guard(mCalls.lock());
-        pass.call.end(mCalls);
         if (pass.calls == 0) pass.newest = mLastSerial;
         for (unsigned int i = 0; i != count(); ++i) {
             const Registration& next = mRegistrations[i];
@@ -110,8 +125,9 @@ private:
 
     GpsListenerCalls& mCalls = GpsListenerCalls::instance();
     Registration mRegistrations[LISTENER_LIST_MAX] QV_GUARDED_BY(mCalls.lock());
-    std::uint64_t mLastSerial QV_GUARDED_BY(mCalls.lock()) = 0;
-    std::atomic<unsigned int> mCount{0};  // changed under the lock, read without it
+    // Changed under the lock, read without it.
+    std::atomic<std::uint64_t> mLastSerial{0};
+    std::atomic<unsigned int> mCount{0};
 };
 
 #endif

@@ -29,7 +29,7 @@ public:
     bool forEach(Deliver deliver) const {
         bool isComplete = true;
         if (mpRegistry != nullptr) {
-            mpRegistry->callEach([&](const Entry& entry) { return isComplete = deliver(entry); });
+            mpRegistry->callEachOnReceiver([&](const Entry& entry) { return isComplete = deliver(entry); });
             return isComplete;
         }
         for (unsigned int i = 0; i < mCount && isComplete; ++i) {
