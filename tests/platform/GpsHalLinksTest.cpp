@@ -10,6 +10,7 @@
 #include "tests/support/Processes.h"
 #include "tests/support/Receiver.h"
 #include "tests/support/ScratchDirectory.h"
+#include "tests/support/SystemFaults.h"
 #include "tests/support/ThreadState.h"
 
 namespace {
@@ -73,13 +74,19 @@ TEST_F(SerialLinkTest, SetsEverythingUpAndKeepsItsSpeedAcrossReopening) {
     struct {
         unsigned value;
         speed_t speed;
-    } const rows[] = {{0, B9600}, {2, B38400}, {4, B115200}, {0, B9600}};
-    for (const auto [value, speed] : rows) {
+        Faults busy;  // the device, with what was written
+    } const rows[] = {
+        {0, B9600, {"TIOCOUTQ", {1, 1}}}, {2, B38400, {"TIOCSERGETLSR", {2, 2, 1}}}, {4, B115200, {}}, {0, B9600, {}}};
+    for (const auto& [value, speed, busy] : rows) {
         EXPECT_FALSE(mLink.setSpeed(value)) << "closed";
         ASSERT_TRUE(mLink.open());
+        letFail(busy);
         EXPECT_TRUE(mLink.setSpeed(value));
+        EXPECT_TRUE(areAllFaultsTaken()) << busy.call;
         EXPECT_FALSE(mLink.setSpeed(1));
+        letFail({"tcflush", {EIO}});
         mLink.close();
+        EXPECT_FALSE(areAllFaultsTaken()) << "nothing is dropped";
         mReceiver = std::make_unique<Receiver>(mDevice);
         termios settings = mReceiver->settings();
         settings.c_cflag = CSTOPB | CRTSCTS | PARENB;
@@ -113,11 +120,11 @@ TEST_F(SerialLinkTest, IsOpenInOneProcessOnly) {
     EXPECT_EQ(runShell("readlink /proc/self/fd/*").find(device), std::string::npos) << "not inherited by programs";
     const pid_t child = startProcess([] { pause(); });
     mLink.close();
-    EXPECT_TRUE(second.open()) << "also while a forked child has a copy of the descriptor";
+    for (int i = 0; i < 2; ++i)
+        EXPECT_TRUE(GpsHalSerialLink(mDevice).open()) << "also while a forked child has a copy of the descriptor";
+    EXPECT_TRUE(second.open());
     second.close();
     killProcess(child);
-    for (int i = 0; i < 2; ++i)
-        EXPECT_TRUE(GpsHalSerialLink(mDevice).open()) << "the one before has released it";
     EXPECT_EQ(entriesOf("/proc/self/fd"), before);
     const Stream other(open("/dev/null", O_RDONLY | O_CLOEXEC));  // gets the device's number
     expectInProcess([&] { EXPECT_NE(fcntl(other.descriptor(), F_GETFD), -1); });

@@ -2,6 +2,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <string>
@@ -40,6 +41,7 @@ TEST(Strings, AreCutToTheirSize) {
     char text[8] = "xxxxxxx";
     EXPECT_STREQ(qv_strcpy(text, 3, "12345"), "12");
     EXPECT_STREQ(qv_strcpy(text, 3, "1"), "1");
+    EXPECT_STREQ(qv_strcpy(text, 1, "1"), "");
 }
 
 TEST(Waits, LastAsLongAsRequestedInSpiteOfSignals) {
@@ -58,6 +60,7 @@ TEST(ThreadPriorities, AreNiceValues) {
         const auto thread = static_cast<unsigned>(gettid());
         threads.SetPriority(0, 14, thread);
         EXPECT_EQ(getpriority(PRIO_PROCESS, thread), 19);
+        errno = ESRCH;  // of an earlier call
         EXPECT_EQ(threads.GetPriority(0, thread), 14);
     }).join();
     EXPECT_EQ(QvThreadMng::GetInstance()->GetPriority(0, 0x7FFFFFFF), -1) << "no such thread";

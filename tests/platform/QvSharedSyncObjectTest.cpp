@@ -37,10 +37,11 @@ TEST(SharedSyncObject, IsOneLockForProcessesOfTwoUsersThatStartTogether) {
             process = startProcess([&] {
                 umask(022);
                 [[maybe_unused]] const int result = (&process - processes) % 2 != 0 ? setuid(kOtherUser) : 0;
+                const auto descriptors = entriesOf("/proc/self/fd");
                 for (++started; started < all;)
                     std::this_thread::yield();
                 const QvSharedSyncObject lock(name);
-                EXPECT_TRUE(lock.isAvailable());
+                EXPECT_TRUE(lock.isAvailable() && entriesOf("/proc/self/fd") == descriptors + 1);
                 for (int i = 0; i < 300; ++i) {
                     QvSyncGuard guard(lock);
                     EXPECT_EQ(++inside, 1);
@@ -85,7 +86,9 @@ TEST(SharedSyncObject, IsNotAvailableWhereTheObjectIsForeignAndLeavesItAlone) {
     }
     const Name link;
     std::filesystem::create_symlink(model.path(), link.path());
+    const LogCapture log;
     EXPECT_FALSE(QvSharedSyncObject(link).isAvailable());
+    EXPECT_THAT(log.texts(), ElementsAre(testing::EndsWith(": Too many levels of symbolic links\n")));
     EXPECT_EQ(entriesOf("/proc/self/fd"), before);
 }
 

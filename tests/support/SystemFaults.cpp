@@ -1,5 +1,6 @@
 #include "tests/support/SystemFaults.h"
 
+#include <asm/ioctls.h>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
@@ -18,7 +19,7 @@
 namespace {
 
 constinit std::mutex gMutex;
-constinit Faults gFaults = {"", {}};
+constinit Faults gFaults;
 // Some calls come from a sanitizer's start, before any lock works: this file is built without sanitizers, too.
 constinit std::atomic<bool> gIsArmed = false;
 
@@ -66,7 +67,16 @@ FALLIBLE(pthread_create,
          (thread, attributes, run, arg), error)
 FALLIBLE(eventfd, int eventfd(unsigned value, int flags) noexcept, (value, flags), -1)
 FALLIBLE(tcsetattr, int tcsetattr(int fd, int actions, const termios* settings) noexcept, (fd, actions, settings), -1)
+FALLIBLE(tcflush, int tcflush(int fd, int queue) noexcept, (fd, queue), -1)
 FALLIBLE(read, ssize_t read(int fd, void* buffer, std::size_t size), (fd, buffer, size), -1)
 FALLIBLE(write, ssize_t write(int fd, const void* data, std::size_t size), (fd, data, size), -1)
+
+// Declared here, as all its calls are of this form.
+int ioctl(int fd, unsigned long request, int* value) noexcept {
+    const int answer = takeFault(request == TIOCOUTQ ? "TIOCOUTQ" : request == TIOCSERGETLSR ? "TIOCSERGETLSR" : "");
+    if (answer == 0) return reinterpret_cast<decltype(&ioctl)>(dlsym(RTLD_NEXT, "ioctl"))(fd, request, value);
+    *value = answer;
+    return 0;
+}
 }
 #pragma GCC visibility pop

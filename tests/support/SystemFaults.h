@@ -3,11 +3,11 @@
 
 #include <array>
 
-/** The error numbers that end the next invocations of a call of the system; 0 stands for the system's own result. Reads
- *  and writes of eight bytes, which are events, do not count. */
+/** The error numbers that end the next invocations of a call of the system, or the numbers with which TIOCOUTQ and
+ *  TIOCSERGETLSR succeed; 0 stands for the system's own result. */
 struct Faults {
-    const char* call;
-    std::array<int, 3> errors;
+    const char* call = "";
+    std::array<int, 3> errors = {};
 };
 
 /** A program that is linked with system_faults has functions of its own before those of the system. */

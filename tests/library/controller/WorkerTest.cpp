@@ -179,6 +179,8 @@ TEST_F(ControllersWorker, goesOnWhileListenersReplaceThemselvesInsideTheirNotifi
         rusage usage{};
         getrusage(RUSAGE_THREAD, &usage);
         EXPECT_LT(usage.ru_nvcsw + usage.ru_nivcsw, 100) << "it slept for a second, a tenth at a time";
+        timeradd(&usage.ru_utime, &usage.ru_stime, &usage.ru_utime);
+        EXPECT_LT(usage.ru_utime.tv_sec * 1000000 + usage.ru_utime.tv_usec, 300000);
         mController->unRegisterGpsLocationDataListener(&mListener);
         mController->registerGpsLocationDataListener(&mOther);
         publication = startUntilBlocked([this] { mController->setLocationData(&kNowhere); });

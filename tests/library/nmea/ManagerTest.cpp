@@ -72,6 +72,7 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
     refused(m.getSatelliteType("$QPGGA") != SATELLITE_TYPE_UNKNOWN, "getSatelliteType", "Unknown Sat Type_2\n");
     refused(m.convertOperationMode(nullptr) != 0, "convertOperationMode");
     refused(m.setTalkerId(SATELLITE_TYPE_GPS, nullptr), "setTalkerId", "Argument Error\n");
+    refused(m.parseGgaSentence("$GPGGA", nullptr, 0, &gga, kWgs84, true), "parseGgaSentence", "$GPGGA Error");
     for (int missing = 0; missing < 6; ++missing) {
         const auto or0 = [&](auto* pointer, int place) { return place == missing ? nullptr : pointer; };
         refused(m.convertTokyoToWgs84(or0(&d, 0), or0(&i, 1), or0(&d, 2), or0(&d, 3), or0(&i, 4), or0(&d, 5)),
@@ -105,6 +106,7 @@ TEST(MissingArguments, AreRefusedWithAMessageOfTheOperation) {
         if (needsListener) refused(isParsed, name, end);
     };
     parser(&Manager::parseGgaSentence, 0, "parseGgaSentence", "Argument Error", false);
+    parser(&Manager::parseGsaSentence, 2, "parseGsaSentence", "Argument Error\n", true);
     parser(&Manager::parseGsvSentence, 3, "parseGsvSentence", "Argument Error\n", true);
     parser(&Manager::receiveParsePubxSentence, 7, "parsePubxSentence", "Argument Error", false);
 

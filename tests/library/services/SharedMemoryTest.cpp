@@ -77,8 +77,8 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
         {"mapping failed", false, {"mmap", {ENOMEM}}, "mmap error\n"},
         {"mapping of an old object failed", true, {"mmap", {ENOMEM}}, "mmap error\n"},
     };
-    const std::string unmapped =
-        "LocationDataMemory::write() lpData = NULL\nLocationDataMemory::read() lpData = NULL\n";
+    const std::string unwritten = "LocationDataMemory::write() lpData = NULL\n";
+    const std::string unmapped = unwritten + "LocationDataMemory::read() lpData = NULL\n" + unwritten;
     const auto held = [] { return std::pair(entriesOf("/proc/self/fd"), entriesOf("/proc/self/map_files")); };
     const std::string untouched(sizeof(GPS_LOCATION_DATA_SHARE), '\x5A');
     EXPECT_FALSE(LocationDataMemory().read(nullptr));  // and its lock, which stays
@@ -91,8 +91,10 @@ TEST_F(SharedMemory, FaultIsReportedAndDoesNotOutliveItsCause) {
         const LogCapture log;
         letFail(row.faults);
         std::memcpy(static_cast<void*>(&record), untouched.data(), sizeof(record));
-        const bool isRead = LocationDataMemory().read(&record);
-        EXPECT_EQ(isRead, row.texts.empty());
+        auto memory = std::make_unique<LocationDataMemory>();
+        const bool isRead = memory->read(&record);
+        EXPECT_TRUE(isRead == row.texts.empty() && memory->write(&record) == isRead);
+        memory.reset();
         EXPECT_TRUE(isRead || std::memcmp(&record, untouched.data(), sizeof(record)) == 0) << "left alone";
         EXPECT_TRUE(areAllFaultsTaken()) << "called as often as it was to fail";
         EXPECT_TRUE(LocationDataMemory().read(&record)) << "the next holder works";
