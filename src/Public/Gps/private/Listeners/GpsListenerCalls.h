@@ -33,8 +33,7 @@ public:
             unlink(mCalls.mCalls, *this);
         }
 
-        /** Begins the notification of `listener` on this thread, and ends the one before it. `calls` is the instance.
-         */
+        /** Begins a notification on this thread, and ends the one before it. `calls` is the instance. */
         void begin(GpsListenerCalls& calls, const void* listener) QV_REQUIRES(calls.mLock) {
             mThread = std::this_thread::get_id();
             mListener.store(listener, std::memory_order_relaxed);
@@ -43,7 +42,7 @@ public:
         /** Ends the notification in progress, if any. Takes the lock only while a thread waits. */
         void end() {
             // Sequentially consistent, as in a wait: either it sees that the call has ended, or this thread sees it.
-            if (mListener.exchange(nullptr) == nullptr || mCalls.mWaitCount == 0) return;
+            if (mListener.exchange(nullptr) == nullptr || mCalls.mWaits == nullptr) return;
             LeafGuard guard(mCalls.mLock);
             mCalls.notifyWaits();
         }
@@ -99,32 +98,34 @@ public:
     }
 
 private:
-    template <class Node>
-    static void link(Node*& head, Node& node) {
+    template <class Head, class Node>
+    static void link(Head& head, Node& node) {
         node.mNext = head;
         head = &node;
     }
 
-    template <class Node>
-    static void unlink(Node*& head, const Node& node) {
-        Node** pointer = &head;
-        while (*pointer != &node)
-            pointer = &(*pointer)->mNext;
-        *pointer = node.mNext;
+    template <class Head, class Node>
+    static void unlink(Head& head, const Node& node) {
+        if (head == &node) {
+            head = node.mNext;
+            return;
+        }
+        Node* before = head;
+        while (before->mNext != &node)
+            before = before->mNext;
+        before->mNext = node.mNext;
     }
 
     bool beginWait(Wait& wait) {
         LeafGuard guard(mLock);
         if (dependsOn(wait, wait.mThread)) return false;
         link(mWaits, wait);
-        ++mWaitCount;
         return true;
     }
 
     void endWait(const Wait& wait) {
         LeafGuard guard(mLock);
         unlink(mWaits, wait);
-        --mWaitCount;
     }
 
     void notifyWaits() QV_REQUIRES(mLock) {
@@ -159,8 +160,7 @@ private:
 
     LeafLock mLock;
     Call* mCalls QV_GUARDED_BY(mLock) = nullptr;
-    Wait* mWaits QV_GUARDED_BY(mLock) = nullptr;
-    std::atomic<unsigned int> mWaitCount{0};  // changed under the lock, read without it
+    std::atomic<Wait*> mWaits{nullptr};  // changed under the lock
     std::condition_variable_any mCallEnded;
     Call mReceiverCall{*this, nullptr};
 };

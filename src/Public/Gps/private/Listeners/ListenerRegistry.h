@@ -88,9 +88,8 @@ private:
     template <class First, class... Rest>
     unsigned int callEachAs(GpsListenerCalls::Call& call, First first, Rest... rest) {
         Pass pass(call);
-        bool isContinued = true;
-        while (isContinued && beginNext(pass))
-            isContinued = first(pass.entry) && (... && (!contains(pass.serial) || rest(pass.entry)));
+        while (beginNext(pass) && first(pass.entry) && (... && (!contains(pass.serial) || rest(pass.entry)))) {
+        }
         return pass.calls;
     }
 
@@ -99,7 +98,7 @@ private:
      * those at an index below `calls` are left out. False when there is none.
      */
     bool beginNext(Pass& pass) {
-        if (pass.serial == mLastSerial) return false;
+        if (pass.serial == mLastSerial) return false;  // the last one registered: none comes after it
         LeafGuard guard(mCalls.lock());
         if (pass.calls == 0) pass.newest = mLastSerial;
         for (unsigned int i = 0; i != count(); ++i) {
