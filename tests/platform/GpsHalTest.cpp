@@ -17,6 +17,8 @@
 #include "QvFramework/Foundation/QvEvent.h"
 #include "QvFramework/Foundation/QvSyncGuard.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Processes.h"
+#include "tests/support/ScratchDirectory.h"
 
 static std::atomic<int> gSkippedSeconds;
 
@@ -30,6 +32,7 @@ extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
 namespace {
 
 using namespace std::string_literals;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
@@ -345,8 +348,17 @@ TEST_F(GpsHalTest, LogsWhyItCannotStart) {
         EXPECT_FALSE(send("x"));
         EXPECT_THAT(capture.texts(), ElementsAreArray(log));
     }
-    setenv("GPSHAL_DEVICE", "/nonexistent/gps", 1);
     setenv("GPSHAL_BAUD", "9600", 1);
+    const ScratchDirectory directory;
+    setenv("GPSHAL_DEVICE", directory.write("gps", "").c_str(), 1);
+    std::filesystem::permissions(directory.path("gps"), std::filesystem::perms::none);
+    expectInProcess([this] {
+        const LogCapture capture;
+        [[maybe_unused]] const int result = setuid(kOtherUser);
+        EXPECT_TRUE(mHal->start()) << "it may be permitted later";
+        EXPECT_THAT(capture.texts(), Contains(testing::EndsWith(": Permission denied\n")));
+    });
+    setenv("GPSHAL_DEVICE", "/nonexistent/gps", 1);
     EXPECT_TRUE(mHal->start()) << "it may appear later";
 }
 

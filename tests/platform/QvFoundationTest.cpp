@@ -2,12 +2,14 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <string>
 #include <thread>
 
+#include "QvFramework/Foundation/QvCallStack.h"
 #include "QvFramework/Foundation/QvDbgOutput.h"
 #include "QvFramework/Foundation/QvEvent.h"
 #include "QvFramework/Foundation/QvHelpers.h"
@@ -21,6 +23,16 @@ TEST(DbgOutput, PrintsEveryLineOnStandardError) {
     QvDbgOutput::DbgPrint("first\nsecond\r\n");
     QvDbgOutput::DbgPrintStdErr("file", "function", 7, "third");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "first\nsecond\nfile:7 function: third\n");
+}
+
+TEST(CallStack, IsPrintedToTheRequestedDepth) {
+    for (const int depth : {0, 1, -1}) {
+        testing::internal::CaptureStderr();
+        QvCallStack::dumpDirectly(depth);
+        const std::string lines = testing::internal::GetCapturedStderr();
+        const auto count = std::ranges::count(lines, '\n');
+        EXPECT_TRUE(depth < 0 ? count > 1 : count == depth) << lines;
+    }
 }
 
 std::string gOrder;
@@ -48,9 +60,9 @@ TEST(Waits, LastAsLongAsRequestedInSpiteOfSignals) {
     const auto start = std::chrono::steady_clock::now();
     std::signal(SIGALRM, [](int) {});
     ualarm(5000, 5000);
-    qv_msleep(20);
+    qv_msleep(1000);
     EXPECT_EQ(QvEvent().WaitEvent(20), QvEvent::TIMED_OUT);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(40));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1020));
     ualarm(0, 0);
 }
 

@@ -175,6 +175,12 @@ TEST(Satellites, InViewAreReadWhenEachMessageIsAndAreDelivered) {
     EXPECT_EQ(listener.kinds, "");
     EXPECT_TRUE(parse("$GPGSV,1,1,01,05,,,*00", kWgs84));
     EXPECT_EQ(listener.kinds, "GSV");
+    record.SatView = 2;
+    manager.checkGsvStatus(&record, &used);
+    EXPECT_TRUE(record.Sat[0].Used && !record.Sat[1].Used) << "no more entries count than were read";
+    record.Sat[0].Used = false;
+    manager.checkGsvStatus(&record, &used);
+    EXPECT_FALSE(record.Sat[0].Used) << "they count once";
 }
 
 /** Makes another listener's entry unservable while the last sentence of an epoch is delivered. */
