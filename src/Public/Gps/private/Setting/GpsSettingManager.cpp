@@ -148,11 +148,7 @@ bool GpsSettingManager::changeSpeed(unsigned int value) {
 }
 
 void GpsSettingManager::dropAnswerDue() {
-    if (mEarlierAnswersDue != 0) {
-        --mEarlierAnswersDue;
-    } else if (mAnswersDue != 0 && --mAnswersDue == 0) {
-        mPollAnswered.SetEvent();
-    }
+    if (mAnswersDue != 0 && --mAnswersDue == 0) mPollAnswered.SetEvent();
 }
 
 /** Writes to the shared record what the setting changes for all processes. */
@@ -187,7 +183,11 @@ bool GpsSettingManager::takeResponse(const char* data, unsigned int length, std:
     const UbxMessage message = UbxFrame(data, length).message();
     const bool isAnswer = message == UbxMessage::AckAck || message == UbxMessage::AckNak;
     QvSyncGuard guard(mPendingSync);
-    if (isAnswer) dropAnswerDue();
+    if (isAnswer && mEarlierAnswersDue != 0) {
+        --mEarlierAnswersDue;
+    } else if (isAnswer) {
+        dropAnswerDue();
+    }
     if (mPendingCount == 0) return false;
     if (message == UbxMessage::CfgPrt) return true;
     const GpsSetting oldest = takeOldest();
