@@ -176,6 +176,7 @@ TEST(Satellites, InViewAreReadWhenEachMessageIsAndAreDelivered) {
     EXPECT_TRUE(parse("$GPGSV,1,1,01,05,,,*00", kWgs84));
     EXPECT_EQ(listener.kinds, "GSV");
     record.SatView = 2;
+    record.Sat[1].SatID = 0;  // as the entries that were not read
     manager.checkGsvStatus(&record, &used);
     EXPECT_TRUE(record.Sat[0].Used && !record.Sat[1].Used) << "no more entries count than were read";
     record.Sat[0].Used = false;
