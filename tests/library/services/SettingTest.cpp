@@ -27,6 +27,7 @@ Texts answers(std::initializer_list<int> settings, const char* how = "yes") {
 
 const std::string kYes(kAck);
 const std::string kNo = ubxFrame(5, 0, "\6\0"s);
+const std::string kPortSettings = ubxFrame(6, 0, std::string(20, '\0'));
 
 class Setting : public ControllerTest {
 protected:
@@ -75,12 +76,9 @@ TEST_F(Setting, CommandIsOneChunkAndWrittenOnlyWhereItFits) {
 
 TEST_F(Setting, FrameThatIsNoAnswerSettlesNothing) {
     const std::map<std::string, bool> cases = {// whether it is taken; what is not steps over the oldest entry
-                                               {ubxFrame(6, 0, std::string(20, '\0')), true},
-                                               {ubxFrame(5, 2, "12"), false},
-                                               {ubxFrame(6, 1, "12"), false},
-                                               {"\xB5\x62\x05", false},
-                                               {"\xB5\x63\x05\x01", false},
-                                               {"$", false}};
+                                               {kPortSettings, true},         {ubxFrame(5, 2, "12"), false},
+                                               {ubxFrame(6, 1, "12"), false}, {"\xB5\x62\x05", false},
+                                               {"\xB5\x63\x05\x01", false},   {"$", false}};
     for (const auto& [frame, isTaken] : cases) {
         GpsSettingManager manager;
         const auto offer = [&](const std::string& bytes) {
@@ -188,11 +186,10 @@ TEST_F(Setting, SpeedChangeExcludesOtherCommandsUntilItsPollAndSettingsUntilTheP
         EXPECT_EQ(mListener.take().size(), 3 + more);
         speed = newSpeed;
     }
-    const std::string portSettings = ubxFrame(6, 0, std::string(20, '\0'));
     for (const bool isAnswerLost : {false, true}) {
         mPeer->setWriteHook([&](std::string_view bytes) {
             if (bytes == commandOf(GPS_SETTING_BAUD_38400)) return isAnswerLost || send(kYes);
-            return send(bytes == kPortPoll && isAnswerLost ? portSettings + kYes : kYes);
+            return send(bytes == kPortPoll && isAnswerLost ? kPortSettings + kYes : kYes);
         });
         bool isDelayed = true;
         for (int i = 0; i < 20 && isDelayed; ++i) {  // a busy system delays them, too
@@ -207,8 +204,7 @@ TEST_F(Setting, SpeedChangeExcludesOtherCommandsUntilItsPollAndSettingsUntilTheP
 
 TEST_F(Setting, WaitsForTheLastOfTwoPollsAndForNoCommandThatFailed) {
     const auto answer = [this](GpsSettingManager& manager) {
-        const std::string portSettings = ubxFrame(6, 0, std::string(20, '\0'));
-        manager.takePortSettings(portSettings.data(), static_cast<unsigned>(portSettings.size()));
+        manager.takePortSettings(kPortSettings.data(), static_cast<unsigned>(kPortSettings.size()));
         EXPECT_TRUE(manager.analizeGpsSettingResponse(kYes.data(), 10, &mListener));
     };
     bool isDelayed = true;
